@@ -1,0 +1,29 @@
+# One set of compiler options for everything that is built here.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+
+option(KEL_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
+option(KEL_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+
+add_compile_options(-Wall -Wextra -Wshadow)
+if(KEL_WARNINGS_AS_ERRORS)
+    add_compile_options(-Werror)
+endif()
+
+if(KEL_SANITIZE)
+    add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+endif()
+
+if(WIN32)
+    # SSE arithmetic: the x87 unit would round differently from 64-bit code and obey the host's
+    # control word. The stack is realigned because hosts call in with four-byte alignment.
+    add_compile_options(-msse2 -mfpmath=sse -mstackrealign -ffunction-sections -fdata-sections)
+    add_compile_definitions(_WIN32_WINNT=0x0601 WINVER=0x0601 NOMINMAX WIN32_LEAN_AND_MEAN)
+    add_link_options(-static -static-libgcc -static-libstdc++ -Wl,--gc-sections
+        -Wl,--dynamicbase -Wl,--nxcompat -Wl,--no-insert-timestamp)
+endif()
+
+# Includes name the room: #include "script/engine/program.h".
+include_directories("${PROJECT_SOURCE_DIR}")

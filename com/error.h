@@ -1,0 +1,92 @@
+// Exceptions inside, HRESULT and error info outside.
+#pragma once
+
+#include <windows.h>
+
+#include <oleauto.h>
+#include <wrl/client.h>
+
+#include <exception>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+namespace kel::com {
+
+using Microsoft::WRL::ComPtr;
+
+// A failed COM operation: its code, the interface it failed on (GUID_NULL when it is the called
+// interface itself) and a description (empty for the platform's own text).
+class Error : public std::exception {
+public:
+    explicit Error(HRESULT code, std::wstring description = {}, const IID& interfaceId = GUID_NULL)
+        : code_(code), description_(std::move(description)), interfaceId_(interfaceId) {}
+
+    HRESULT code() const { return code_; }
+    const std::wstring& description() const { return description_; }
+    const IID& interfaceId() const { return interfaceId_; }
+    const char* what() const noexcept override { return "COM operation failed"; }
+
+private:
+    HRESULT code_;
+    std::wstring description_;
+    IID interfaceId_;
+};
+
+// Throws the failure of a call on an object's interface, with the text that the object published.
+[[noreturn]] void throwFailure(HRESULT code, IUnknown* object, const IID& interfaceId);
+
+// Throws when a call on an object failed: check(stream->Echo(text), stream).
+template <class Interface>
+void check(HRESULT code, const ComPtr<Interface>& object) {
+    if (FAILED(code)) throwFailure(code, object.Get(), __uuidof(Interface));
+}
+
+template <class Interface>
+void check(HRESULT code, Interface* object) {
+    if (FAILED(code)) throwFailure(code, object, __uuidof(Interface));
+}
+
+// Throws when a call on the platform failed.
+inline void check(HRESULT code) {
+    if (FAILED(code)) throw Error(code);
+}
+
+// The failure of a platform function, from the thread's last error.
+[[nodiscard]] Error lastError();
+
+// The result of an out parameter: throws E_POINTER when the caller gave none.
+template <class Value>
+Value& out(Value* result) {
+    if (!result) throw Error(E_POINTER);
+    return *result;
+}
+
+// The HRESULT of the exception that is being handled.
+HRESULT codeOfCurrentException() noexcept;
+
+// Publishes the exception that is being handled as the thread's error info and gives its HRESULT.
+// `source` is the ProgID of the component, may be null.
+HRESULT publishCurrentException(const IID& interfaceId, const wchar_t* source) noexcept;
+
+// Publishes a description for a failing HRESULT that is about to be returned, and returns it.
+HRESULT publish(HRESULT code, const std::wstring& description, const IID& interfaceId,
+                const wchar_t* source) noexcept;
+
+// The one border between exceptions and HRESULTs: runs the body of an interface method or export.
+// The body gives an HRESULT, or nothing for S_OK.
+template <class Body>
+HRESULT guard(const IID& interfaceId, const wchar_t* source, Body&& body) noexcept {
+    try {
+        if constexpr (std::is_void_v<std::invoke_result_t<Body>>) {
+            body();
+            return S_OK;
+        } else {
+            return body();
+        }
+    } catch (...) {
+        return publishCurrentException(interfaceId, source);
+    }
+}
+
+}  // namespace kel::com

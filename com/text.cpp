@@ -1,0 +1,67 @@
+#include "com/text.h"
+
+#include <limits>
+#include <new>
+#include <stdexcept>
+#include <utility>
+
+namespace kel::com {
+namespace {
+
+// The conversion functions count in int.
+int countOf(std::size_t size) {
+    if (size > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+        throw std::length_error("Text is too long");
+    }
+    return static_cast<int>(size);
+}
+
+BSTR allocate(const wchar_t* text, std::size_t size) {
+    BSTR copy = SysAllocStringLen(text, static_cast<UINT>(countOf(size)));
+    if (!copy) throw std::bad_alloc();
+    return copy;
+}
+
+}  // namespace
+
+std::wstring widen(std::string_view text) {
+    if (text.empty()) return {};
+    const int size = countOf(text.size());
+    std::wstring wide(MultiByteToWideChar(CP_ACP, 0, text.data(), size, nullptr, 0), L'\0');
+    MultiByteToWideChar(CP_ACP, 0, text.data(), size, wide.data(), static_cast<int>(wide.size()));
+    return wide;
+}
+
+std::string narrow(std::wstring_view text) {
+    if (text.empty()) return {};
+    const int size = countOf(text.size());
+    std::string bytes(
+        WideCharToMultiByte(CP_ACP, 0, text.data(), size, nullptr, 0, nullptr, nullptr), '\0');
+    WideCharToMultiByte(CP_ACP, 0, text.data(), size, bytes.data(), static_cast<int>(bytes.size()),
+                        nullptr, nullptr);
+    return bytes;
+}
+
+Bstr::Bstr(std::wstring_view text) : text_(allocate(text.data(), text.size())) {}
+
+Bstr::Bstr(std::string_view text) : Bstr(widen(text)) {}
+
+Bstr::Bstr(const Bstr& other)
+    : text_(other.text_ ? allocate(other.text_, SysStringLen(other.text_)) : nullptr) {}
+
+Bstr& Bstr::operator=(Bstr other) noexcept {
+    std::swap(text_, other.text_);
+    return *this;
+}
+
+BSTR* Bstr::put() {
+    SysFreeString(text_);
+    text_ = nullptr;
+    return &text_;
+}
+
+BSTR Bstr::release() noexcept {
+    return std::exchange(text_, nullptr);
+}
+
+}  // namespace kel::com

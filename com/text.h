@@ -1,0 +1,53 @@
+// Conversion between the narrow texts used inside (the user's code page) and the texts of the
+// border.
+#pragma once
+
+#include <windows.h>
+
+#include <oleauto.h>
+
+#include <string>
+#include <string_view>
+
+namespace kel::com {
+
+// Converts from the user's code page. Invalid bytes become the platform's replacement character.
+std::wstring widen(std::string_view text);
+
+// Converts to the user's code page. Characters outside it become the code page's default character.
+std::string narrow(std::wstring_view text);
+
+// The characters of a text of the border, embedded NULs included; null is the empty text.
+inline std::wstring_view view(BSTR text) {
+    return text ? std::wstring_view(text, SysStringLen(text)) : std::wstring_view();
+}
+
+inline std::string narrow(BSTR text) {
+    return narrow(view(text));
+}
+
+// Owns a text of the border. A failing allocation throws std::bad_alloc.
+class Bstr {
+public:
+    Bstr() = default;
+    explicit Bstr(std::wstring_view text);
+    explicit Bstr(std::string_view text);
+    Bstr(const Bstr& other);
+    Bstr(Bstr&& other) noexcept : text_(other.release()) {}
+    Bstr& operator=(Bstr other) noexcept;
+    ~Bstr() { SysFreeString(text_); }
+
+    BSTR get() const { return text_; }
+    std::wstring_view view() const { return com::view(text_); }
+
+    // Frees what is held and gives the place for an out parameter.
+    BSTR* put();
+
+    // Hands the text to the caller, who frees it.
+    [[nodiscard]] BSTR release() noexcept;
+
+private:
+    BSTR text_ = nullptr;
+};
+
+}  // namespace kel::com
