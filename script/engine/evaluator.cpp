@@ -1,0 +1,110 @@
+#include "script/engine/evaluator.h"
+
+#include <utility>
+
+#include "script/engine/questions.h"
+
+namespace kel::script {
+namespace {
+
+constexpr const char* kQuestionTitle = "Input";
+
+template <class Element>
+std::optional<std::vector<std::string>> evaluateAll(const Evaluator& evaluator,
+                                                    const std::deque<Element>& pool, Range range) {
+    std::vector<std::string> values;
+    values.reserve(range.count);
+    for (std::size_t i = 0; i < range.count; ++i) {
+        auto value = evaluator.evaluate(pool[range.first + i]);
+        if (!value) return std::nullopt;
+        values.push_back(*std::move(value));
+    }
+    return values;
+}
+
+}  // namespace
+
+void Environment::setVariable(std::string_view name, const std::string& value) const {
+    variables.set(name, value);
+    observer.variableSet(name, value);
+}
+
+std::string_view functionName(const Call& call) {
+    return call.name.empty() ? std::string_view("input") : call.name;
+}
+
+std::optional<std::string> Evaluator::evaluate(const Expression& expression) const {
+    const auto* callee = std::get_if<Call>(&expression.value);
+    auto value = callee != nullptr ? call(*callee, expression.target)
+                                   : evaluate(std::get<Operand>(expression.value));
+    if (value && expression.target) environment_.setVariable(*expression.target, *value);
+    return value;
+}
+
+std::optional<std::string> Evaluator::evaluate(const Operand& operand) const {
+    if (const auto* literal = std::get_if<Literal>(&operand)) return std::string(literal->text);
+    return variable(std::get<Reference>(operand).name);
+}
+
+std::optional<std::string> Evaluator::evaluate(const Parameter& parameter) const {
+    if (const auto* literal = std::get_if<Literal>(&parameter)) return std::string(literal->text);
+    if (const auto* reference = std::get_if<Reference>(&parameter))
+        return variable(reference->name);
+    if (const auto* word = std::get_if<Word>(&parameter)) {
+        const std::string* value = environment_.variables.find(word->text);
+        return value != nullptr ? *value : std::string(word->text);
+    }
+    return evaluate(program_.expressions[std::get<ExpressionIndex>(parameter).index]);
+}
+
+std::optional<std::vector<std::string>> Evaluator::operands(Range range) const {
+    return evaluateAll(*this, program_.operands, range);
+}
+
+std::optional<std::vector<std::string>> Evaluator::parameters(Range range) const {
+    return evaluateAll(*this, program_.parameters, range);
+}
+
+std::optional<std::string> Evaluator::variable(std::string_view name) const {
+    if (const std::string* value = environment_.variables.find(name)) return *value;
+    environment_.reporter.errorAt(name.data(), "Variable not found:", {name});
+    return std::nullopt;
+}
+
+std::optional<std::string> Evaluator::call(const Call& call,
+                                           std::optional<std::string_view> target) const {
+    const std::string_view name = functionName(call);
+    const auto kind = controlKind(name);
+    if (!kind) return callFunction(call, name);
+
+    auto values = operands(call.parameters);
+    if (!values) return std::nullopt;
+    Question question{kQuestionTitle, {}};
+    question.controls.push_back(
+        makeControl(*kind, target, *std::move(values), environment_.variables, environment_.rules));
+    const Answers answers = environment_.host.ask(question);
+    if (answers && answers->size() == 1) return answers->front();
+    environment_.reporter.errorAt(call.name.data(), "Error evaluating expression:", {name});
+    return std::nullopt;
+}
+
+std::optional<std::string> Evaluator::callFunction(const Call& call, std::string_view name) const {
+    Host& host = environment_.host;
+    Reporter& reporter = environment_.reporter;
+    std::optional<std::size_t> row = host.findFunction(name, 0);
+    for (; row; row = host.findFunction(name, *row + 1)) {
+        const auto values = operands(call.parameters);
+        if (!values) return std::nullopt;
+        const std::size_t errorsBefore = reporter.count();
+        FunctionOutcome outcome = host.callFunction(*row, *values);
+        if (!outcome.result) {
+            reporter.noteUnlessReported(errorsBefore, "The function failed: " + std::string(name));
+            return std::nullopt;
+        }
+        if (outcome.handled) return std::move(outcome.value);
+    }
+    reporter.errorAt(name.data(), "Unknown function:", {name});
+    return std::nullopt;
+}
+
+}  // namespace kel::script

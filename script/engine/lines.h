@@ -1,0 +1,28 @@
+#pragma once
+// From a script's text to its lines.
+
+#include <optional>
+#include <string_view>
+
+#include "script/engine/text_rules.h"
+
+namespace kel::script {
+
+/// Hands out the lines that count, without their comments and the blanks around them.
+class LineReader {
+public:
+    /// Both must outlive the reader.
+    LineReader(std::string_view text, const Characters& characters)
+        : rest_(text), characters_(characters) {}
+
+    /// Nothing at the end of the text.
+    std::optional<std::string_view> next();
+
+private:
+    std::optional<std::string_view> strip(std::string_view line) const;
+
+    std::string_view rest_;
+    const Characters& characters_;
+};
+
+}  // namespace kel::script
