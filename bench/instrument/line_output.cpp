@@ -1,0 +1,48 @@
+#include "bench/instrument/line_output.h"
+
+#include <algorithm>
+
+namespace kel::bench {
+
+LineOutput::LineOutput(double garbleRate, std::uint32_t seed)
+    : garbleRate_(garbleRate), random_(seed) {}
+
+void LineOutput::push(std::string_view bytes, Duration due) {
+    if (bytes.empty()) return;
+    if (pieces_.empty() || due > pieces_.back().due) pieces_.push_back({due, {}});
+    auto& piece = pieces_.back().bytes;
+    if (garbleRate_ == 0) {
+        piece.append(bytes);
+        return;
+    }
+    for (const char byte : bytes)
+        piece.push_back(damaged(byte));
+}
+
+std::string LineOutput::take(Duration now) {
+    std::string bytes;
+    while (!pieces_.empty() && pieces_.front().due <= now) {
+        bytes += pieces_.front().bytes;
+        pieces_.pop_front();
+    }
+    return bytes;
+}
+
+std::optional<Duration> LineOutput::nextDue() const {
+    if (pieces_.empty()) return std::nullopt;
+    return pieces_.front().due;
+}
+
+std::optional<Duration> LineOutput::lastDue() const {
+    if (pieces_.empty()) return std::nullopt;
+    return pieces_.back().due;
+}
+
+char LineOutput::damaged(char byte) {
+    // The standard distributions differ between libraries; the generator itself does not.
+    const double draw = static_cast<double>(random_()) / 4294967296.0;
+    if (draw >= garbleRate_) return byte;
+    return static_cast<char>(byte ^ (1 << (random_() % 7)));
+}
+
+}  // namespace kel::bench

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <random>
+#include <string>
+#include <string_view>
+
+namespace kel::bench {
+
+// Time of the model since the instrument was switched on; its owner is the clock.
+using Duration = std::chrono::microseconds;
+
+// What the instrument has said and the line has not carried away yet, in order and with the times
+// from which each piece may go. Damages bytes at a given rate, the same ones for the same seed.
+class LineOutput {
+public:
+    LineOutput(double garbleRate, std::uint32_t seed);
+
+    // A piece never overtakes an earlier one: its time is moved back if need be.
+    void push(std::string_view bytes, Duration due);
+    // Everything that may go at `now`.
+    std::string take(Duration now);
+    // When the first piece may go; nothing when there is none.
+    std::optional<Duration> nextDue() const;
+    // When the last piece may go; nothing when there is none.
+    std::optional<Duration> lastDue() const;
+    void clear() { pieces_.clear(); }
+
+private:
+    struct Piece {
+        Duration due;
+        std::string bytes;
+    };
+
+    char damaged(char byte);
+
+    double garbleRate_;
+    std::mt19937 random_;
+    std::deque<Piece> pieces_;
+};
+
+}  // namespace kel::bench
