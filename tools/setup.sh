@@ -1,0 +1,104 @@
+# Installs the packages that are missing: the ordinary way first, then from the main suites alone.
+
+readonly kel_packages=(
+    wine wine32:i386 fonts-wine fonts-liberation           # running Windows programs
+    g++-mingw-w64-i686-posix mingw-w64-tools libwine-dev   # building them
+    g++ cmake ninja-build googletest                       # building and testing natively
+)
+
+# Prints the packages of the list that are not installed.
+missing_packages() {
+    local installed package
+    installed=$(dpkg-query -W -f '=${db:Status-Status} ${Package}=\n=${db:Status-Status} ${Package}:${Architecture}=\n' \
+        "${kel_packages[@]}" 2>/dev/null) || true
+    for package in "${kel_packages[@]}"; do
+        [[ $installed == *"=installed $package="* ]] || printf '%s\n' "$package"
+    done
+}
+
+# Runs a command as root; only the package tools need it.
+as_root() {
+    if ((EUID == 0)); then
+        "$@"
+    else
+        sudo "$@"
+    fi
+}
+
+# One call of apt-get that asks nothing. What failed last is kept for the final report.
+apt_get() {
+    last_apt_command="apt-get $*"
+    as_root env DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 apt-get -y -q \
+        -o DPkg::Lock::Timeout=300 -o Dpkg::Options::=--force-confdef -o Dpkg::Options::=--force-confold "$@"
+}
+
+# Updates the index and installs what is missing: install_missing LABEL LOG [APT OPTIONS...]
+install_missing() {
+    local label=$1 log=$2 missing
+    shift 2
+    logged "setup: updating the package index$label" "$log-update.log" apt_get "$@" update ||
+        say "setup: apt-get update reports errors (see $log-update.log), trying to install all the same"
+    mapfile -t missing < <(missing_packages)
+    logged "setup: installing$label: ${missing[*]}" "$log-install.log" \
+        apt_get "$@" install --no-install-recommends "${missing[@]}"
+}
+
+# Names the packages that could not be had, the command that failed, and what to do.
+report_missing() {
+    local log=$1 package missing
+    mapfile -t missing < <(missing_packages)
+    say "setup: cannot install these packages:"
+    for package in "${missing[@]}"; do
+        say "    $package"
+    done
+    say "the command that failed: $last_apt_command"
+    grep -hE '^(E:|W: Failed| +[a-z0-9.+:-]+ : )' -- "$log"-*.log | sort -u | head -n 8 | sed 's/^/kel:     /' >&2 || true
+    fail "check that this machine reaches the mirror named in /etc/apt, run that command as root, then ./kel setup again"
+}
+
+# Installs what is missing; does nothing, quickly, when everything is there.
+set_up() {
+    command -v dpkg-query apt-get >/dev/null ||
+        fail "setup: needs Debian 12 (apt-get is missing); elsewhere provide by hand: ${kel_packages[*]}"
+    [[ -n $(missing_packages) ]] || return 0
+    ((EUID == 0)) || command -v sudo >/dev/null ||
+        fail "setup: must install packages; run as root or install sudo: apt-get install --no-install-recommends $(missing_packages | tr '\n' ' ')"
+
+    local log=$kel_build/log/setup
+    if ! dpkg --print-foreign-architectures | grep -qx i386; then
+        say "setup: adding the i386 architecture (the 32-bit Wine needs it)"
+        as_root dpkg --add-architecture i386
+    fi
+    install_missing "" "$log" || install_from_main_suites "$log" || report_missing "$log"
+    [[ -z $(missing_packages) ]] || report_missing "$log"
+    say "setup: all packages are installed"
+}
+
+# The security suite's i386 index may lag behind its amd64 index; then the 32-bit Wine has no
+# matching libraries there, while the main suites are consistent in themselves.
+install_from_main_suites() {
+    local log=$1 folder=$kel_build/apt options
+    say "setup: the ordinary way failed (see $log-install.log)"
+    say "setup: trying the main suites alone, without the security suite, with an index of their own"
+    mkdir -p -- "$folder/sources" "$folder/lists/partial"
+    at_exit as_root rm -rf -- "$folder"
+    write_main_sources >"$folder/sources/main.sources"
+    [[ -s $folder/sources/main.sources ]] || fail "setup: no Debian main suite among the sources in /etc/apt"
+    options=(-o Dir::Etc::sourcelist=/dev/null -o "Dir::Etc::sourceparts=$folder/sources"
+        -o "Dir::State::lists=$folder/lists" -o Dir::Cache::pkgcache= -o Dir::Cache::srcpkgcache=)
+    install_missing " (main suites)" "$log-main" "${options[@]}" && return
+
+    # A 64-bit library that is newer than its 32-bit twin: only the same version of both goes together.
+    say "setup: that failed too; trying again and allowing 64-bit packages to go back to the main suites' versions"
+    printf 'Package: *\nPin: release o=Debian\nPin-Priority: 1001\n' >"$folder/preferences"
+    install_missing " (main suites, downgrades allowed)" "$log-downgrade" "${options[@]}" \
+        -o "Dir::Etc::preferences=$folder/preferences" --allow-downgrades || return
+    report_downgrades "$log-downgrade-install.log"
+}
+
+# Tells which packages went back.
+report_downgrades() {
+    local packages
+    packages=$(sed -n '/^The following packages will be DOWNGRADED:/,/^[^ ]/{/^ /p}' -- "$1" | tr -s ' \n' ' ')
+    [[ -z $packages ]] || say "setup: went back to the main suites' versions:$packages"
+}

@@ -1,0 +1,70 @@
+# Runs all tests and adds up what they say.
+
+passed=0 failed=0 skipped=0
+
+# Prints the sum; as the very last line, however the tests end.
+print_sum() {
+    ((passed + failed > 0)) || failed=1 # nothing that ran is no success
+    if ((skipped > 0)); then
+        printf '%d passed, %d failed, %d skipped\n' "$passed" "$failed" "$skipped"
+    else
+        printf '%d passed, %d failed\n' "$passed" "$failed"
+    fi
+}
+
+# Set-up, build, all tests; fails if any does.
+run_tests() {
+    at_exit finish_tests
+    ended_early=yes
+    take_lock 7 "$kel_build/.test-lock" "testing"
+    lock_build
+    set_up
+    build_all
+    make_prefix
+    unlock_build
+
+    run_ctest native "the portable core, natively" --parallel 2
+    make_test_prefix
+    at_exit stop_prefix "$WINEPREFIX"
+    start_server
+    register_libraries
+    run_ctest win32 "32-bit Windows" --parallel 2 --label-exclude end_to_end
+    [[ ! -d $kel_root/tests/end_to_end ]] || run_ctest win32 "end to end" --label-regex end_to_end
+    ended_early=no
+    ((failed == 0)) || exit 1
+}
+
+# The last act of the test verb: a run that did not come to its end counts as a failure.
+finish_tests() {
+    [[ $ended_early == no ]] || failed=$((failed + 1))
+    print_sum
+}
+
+# Runs some tests of a build folder and counts them: run_ctest FOLDER WHAT [CTEST OPTIONS...]
+run_ctest() {
+    local folder=$kel_build/$1 what=$2 report=$kel_build/reports/$1-${2//[^a-z0-9]/-}.xml code=0 counts
+    shift 2
+    say "testing: $what"
+    mkdir -p -- "${report%/*}"
+    rm -f -- "$report"
+    without_locks ctest --test-dir "$folder" --timeout 120 --output-on-failure --no-tests=error \
+        --output-junit "$report" "$@" 2>&1 || code=$?
+    count_report "$report" "$code"
+}
+
+# Adds the counts of a report. A test whose program is missing counts as failed, and so does a
+# runner that fails without a failed test.
+count_report() {
+    local report=$1 code=$2 ran=0 bad=0 left=0
+    if [[ -r $report ]]; then
+        ran=$(count_lines '<testcase .* status="run"' "$report")
+        left=$(count_lines '<testcase .* status="disabled"|<skipped message="SKIP_' "$report")
+        bad=$(($(count_lines '<testcase ' "$report") - ran - left))
+    fi
+    ((code == 0 || bad > 0)) || bad=1
+    ((ran + bad > 0)) || bad=1
+    passed=$((passed + ran)) failed=$((failed + bad)) skipped=$((skipped + left))
+}
+
+# Prints how many lines of a file match.
+count_lines() { grep -cE -- "$1" "$2" || true; }
