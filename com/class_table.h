@@ -14,6 +14,9 @@ struct ClassRow {
     const wchar_t* name;
     const CLSID* identifier;
 
+    // Id of the resource that holds the class's registry script; 0 where a module has none.
+    UINT registryScript;
+
     // Makes an object and asks it for an interface. `result` is not null and has been set to null.
     HRESULT (*createInstance)(const ClassRow& row, IUnknown* outer, REFIID iid, void** result);
 

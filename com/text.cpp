@@ -24,21 +24,21 @@ BSTR allocate(const wchar_t* text, std::size_t size) {
 
 }  // namespace
 
-std::wstring widen(std::string_view text) {
+std::wstring widen(std::string_view text, UINT codePage) {
     if (text.empty()) return {};
     const int size = countOf(text.size());
-    std::wstring wide(MultiByteToWideChar(CP_ACP, 0, text.data(), size, nullptr, 0), L'\0');
-    MultiByteToWideChar(CP_ACP, 0, text.data(), size, wide.data(), static_cast<int>(wide.size()));
+    std::wstring wide(MultiByteToWideChar(codePage, 0, text.data(), size, nullptr, 0), L'\0');
+    MultiByteToWideChar(codePage, 0, text.data(), size, wide.data(), static_cast<int>(wide.size()));
     return wide;
 }
 
-std::string narrow(std::wstring_view text) {
+std::string narrow(std::wstring_view text, UINT codePage) {
     if (text.empty()) return {};
     const int size = countOf(text.size());
     std::string bytes(
-        WideCharToMultiByte(CP_ACP, 0, text.data(), size, nullptr, 0, nullptr, nullptr), '\0');
-    WideCharToMultiByte(CP_ACP, 0, text.data(), size, bytes.data(), static_cast<int>(bytes.size()),
-                        nullptr, nullptr);
+        WideCharToMultiByte(codePage, 0, text.data(), size, nullptr, 0, nullptr, nullptr), '\0');
+    WideCharToMultiByte(codePage, 0, text.data(), size, bytes.data(),
+                        static_cast<int>(bytes.size()), nullptr, nullptr);
     return bytes;
 }
 

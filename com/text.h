@@ -11,11 +11,13 @@
 
 namespace kel::com {
 
-// Converts from the user's code page. Invalid bytes become the platform's replacement character.
-std::wstring widen(std::string_view text);
+// Converts from a code page, the user's own by default. Invalid bytes become the platform's
+// replacement character.
+std::wstring widen(std::string_view text, UINT codePage = CP_ACP);
 
-// Converts to the user's code page. Characters outside it become the code page's default character.
-std::string narrow(std::wstring_view text);
+// Converts to a code page, the user's own by default. Characters outside it become its default
+// character.
+std::string narrow(std::wstring_view text, UINT codePage = CP_ACP);
 
 // The characters of a text of the border, embedded NULs included; null is the empty text.
 inline std::wstring_view view(BSTR text) {

@@ -1,0 +1,28 @@
+// Every resource id of KelUtils.dll. Read by the compiler and the resource compiler alike.
+#pragma once
+
+// Registry scripts, one for each creatable class.
+#define IDR_KELTERMINAL 102
+#define IDR_CONNECTSERIALDIALOG 104
+#define IDR_UPLOADFIRMWAREDIALOG 107
+#define IDR_PREPROCESSOR 108
+#define IDR_RECORDERDIALOG 111
+#define IDR_COMPASSCALIBDIALOG 114
+#define IDR_HTMLDIALOG_UNUSED 116
+#define IDR_HTMLWINDOW 118
+#define IDR_HTMLPAGEDATA 120
+#define IDR_KELSCRIPT 121
+#define IDR_KELOBJECTS 123
+#define IDR_CONNECTKELGATEDIALOG 124
+#define IDR_NEWSESSIONDIALOG 127
+#define IDR_PRESSUREOFFSETDIALOG 149
+#define IDR_MULTISELECTDIALOG 152
+#define IDR_PREPROCESSOREXTENDER 153
+#define IDR_STATUSDIALOG 155
+#define IDR_DATAGRID 158
+#define IDR_HTMLCHILDWINDOW 163
+
+// Toolbox bitmaps of the controls.
+#define IDB_KELTERMINAL 101
+#define IDB_DATAGRID 157
+#define IDB_HTMLCHILDWINDOW 162

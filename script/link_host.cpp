@@ -1,0 +1,119 @@
+#include "script/link_host.h"
+
+#include "com/text.h"
+#include "com/variant.h"
+#include "script/flat_collection.h"
+#include "script/line_sink.h"
+
+namespace kel::script {
+namespace {
+
+// Calls a handler; one that is not the preprocessor's own may start a nested run.
+template <class Call>
+void callHandler(RunState& state, const WordHandler& handler, Call call) {
+    const com::ComPtr<IPreprocessorExtension> extension = handler.extension();
+    if (handler.isForeign()) {
+        const NestingScope nesting(state);
+        com::check(call(extension.Get()), extension);
+    } else {
+        com::check(call(extension.Get()), extension);
+    }
+}
+
+}  // namespace
+
+LinkHost::LinkHost(RunState& state, IPreprocessor2& sink, const WordHandlers& directives,
+                   const WordHandlers& functions, std::function<void(std::string_view)> report)
+    : state_(state),
+      sink_(sink),
+      directives_(directives),
+      functions_(functions),
+      report_(std::move(report)) {}
+
+void LinkHost::echo(std::string_view text) {
+    const auto port = portOf(state_.communicator);
+    if (port) com::check(port->Echo(com::Bstr(text).get()), port);
+}
+
+void LinkHost::endErrorReport() {
+    const auto port = portOf(state_.communicator);
+    if (!port) return;
+    // An instrument that does not take the empty line has been told of already.
+    VARIANT_BOOL written = VARIANT_FALSE;
+    com::check(port->WriteString(com::Bstr(L"").get(), VARIANT_TRUE, 0, &written), port);
+}
+
+bool LinkHost::send(std::string_view line) {
+    VARIANT_BOOL sent = VARIANT_FALSE;
+    com::check(sink_.Send(com::Bstr(line).get(), &sent), &sink_);
+    return com::isTrue(sent);
+}
+
+void LinkHost::yield() {
+    const auto port = portOf(state_.communicator);
+    if (port) com::check(port->Sleep(1), port);
+}
+
+bool LinkHost::cancelRequested() {
+    return state_.cancelRequested;
+}
+
+void LinkHost::clearCancelRequest() {
+    state_.cancelRequested = false;
+}
+
+std::optional<std::size_t> LinkHost::findDirective(std::string_view name, std::size_t from) {
+    return directives_.find(name, from);
+}
+
+DirectiveOutcome LinkHost::callDirective(std::size_t row, std::span<const std::string> parameters) {
+    const com::ComPtr<IFlatCollection> collection = collect(parameters);
+    if (!collection) return {};
+
+    VARIANT_BOOL handled = VARIANT_FALSE;
+    VARIANT_BOOL result = VARIANT_FALSE;
+    const long number = directives_[row].number;
+    callHandler(state_, directives_[row].handler, [&](IPreprocessorExtension* extension) {
+        return extension->DirectiveHandler(state_.communicator.Get(), number, collection.Get(),
+                                           &handled, &result);
+    });
+    return {com::isTrue(handled), com::isTrue(result)};
+}
+
+std::optional<std::size_t> LinkHost::findFunction(std::string_view name, std::size_t from) {
+    return functions_.find(name, from);
+}
+
+FunctionOutcome LinkHost::callFunction(std::size_t row, std::span<const std::string> parameters) {
+    const com::ComPtr<IFlatCollection> collection = collect(parameters);
+    if (!collection) return {};
+
+    com::Bstr value;
+    VARIANT_BOOL handled = VARIANT_FALSE;
+    VARIANT_BOOL result = VARIANT_FALSE;
+    const long number = functions_[row].number;
+    callHandler(state_, functions_[row].handler, [&](IPreprocessorExtension* extension) {
+        return extension->FunctionHandler(state_.communicator.Get(), number, collection.Get(),
+                                          value.put(), &handled, &result);
+    });
+    return {com::isTrue(handled), com::isTrue(result), com::narrow(value.get())};
+}
+
+Answers LinkHost::ask(const Question&) {
+    return std::nullopt;
+}
+
+com::ComPtr<IFlatCollection> LinkHost::collect(std::span<const std::string> parameters) {
+    try {
+        const com::ComPtr<FlatCollection> collection = com::makeObject<FlatCollection>();
+        for (std::size_t i = 0; i < parameters.size(); ++i) {
+            collection->append(std::to_wstring(i), parameters[i]);
+        }
+        return collection;
+    } catch (const std::bad_alloc&) {
+        report_("Unable to create collection object");
+        return nullptr;
+    }
+}
+
+}  // namespace kel::script

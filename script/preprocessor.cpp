@@ -1,0 +1,113 @@
+#include "script/preprocessor.h"
+
+#include "com/variant.h"
+#include "script/line_sink.h"
+
+namespace kel::script {
+
+Preprocessor::Preprocessor()
+    : host_(state_, *this, directives_, functions_,
+            [this](std::string_view message) { session_.report(message); }),
+      session_(host_, variables_, rules_, observer_) {}
+
+HRESULT Preprocessor::get_ParentWindow(long* window) {
+    return guarded<IPreprocessor>([&] { com::out(window) = parentWindow_; });
+}
+
+HRESULT Preprocessor::put_ParentWindow(long window) {
+    parentWindow_ = window;
+    return S_OK;
+}
+
+HRESULT Preprocessor::PreprocessAndRun(BSTR script, VARIANT_BOOL* result) {
+    return guarded<IPreprocessor>([&] {
+        com::out(result) = VARIANT_FALSE;
+        if (isRunning() && !state_.mayNest) {
+            throw com::Error(HRESULT_FROM_WIN32(ERROR_BUSY), L"A script is running already");
+        }
+        // The host may drop its last reference while the script runs.
+        const com::KeepAlive alive(*this);
+        const RunScope run(state_, communicator_);
+        const std::string text = com::narrow(script);
+        *result = com::variantBool(session_.run(text));
+    });
+}
+
+HRESULT Preprocessor::get_Communicator(IKelCommunicator** communicator) {
+    return guarded<IPreprocessorImpl>([&] {
+        com::out(communicator) = nullptr;
+        communicator_.CopyTo(communicator);
+    });
+}
+
+HRESULT Preprocessor::put_Communicator(IKelCommunicator* communicator) {
+    communicator_ = communicator;
+    return S_OK;
+}
+
+HRESULT Preprocessor::get_SystemPath(BSTR* path) {
+    return guarded<IPreprocessorImpl>([&] { com::out(path) = com::Bstr(systemPath_).release(); });
+}
+
+HRESULT Preprocessor::put_SystemPath(BSTR path) {
+    return guarded<IPreprocessorImpl>([&] { systemPath_ = com::Bstr(com::view(path)); });
+}
+
+HRESULT Preprocessor::get_ScriptPath(BSTR* path) {
+    return guarded<IPreprocessorImpl>([&] { com::out(path) = com::Bstr(scriptPath_).release(); });
+}
+
+HRESULT Preprocessor::put_ScriptPath(BSTR path) {
+    return guarded<IPreprocessorImpl>([&] { scriptPath_ = com::Bstr(com::view(path)); });
+}
+
+HRESULT Preprocessor::InstallCustomFunction(BSTR name, IPreprocessorExtension* handler,
+                                            int number) {
+    return guarded<IPreprocessorImpl>(
+        [&] { functions_.add(com::narrow(name), number, handlerFor(handler)); });
+}
+
+HRESULT Preprocessor::InstallCustomDirective(BSTR name, IPreprocessorExtension* handler,
+                                             int number) {
+    return guarded<IPreprocessorImpl>(
+        [&] { directives_.add(com::narrow(name), number, handlerFor(handler)); });
+}
+
+HRESULT Preprocessor::Cancel() {
+    if (isRunning()) state_.cancelRequested = true;
+    return S_OK;
+}
+
+HRESULT Preprocessor::get_Cancelled(VARIANT_BOOL* cancelled) {
+    return guarded<IPreprocessorControl>(
+        [&] { com::out(cancelled) = com::variantBool(state_.cancelRequested); });
+}
+
+HRESULT Preprocessor::get_Running(VARIANT_BOOL* running) {
+    return guarded<IPreprocessorControl>(
+        [&] { com::out(running) = com::variantBool(isRunning()); });
+}
+
+HRESULT Preprocessor::Send(BSTR text, VARIANT_BOOL* result) {
+    return guarded<IPreprocessor2>([&] {
+        com::out(result) = VARIANT_FALSE;
+        const com::KeepAlive alive(*this);
+        const com::ComPtr<IKelCommunicator> link =
+            isRunning() ? state_.communicator : communicator_;
+        *result = com::variantBool(sendLine(link, text));
+    });
+}
+
+HRESULT Preprocessor::get_ReadingFromStream(VARIANT_BOOL* reading) {
+    return guarded<IPreprocessor2>([&] { com::out(reading) = com::variantBool(isRunning()); });
+}
+
+WordHandler Preprocessor::handlerFor(IPreprocessorExtension* extension) {
+    if (!extension) throw com::Error(E_POINTER, L"A word needs a handler");
+    com::ComPtr<IUnknown> identity;
+    com::check(extension->QueryInterface(IID_PPV_ARGS(&identity)), extension);
+    return identity.Get() == controlling() ? WordHandler::own(extension)
+                                           : WordHandler::foreign(extension);
+}
+
+}  // namespace kel::script

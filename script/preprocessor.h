@@ -1,0 +1,69 @@
+// The Preprocessor component: runs instrument command scripts on a link.
+#pragma once
+
+#include "com/object.h"
+#include "com/text.h"
+#include "interfaces/KelUtils.h"
+#include "script/code_page_rules.h"
+#include "script/engine/session.h"
+#include "script/link_host.h"
+#include "script/run_state.h"
+#include "script/word_handler.h"
+
+namespace kel::script {
+
+class Preprocessor final
+    : public com::Object<Preprocessor,
+                         com::Dual<IPreprocessorControl, IPreprocessorImpl, IPreprocessor>,
+                         com::Plain<IPreprocessor2>> {
+public:
+    static constexpr com::ClassDescription kClass{&CLSID_Preprocessor, L"KelUtils.Preprocessor.1"};
+
+    Preprocessor();
+
+    // IPreprocessor
+    STDMETHODIMP get_ParentWindow(long* window) override;
+    STDMETHODIMP put_ParentWindow(long window) override;
+    STDMETHODIMP PreprocessAndRun(BSTR script, VARIANT_BOOL* result) override;
+
+    // IPreprocessorImpl
+    STDMETHODIMP get_Communicator(IKelCommunicator** communicator) override;
+    STDMETHODIMP put_Communicator(IKelCommunicator* communicator) override;
+    STDMETHODIMP get_SystemPath(BSTR* path) override;
+    STDMETHODIMP put_SystemPath(BSTR path) override;
+    STDMETHODIMP get_ScriptPath(BSTR* path) override;
+    STDMETHODIMP put_ScriptPath(BSTR path) override;
+    STDMETHODIMP InstallCustomFunction(BSTR name, IPreprocessorExtension* handler,
+                                       int number) override;
+    STDMETHODIMP InstallCustomDirective(BSTR name, IPreprocessorExtension* handler,
+                                        int number) override;
+
+    // IPreprocessorControl
+    STDMETHODIMP Cancel() override;
+    STDMETHODIMP get_Cancelled(VARIANT_BOOL* cancelled) override;
+    STDMETHODIMP get_Running(VARIANT_BOOL* running) override;
+
+    // IPreprocessor2
+    STDMETHODIMP Send(BSTR text, VARIANT_BOOL* result) override;
+    STDMETHODIMP get_ReadingFromStream(VARIANT_BOOL* reading) override;
+
+private:
+    bool isRunning() const { return state_.depth > 0; }
+    WordHandler handlerFor(IPreprocessorExtension* extension);
+
+    com::ComPtr<IKelCommunicator> communicator_;
+    long parentWindow_ = 0;
+    com::Bstr systemPath_;
+    com::Bstr scriptPath_;
+
+    RunState state_;
+    CodePageRules rules_;
+    VariableStore variables_{rules_};
+    WordHandlers directives_{rules_};
+    WordHandlers functions_{rules_};
+    Observer observer_;
+    LinkHost host_;
+    Session session_;
+};
+
+}  // namespace kel::script

@@ -1,0 +1,12 @@
+// The creatable classes of KelUtils, in the order in which they are registered.
+#pragma once
+
+#include <span>
+
+#include "com/class_table.h"
+
+namespace kel::server {
+
+std::span<com::ClassRow> classTable();
+
+}  // namespace kel::server
