@@ -1,5 +1,7 @@
 #include "script/preprocessor.h"
 
+#include <utility>
+
 #include "com/variant.h"
 #include "script/line_sink.h"
 
@@ -8,7 +10,21 @@ namespace kel::script {
 Preprocessor::Preprocessor()
     : host_(state_, *this, directives_, functions_,
             [this](std::string_view message) { session_.report(message); }),
-      session_(host_, variables_, rules_, observer_) {}
+      session_(host_, variables_, rules_, observer_),
+      runner_({state_, parentWindow_, scriptPath_, systemPath_,
+               [this](std::string_view message, std::initializer_list<std::string_view> parts) {
+                   session_.report(message, parts);
+               }}) {}
+
+void Preprocessor::finalConstruct() {
+    const WordHandler own = WordHandler::own(this);
+    for (const CommandRunner::Word& word : CommandRunner::kDirectives) {
+        directives_.add(com::narrow(std::wstring_view(word.name)), word.code, own);
+    }
+    for (const CommandRunner::Word& word : CommandRunner::kFunctions) {
+        functions_.add(com::narrow(std::wstring_view(word.name)), word.code, own);
+    }
+}
 
 HRESULT Preprocessor::get_ParentWindow(long* window) {
     return guarded<IPreprocessor>([&] { com::out(window) = parentWindow_; });
@@ -28,8 +44,9 @@ HRESULT Preprocessor::PreprocessAndRun(BSTR script, VARIANT_BOOL* result) {
         // The host may drop its last reference while the script runs.
         const com::KeepAlive alive(*this);
         const RunScope run(state_, communicator_);
+        const std::string name = com::narrow(std::exchange(state_.nextScriptName, {}));
         const std::string text = com::narrow(script);
-        *result = com::variantBool(session_.run(text));
+        *result = com::variantBool(session_.run(text, name));
     });
 }
 
@@ -100,6 +117,48 @@ HRESULT Preprocessor::Send(BSTR text, VARIANT_BOOL* result) {
 
 HRESULT Preprocessor::get_ReadingFromStream(VARIANT_BOOL* reading) {
     return guarded<IPreprocessor2>([&] { com::out(reading) = com::variantBool(isRunning()); });
+}
+
+HRESULT Preprocessor::DirectiveHandler(IKelCommunicator* communicator, long directive,
+                                       IFlatCollection* parameters, VARIANT_BOOL* handled,
+                                       VARIANT_BOOL* result) {
+    return guarded<IPreprocessorExtension>([&] {
+        if (!handled || !result) throw com::Error(E_POINTER);
+        *handled = VARIANT_TRUE;
+        *result = VARIANT_TRUE;
+        const com::KeepAlive alive(*this);
+        const auto claim = claimStream(communicator);
+        const CommandRunner::Outcome outcome =
+            runner_.runDirective(communicator, directive, parameters);
+        *handled = com::variantBool(outcome.handled);
+        *result = com::variantBool(outcome.result);
+        return outcome.code;
+    });
+}
+
+HRESULT Preprocessor::FunctionHandler(IKelCommunicator* communicator, long function,
+                                      IFlatCollection*, BSTR* value, VARIANT_BOOL* handled,
+                                      VARIANT_BOOL* result) {
+    return guarded<IPreprocessorExtension>([&] {
+        if (!value || !handled || !result) throw com::Error(E_POINTER);
+        *value = nullptr;
+        *handled = VARIANT_TRUE;
+        *result = VARIANT_TRUE;
+        const com::KeepAlive alive(*this);
+        const auto claim = claimStream(communicator);
+        std::string text;
+        const CommandRunner::Outcome outcome = runner_.runFunction(communicator, function, text);
+        *value = com::Bstr(std::string_view(text)).release();
+        *handled = com::variantBool(outcome.handled);
+        *result = com::variantBool(outcome.result);
+        return outcome.code;
+    });
+}
+
+std::optional<RunScope> Preprocessor::claimStream(IKelCommunicator* communicator) {
+    if (isRunning()) return std::nullopt;
+    state_.cancelRequested = false;
+    return std::optional<RunScope>(std::in_place, state_, communicator);
 }
 
 WordHandler Preprocessor::handlerFor(IPreprocessorExtension* extension) {

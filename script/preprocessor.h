@@ -1,10 +1,13 @@
 // The Preprocessor component: runs instrument command scripts on a link.
 #pragma once
 
+#include <optional>
+
 #include "com/object.h"
 #include "com/text.h"
 #include "interfaces/KelUtils.h"
 #include "script/code_page_rules.h"
+#include "script/command_runner.h"
 #include "script/engine/session.h"
 #include "script/link_host.h"
 #include "script/run_state.h"
@@ -15,11 +18,14 @@ namespace kel::script {
 class Preprocessor final
     : public com::Object<Preprocessor,
                          com::Dual<IPreprocessorControl, IPreprocessorImpl, IPreprocessor>,
-                         com::Plain<IPreprocessor2>> {
+                         com::Plain<IPreprocessor2>, com::Dual<IPreprocessorExtension>> {
 public:
     static constexpr com::ClassDescription kClass{&CLSID_Preprocessor, L"KelUtils.Preprocessor.1"};
 
     Preprocessor();
+
+    // Installs the built-in words, with the object itself as their handler.
+    void finalConstruct();
 
     // IPreprocessor
     STDMETHODIMP get_ParentWindow(long* window) override;
@@ -47,9 +53,20 @@ public:
     STDMETHODIMP Send(BSTR text, VARIANT_BOOL* result) override;
     STDMETHODIMP get_ReadingFromStream(VARIANT_BOOL* reading) override;
 
+    // IPreprocessorExtension: the built-in words
+    STDMETHODIMP DirectiveHandler(IKelCommunicator* communicator, long directive,
+                                  IFlatCollection* parameters, VARIANT_BOOL* handled,
+                                  VARIANT_BOOL* result) override;
+    STDMETHODIMP FunctionHandler(IKelCommunicator* communicator, long function,
+                                 IFlatCollection* parameters, BSTR* value, VARIANT_BOOL* handled,
+                                 VARIANT_BOOL* result) override;
+
 private:
     bool isRunning() const { return state_.depth > 0; }
     WordHandler handlerFor(IPreprocessorExtension* extension);
+
+    // A handler called from outside a run waits on the stream as a run does.
+    std::optional<RunScope> claimStream(IKelCommunicator* communicator);
 
     com::ComPtr<IKelCommunicator> communicator_;
     long parentWindow_ = 0;
@@ -64,6 +81,7 @@ private:
     Observer observer_;
     LinkHost host_;
     Session session_;
+    CommandRunner runner_;
 };
 
 }  // namespace kel::script

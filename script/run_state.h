@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <utility>
 
 #include "com/error.h"
@@ -22,6 +23,9 @@ struct RunState {
     // True while a handler runs that may start a nested run. At any other moment a second run would
     // mix its lines with those of the first.
     bool mayNest = false;
+
+    // Path of the file that the next nested run comes from, for its messages.
+    std::wstring nextScriptName;
 };
 
 // One run, from start to end.
@@ -50,15 +54,21 @@ private:
 // The call of a handler that may start a nested run.
 class NestingScope {
 public:
-    explicit NestingScope(RunState& state)
-        : state_(state), outer_(std::exchange(state.mayNest, true)) {}
-    ~NestingScope() { state_.mayNest = outer_; }
+    // `scriptName`: the file that the nested run comes from, where it is known.
+    explicit NestingScope(RunState& state, std::wstring scriptName = {})
+        : state_(state), outerMayNest_(std::exchange(state.mayNest, true)) {
+        state.nextScriptName = std::move(scriptName);
+    }
+    ~NestingScope() {
+        state_.mayNest = outerMayNest_;
+        state_.nextScriptName.clear();
+    }
     NestingScope(const NestingScope&) = delete;
     NestingScope& operator=(const NestingScope&) = delete;
 
 private:
     RunState& state_;
-    bool outer_;
+    bool outerMayNest_;
 };
 
 }  // namespace kel::script
