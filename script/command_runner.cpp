@@ -50,8 +50,10 @@ std::string timeText() {
     return formatted("%.02d:%.02d:%.02d", now.wHour, now.wMinute, now.wSecond);
 }
 
+// Without a link there is nothing to wait for: the text has not come, at once.
 bool waitForText(const com::ComPtr<IKelCommunicator>& link, std::wstring_view text,
                  bool stopOnPrompt) {
+    if (!link) return false;
     VARIANT_BOOL found = VARIANT_FALSE;
     com::check(link->WaitForString(com::Bstr(text).get(), kOneSecond,
                                    com::variantBool(stopOnPrompt), &found),
@@ -132,9 +134,7 @@ CommandRunner::Outcome CommandRunner::runDirective(IKelCommunicator* communicato
     if (code == kMessageBox) return {.result = messageBox(parameters)};
     if (code == kRunScript) return runScript(communicator, parameters);
 
-    // The other words act on the link and on nothing else.
     const Link link = communicator;
-    if (!link) return {.result = false};
     switch (code) {
         case kWait:
             return {.result = wait(link, parameters)};
@@ -193,12 +193,14 @@ bool CommandRunner::waitFor(const Link& link, const Parameters& parameters, std:
 }
 
 bool CommandRunner::sendBreak(const Link& link) {
+    if (!link) return true;
     clearReadBuffer(link);
     com::check(link->SendBreak(kBreakDuration), link);
     return true;
 }
 
 bool CommandRunner::wakeUp(const Link& link) {
+    if (!link) return false;
     VARIANT_BOOL awake = VARIANT_FALSE;
     com::check(link->WakeUpInstrument(&awake), link);
     return com::isTrue(awake);
@@ -215,6 +217,7 @@ bool CommandRunner::messageBox(const Parameters& parameters) {
 }
 
 bool CommandRunner::setBaudRate(const Link& link, const Parameters& parameters) {
+    if (!link) return false;
     VARIANT_BOOL radio = VARIANT_FALSE;
     com::check(link->get_RadioConnection(&radio), link);
     if (com::isTrue(radio)) return fail("SETBAUDRATE command is disabled on Radio connection!");
