@@ -27,8 +27,8 @@ Pty::Pty(const std::string& link)
     ::cfsetspeed(&mode, B9600);
     if (::tcsetattr(slave_.get(), TCSANOW, &mode) != 0) throwSystemError(name_);
 
-    // Programs that still hold the port when the instrument ends see a quiet end of file only if
-    // the terminal belonged to a session. It can only be ours when we lead one.
+    // Wine's server may report the end of a terminal that belongs to no session over and over. It
+    // can only belong to ours when we lead one.
     const bool leader = ::getsid(0) == ::getpid();
     if (leader && ::ioctl(slave_.get(), TIOCSCTTY, 0) == 0) {
         // Closing our own terminal would otherwise end us before we are done.
