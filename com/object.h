@@ -192,7 +192,8 @@ template <class Class, class... Arguments>
 ComPtr<IUnknown> createObject(IUnknown* outer, Class** object, Arguments&&... arguments) {
     auto* created = new Class(std::forward<Arguments>(arguments)...);
     ComPtr<IUnknown> owner;
-    owner.Attach(created->inner());
+    // Takes over the creator's reference. Not by Attach: some tool chains' adds one of its own.
+    *owner.GetAddressOf() = created->inner();
     created->aggregate(outer);
     created->finalConstruct();
     if (object) *object = created;

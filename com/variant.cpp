@@ -12,11 +12,6 @@ Variant::Variant(long number) : Variant() {
     value_.lVal = number;
 }
 
-Variant::Variant(bool value) : Variant() {
-    value_.vt = VT_BOOL;
-    value_.boolVal = variantBool(value);
-}
-
 Variant::Variant(std::wstring_view text) : Variant() {
     value_.bstrVal = Bstr(text).release();
     value_.vt = VT_BSTR;

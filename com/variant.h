@@ -5,6 +5,7 @@
 
 #include <oleauto.h>
 
+#include <concepts>
 #include <string>
 #include <string_view>
 
@@ -24,7 +25,11 @@ class Variant {
 public:
     Variant() { VariantInit(&value_); }
     explicit Variant(long number);
-    explicit Variant(bool value);
+    // Nothing else converts to it: a text given by its address is not a boolean.
+    explicit Variant(std::same_as<bool> auto value) : Variant() {
+        value_.vt = VT_BOOL;
+        value_.boolVal = variantBool(value);
+    }
     explicit Variant(std::wstring_view text);
     explicit Variant(std::string_view text);
     explicit Variant(IDispatch* object);
