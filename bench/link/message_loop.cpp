@@ -1,0 +1,32 @@
+#include "bench/link/message_loop.h"
+
+#include <windows.h>
+
+namespace kel::bench {
+namespace {
+
+// A window that never validates its region would otherwise be asked to paint for ever.
+constexpr int kMostMessages = 100;
+
+}  // namespace
+
+bool runWaitingMessages() {
+    MSG message;
+    for (int i = 0; i < kMostMessages; ++i) {
+        if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) return true;
+        if (message.message == WM_QUIT) {
+            PostQuitMessage(static_cast<int>(message.wParam));
+            return false;
+        }
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+    return true;
+}
+
+void sleepUntilMessage(std::chrono::milliseconds duration) {
+    MsgWaitForMultipleObjectsEx(0, nullptr, static_cast<DWORD>(duration.count()), QS_ALLINPUT,
+                                MWMO_INPUTAVAILABLE);
+}
+
+}  // namespace kel::bench

@@ -1,0 +1,12 @@
+// Script files as texts.
+#pragma once
+
+#include <string>
+
+namespace kel::bench {
+
+// The text of a file in UTF-8 or UTF-16 when it says so by its first bytes, else in the user's code
+// page. Line ends are left as they are. Throws com::Error with a text that names the file.
+std::wstring readScriptFile(const std::wstring& path);
+
+}  // namespace kel::bench
