@@ -2,11 +2,11 @@
 
 readonly first_port=3 last_port=32
 
-# Frees the ports that an earlier kel could not give back. Only while no other run uses the prefix.
+# Frees the ports of virtual instruments that an earlier kel, ended by force, left behind.
 forget_stale_ports() {
     local link
     for link in "$WINEPREFIX"/dosdevices/com*; do
-        [[ ! -L $link || $(readlink -- "$link") == /dev/ttyS* ]] || rm -f -- "$link"
+        [[ $(readlink -- "$link") != /dev/pts/* || -e $link ]] || rm -f -- "$link"
     done
 }
 

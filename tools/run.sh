@@ -1,29 +1,17 @@
 # Runs an instrument script through kelrun, against the virtual instrument or a real one.
 
-# Reads the arguments of `run`; sets script, device, port, tcp and options.
+# Reads the arguments of `run`; sets script, device, port, tcp and options. Only what this
+# machine sees differently from Windows programs is looked at, the rest is kelrun's affair.
 read_run_arguments() {
     script='' device='' port='' tcp='' options=()
     while (($# > 0)); do
+        if [[ $1 == --?*=* ]]; then
+            set -- "${1%%=*}" "${1#*=}" "${@:2}"
+        fi
         case $1 in
             --port | --tcp | --baud | --link | --var | --script-path | --system-path)
                 (($# > 1)) || usage_error "$1 needs a value"
-                ;;
-        esac
-        case $1 in
-            --port)
-                if [[ $2 == */* ]]; then device=$2; else port=$2; fi
-                shift
-                ;;
-            --tcp)
-                tcp=$2
-                shift
-                ;;
-            --script-path | --system-path)
-                options+=("$1" "$(windows_path "$2")")
-                shift
-                ;;
-            --baud | --link | --var)
-                options+=("$1" "$2")
+                read_run_option "$1" "$2"
                 shift
                 ;;
             -*) options+=("$1") ;;
@@ -37,9 +25,20 @@ read_run_arguments() {
     script=${script:-$kel_root/examples/deploy.kel}
 }
 
+read_run_option() {
+    case $1 in
+        --port | --tcp) [[ -z $port$device$tcp ]] || usage_error "one --port or --tcp at a time" ;;
+    esac
+    case $1 in
+        --port) if [[ $2 == */* ]]; then device=$2; else port=$2; fi ;;
+        --tcp) tcp=$2 ;;
+        --script-path | --system-path) options+=("$1" "$(windows_path "$2")") ;;
+        *) options+=("$1" "$2") ;;
+    esac
+}
+
 # Tells what cannot work before anything is built.
 check_run_arguments() {
-    [[ -z $tcp || -z $port$device ]] || usage_error "--port and --tcp exclude each other"
     [[ $script == [A-Za-z]:* || -f $script && -r $script ]] || usage_error "cannot read $script"
     [[ -z $device || -c $device ]] || { say "no such device: $device"; exit 3; }
     [[ -z $device || -r $device && -w $device ]] || { say "no permission to use $device"; exit 3; }
@@ -78,11 +77,9 @@ run_script() {
 enter_prefix() {
     use_prefix "$kel_build/prefix"
     exec 8>"$kel_build/.prefix-lock"
-    if flock -n 8; then
-        forget_stale_ports
-    fi
     flock -s 8
     at_exit leave_prefix
+    forget_stale_ports
     run_wine cmd /c exit || fail "Wine does not start in $WINEPREFIX (exit code $?)"
 }
 
@@ -90,28 +87,36 @@ leave_prefix() {
     ! flock -n 8 || stop_prefix "$WINEPREFIX"
 }
 
-# Runs a Windows program and ends with its exit code. Ctrl+C reaches it as a polite request, the
-# second one ends it. On a terminal Wine would put escapes around each character: it gets a pipe.
+# Runs a Windows program and ends with its exit code. Ctrl+C reaches it as a request, also the
+# second one; the third one ends it by force. On a terminal Wine would put escapes around each
+# character: it gets pipes, a single one where both outputs go to the same place, to keep their
+# order.
 run_program() {
-    local process printer sink code signals=0 seen
-    exec {sink}> >(trap '' INT TERM HUP; become_detached cat)
-    printer=$!
+    local process printers output errors code signals=0 seen
+    exec {output}> >(become_detached cat)
+    printers=($!)
+    if [[ /dev/fd/1 -ef /dev/fd/2 ]]; then
+        exec {errors}>&"$output"
+    else
+        exec {errors}> >(become_detached cat >&2)
+        printers+=($!)
+    fi
     trap 'signals=$((signals + 1)); interrupt_program' INT TERM HUP
-    become_detached wine "$@" >&"$sink" 2>&1 {sink}>&- &
+    become_detached wine "$@" >&"$output" 2>&"$errors" {output}>&- {errors}>&- &
     process=$!
-    exec {sink}>&-
+    exec {output}>&- {errors}>&-
     while true; do
         seen=$signals code=0
         wait "$process" || code=$?
         ((signals > seen)) || break
     done
-    wait "$printer" || true
+    wait "${printers[@]}" || true
     exit "$code"
 }
 
 # Passes an interrupt on to the running program.
 interrupt_program() {
-    if ((signals == 1)); then
+    if ((signals <= 2)); then
         kill -INT "$process"
     else
         kill -KILL "$process"

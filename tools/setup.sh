@@ -32,12 +32,18 @@ apt_get() {
         -o DPkg::Lock::Timeout=300 -o Dpkg::Options::=--force-confdef -o Dpkg::Options::=--force-confold "$@"
 }
 
-# Updates the index and installs what is missing: install_missing LABEL LOG [APT OPTIONS...]
-install_missing() {
-    local label=$1 log=$2 missing
+# Updates the package index: update_index LABEL LOG [APT OPTIONS...]
+update_index() {
+    local label=$1 log=$2
     shift 2
     logged "setup: updating the package index$label" "$log-update.log" apt_get "$@" update ||
         say "setup: apt-get update reports errors (see $log-update.log), trying to install all the same"
+}
+
+# Installs what is missing: install_missing LABEL LOG [APT OPTIONS...]
+install_missing() {
+    local label=$1 log=$2 missing
+    shift 2
     mapfile -t missing < <(missing_packages)
     logged "setup: installing$label: ${missing[*]}" "$log-install.log" \
         apt_get "$@" install --no-install-recommends "${missing[@]}"
@@ -69,6 +75,7 @@ set_up() {
         say "setup: adding the i386 architecture (the 32-bit Wine needs it)"
         as_root dpkg --add-architecture i386
     fi
+    update_index "" "$log"
     install_missing "" "$log" || install_from_main_suites "$log" || report_missing "$log"
     [[ -z $(missing_packages) ]] || report_missing "$log"
     say "setup: all packages are installed"
@@ -86,6 +93,7 @@ install_from_main_suites() {
     [[ -s $folder/sources/main.sources ]] || fail "setup: no Debian main suite among the sources in /etc/apt"
     options=(-o Dir::Etc::sourcelist=/dev/null -o "Dir::Etc::sourceparts=$folder/sources"
         -o "Dir::State::lists=$folder/lists" -o Dir::Cache::pkgcache= -o Dir::Cache::srcpkgcache=)
+    update_index " (main suites)" "$log-main" "${options[@]}"
     install_missing " (main suites)" "$log-main" "${options[@]}" && return
 
     # A 64-bit library that is newer than its 32-bit twin: only the same version of both goes together.
