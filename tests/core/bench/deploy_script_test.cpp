@@ -1,79 +1,101 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <fstream>
-#include <map>
+#include <iterator>
 #include <string>
 #include <string_view>
 
 #include "bench/instrument/instrument.h"
-#include "bench/instrument/text.h"
+#include "script/engine/session.h"
 
 namespace kel::bench {
 namespace {
 
-using Values = std::map<std::string, std::string, std::less<>>;
-
-constexpr std::string_view kNameCharacters =
-    "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_";
-
-const Values kCalls{{"DATE()", "2024/03/09"}, {"TIME()", "12:34:56"}, {"SERIALNUMBER()", "D123"}};
-
-// The line as it would reach the instrument: references and inline calls replaced.
-std::string substituted(std::string line, const Values& variables) {
-    for (std::size_t at = 0; (at = line.find('%', at)) != std::string::npos;) {
-        const auto end = std::min(line.find_first_not_of(kNameCharacters, at + 1), line.size());
-        line.replace(at, end - at, variables.at(line.substr(at + 1, end - at - 1)));
+// Runs scripts against the instrument's model: the words that a script waits with, on its answers.
+class InstrumentHost : public script::Host {
+public:
+    void echo(std::string_view text) override { errors += text; }
+    void endErrorReport() override {}
+    bool send(std::string_view line) override {
+        heard_.clear();
+        instrument.feed(std::string(line) + "\r", now_);
+        return true;
     }
-    for (std::size_t at = 0; (at = line.find("##", at)) != std::string::npos;) {
-        const auto end = line.find(')', at) + 1;
-        line.replace(at, end - at, kCalls.at(line.substr(at + 2, end - at - 2)));
+    void yield() override {}
+    bool cancelRequested() override { return false; }
+    void clearCancelRequest() override {}
+
+    std::optional<std::size_t> findDirective(std::string_view name, std::size_t from) override {
+        return find(std::array{"WAKEUP", "WAIT_PROMPT", "WAIT_OK"}, name, from);
     }
-    return line;
-}
-
-void assign(std::string_view expression, Values& variables) {
-    const auto equals = expression.find('=');
-    ASSERT_NE(equals, std::string_view::npos) << expression;
-    std::string value(expression.substr(equals + 1));
-    if (const auto call = kCalls.find(value); call != kCalls.end()) value = call->second;
-    std::erase(value, '"');
-    variables[std::string(expression.substr(0, equals))] = value;
-}
-
-// Both branches of a condition are taken: every command of the script has to be understood.
-TEST(ExampleScript, DeployIsUnderstoodByTheInstrument) {
-    std::ifstream script(KEL_EXAMPLES_FOLDER "/deploy.kel");
-    ASSERT_TRUE(script);
-    Instrument instrument({});
-    Duration now{0};
-    Values variables;
-    std::string command;
-    std::string answer;
-    int awaited = 0;
-    for (std::string line; std::getline(script, line);) {
-        line = trim(std::string_view(line).substr(0, line.find("//")));
-        if (line.starts_with('@')) {
-            assign(std::string_view(line).substr(1), variables);
-        } else if (line.starts_with("#WAIT_")) {
-            const auto expected = line.starts_with("#WAIT_OK") ? "\r\nOK\r\n" : "\r\n>";
-            EXPECT_NE(answer.find(expected), std::string::npos) << command << " -> " << answer;
-            EXPECT_EQ(answer.find("ERROR"), std::string::npos) << command << " -> " << answer;
-            ++awaited;
-        } else if (!line.empty() && !line.starts_with('#')) {
-            EXPECT_EQ(std::exchange(awaited, 0), command.empty() ? 0 : 1) << command;
-            command = substituted(line, variables);
-            instrument.feed(command + "\r", now);
-            now += std::chrono::seconds{3};
-            answer = instrument.take(now);
+    script::DirectiveOutcome callDirective(std::size_t row,
+                                           std::span<const std::string> parameters) override {
+        if (row == 0) {
+            send(std::string_view("\0", 1));
+            return {true, hears("\r\n>", 1)};
         }
+        const bool heard = hears(row == 1 ? ">" : "OK\r\n", std::stoi(parameters[0]));
+        return {true, heard && heard_.find("ERROR") == std::string::npos};
     }
-    EXPECT_TRUE(instrument.asleep());
-    instrument.feed({"\0", 1}, now);
-    now += std::chrono::seconds{1};
-    instrument.feed("status\r", now);
-    EXPECT_NE(instrument.take(now).find("Harbour_mouth-D123\r\nState: deployed since 2024/03/09"),
-              std::string::npos);
+    std::optional<std::size_t> findFunction(std::string_view name, std::size_t from) override {
+        return find(std::array{"DATE", "TIME", "SERIALNUMBER"}, name, from);
+    }
+    script::FunctionOutcome callFunction(std::size_t row, std::span<const std::string>) override {
+        return {true, true, std::array{"2024/03/09", "12:34:56", "D123"}[row]};
+    }
+    script::Answers ask(const script::Question&) override { return std::nullopt; }
+
+    bool hears(std::string_view text, int seconds) {
+        now_ += std::chrono::seconds{seconds};
+        heard_ += instrument.take(now_);
+        return heard_.find(text) != std::string::npos;
+    }
+
+    Instrument instrument{{}};
+    std::string errors;
+
+private:
+    static std::optional<std::size_t> find(std::array<const char*, 3> words, std::string_view name,
+                                           std::size_t from) {
+        for (std::size_t row = from; row < words.size(); ++row) {
+            if (name == words[row]) return row;
+        }
+        return std::nullopt;
+    }
+
+    Duration now_{0};
+    std::string heard_;
+};
+
+class DeployScript : public testing::TestWithParam<const char*> {};
+
+TEST_P(DeployScript, RunsAgainstTheInstrument) {
+    std::ifstream file(KEL_EXAMPLES_FOLDER "/deploy.kel");
+    std::string text{std::istreambuf_iterator<char>(file), {}};
+    constexpr std::string_view kPlan = "@plan=\"burst\"";
+    ASSERT_NE(text.find(kPlan), std::string::npos);
+    text.replace(text.find(kPlan), kPlan.size(), std::string("@plan=\"") + GetParam() + "\"");
+
+    InstrumentHost host;
+    const script::TextRules rules;
+    script::VariableStore variables(rules);
+    script::Observer observer;
+    script::Session session(host, variables, rules, observer);
+    EXPECT_TRUE(session.check(text).empty());
+    EXPECT_TRUE(session.run(text)) << session.diagnostics().at(0).line;
+    EXPECT_EQ(host.errors, "");
+    EXPECT_TRUE(host.instrument.asleep());
+
+    host.send(std::string_view("\0", 1));
+    EXPECT_TRUE(host.hears("\r\n>", 1));
+    host.send("status");
+    EXPECT_TRUE(host.hears("Harbour_mouth-D123\r\nState: deployed since 2024/03/09 12:3", 1));
+    host.send("get burst");
+    EXPECT_TRUE(host.hears(GetParam() == std::string_view("burst") ? "1024" : "\r\n0\r\n", 1));
 }
+
+INSTANTIATE_TEST_SUITE_P(Plans, DeployScript, testing::Values("burst", "average"));
 
 }  // namespace
 }  // namespace kel::bench
