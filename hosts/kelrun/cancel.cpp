@@ -1,0 +1,47 @@
+#include "hosts/kelrun/cancel.h"
+
+#include <atomic>
+#include <utility>
+
+#include "hosts/kelrun/model/failure.h"
+
+namespace kel::kelrun {
+namespace {
+
+constexpr UINT kCancelMessage = WM_APP;
+
+std::atomic<HWND> target;
+std::atomic<bool> isAskedAlready;
+
+BOOL WINAPI takeInterrupt(DWORD kind) {
+    const bool isInterrupt = kind == CTRL_C_EVENT || kind == CTRL_BREAK_EVENT;
+    if (isInterrupt && isAskedAlready.exchange(true)) {
+        // No orderly end: the thread that would do it is the one that does not listen.
+        TerminateProcess(GetCurrentProcess(), static_cast<UINT>(ExitCode::kCancelled));
+    }
+    PostMessageW(target, kCancelMessage, 0, 0);
+    if (!isInterrupt) Sleep(INFINITE);  // the console closes: the process ends when this returns
+    return TRUE;
+}
+
+}  // namespace
+
+CancelOnInterrupt::CancelOnInterrupt(com::ComPtr<IPreprocessorControl> preprocessor)
+    : preprocessor_(std::move(preprocessor)) {
+    target = window();
+    if (!SetConsoleCtrlHandler(takeInterrupt, TRUE)) throw com::lastError();
+}
+
+CancelOnInterrupt::~CancelOnInterrupt() {
+    SetConsoleCtrlHandler(takeInterrupt, FALSE);
+    target = nullptr;
+}
+
+LRESULT CancelOnInterrupt::handle(UINT message, WPARAM first, LPARAM second) noexcept {
+    if (message != kCancelMessage) return MessageWindow::handle(message, first, second);
+    requested_ = true;
+    preprocessor_->Cancel();
+    return 0;
+}
+
+}  // namespace kel::kelrun

@@ -1,0 +1,27 @@
+// Ctrl+C: the first one asks the running script to stop, the second one ends the process.
+#pragma once
+
+#include "com/error.h"
+#include "hosts/kelrun/message_window.h"
+#include "interfaces/KelUtils.h"
+
+namespace kel::kelrun {
+
+// Works while it lives; one at a time. The system calls on a thread of its own: the request reaches
+// the script as a message, when the stream lets this thread take its messages.
+class CancelOnInterrupt final : public MessageWindow {
+public:
+    explicit CancelOnInterrupt(com::ComPtr<IPreprocessorControl> preprocessor);
+    ~CancelOnInterrupt() override;
+
+    // True once the request has reached this thread, even if no script ran then.
+    bool isRequested() const { return requested_; }
+
+private:
+    LRESULT handle(UINT message, WPARAM first, LPARAM second) noexcept override;
+
+    com::ComPtr<IPreprocessorControl> preprocessor_;
+    bool requested_ = false;
+};
+
+}  // namespace kel::kelrun

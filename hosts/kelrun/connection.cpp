@@ -1,0 +1,100 @@
+#include "hosts/kelrun/connection.h"
+
+#include <winsock2.h>
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+
+#include "com/text.h"
+#include "com/variant.h"
+#include "hosts/kelrun/create.h"
+#include "hosts/kelrun/error_text.h"
+#include "hosts/kelrun/model/address.h"
+#include "hosts/kelrun/model/failure.h"
+#include "interfaces/link_classes.h"
+
+namespace kel::kelrun {
+namespace {
+
+const ComponentNames kSerialStream{"the serial stream of the instrument link",
+                                   "register the link's library with regsvr32"};
+const ComponentNames kNetworkStream{"the network stream of the instrument link",
+                                    "register the link's library with regsvr32"};
+
+struct Reason {
+    DWORD code;
+    const char* text;
+};
+
+// The platform's words for these speak of files or are missing.
+constexpr Reason kReasons[] = {
+    {ERROR_SUCCESS, "the link does not tell why"},
+    {ERROR_FILE_NOT_FOUND, "there is no such port"},
+    {ERROR_PATH_NOT_FOUND, "there is no such port"},
+    {ERROR_INVALID_NAME, "this is no name of a port"},
+    {ERROR_ACCESS_DENIED, "the port is busy: another program uses it, or it may not be used"},
+    {ERROR_SHARING_VIOLATION, "the port is busy: another program uses it"},
+    {ERROR_LOCK_VIOLATION, "the port is busy: another program uses it"},
+    {WSAECONNREFUSED, "connection refused: nothing listens there"},
+    {WSAHOST_NOT_FOUND, "unknown host"},
+    {WSANO_DATA, "unknown host"},
+    {WSATRY_AGAIN, "unknown host, or no name server answers"},
+    {WSAETIMEDOUT, "no answer"},
+    {WSAEHOSTUNREACH, "the host cannot be reached"},
+    {WSAENETUNREACH, "the network cannot be reached"},
+};
+
+std::string reasonText(DWORD code) {
+    const auto* known = std::ranges::find(kReasons, code, &Reason::code);
+    std::string text = known != std::end(kReasons) ? known->text : systemText(code);
+    return code == ERROR_SUCCESS ? text : text + " (error " + std::to_string(code) + ")";
+}
+
+com::Bstr bstr(const std::string& text) {
+    return com::Bstr(com::widen(text, CP_UTF8));
+}
+
+// Calls a member that opens a stream. Throws Failure, with the thread's last error, when it says
+// that it could not.
+template <class Stream, class Open>
+void open(const com::ComPtr<Stream>& stream, const std::string& where, Open&& call) {
+    VARIANT_BOOL isOpen = VARIANT_FALSE;
+    SetLastError(ERROR_SUCCESS);
+    const HRESULT code = call(&isOpen);
+    const DWORD error = GetLastError();
+    com::check(code, stream);
+    if (com::isTrue(isOpen)) return;
+    throw Failure(ExitCode::kNoConnection, "no connection: " + where + ": " + reasonText(error));
+}
+
+com::ComPtr<IKelStream> connectTo(const std::string& tcp) {
+    const Address address = parseAddress(tcp);
+    auto stream = create<INetworkStream>(link::kNetworkStreamClass, kNetworkStream);
+    const com::Bstr host = bstr(address.host);
+    const com::Bstr port = bstr(address.port);
+    open(stream, tcp,
+         [&](VARIANT_BOOL* isOpen) { return stream->ConnectTo(host.get(), port.get(), isOpen); });
+    return stream;
+}
+
+com::ComPtr<IKelStream> openPort(const std::string& port, long baudRate) {
+    auto stream = create<ISerialStream>(link::kSerialStreamClass, kSerialStream);
+    if (port.empty()) return stream;
+    const com::Bstr name = bstr(port);
+    open(stream, port,
+         [&](VARIANT_BOOL* isOpen) { return stream->OpenPort(name.get(), baudRate, isOpen); });
+    return stream;
+}
+
+}  // namespace
+
+Connection::Connection(const Options& options)
+    : stream_(options.tcp.empty() ? openPort(options.port, options.baudRate)
+                                  : connectTo(options.tcp)) {}
+
+Connection::~Connection() {
+    stream_->Close();
+}
+
+}  // namespace kel::kelrun

@@ -1,0 +1,26 @@
+// The stream to the instrument, as the command line names it.
+#pragma once
+
+#include "com/error.h"
+#include "hosts/kelrun/model/options.h"
+#include "interfaces/KelUtils.h"
+
+namespace kel::kelrun {
+
+// Owns the stream and closes it.
+class Connection {
+public:
+    // Opens the port or connects. Without either the stream stays closed: errors of the script can
+    // be shown through it all the same. Throws Failure (no connection, not registered), com::Error.
+    explicit Connection(const Options& options);
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    const com::ComPtr<IKelStream>& stream() const { return stream_; }
+
+private:
+    com::ComPtr<IKelStream> stream_;
+};
+
+}  // namespace kel::kelrun

@@ -1,0 +1,40 @@
+#include "hosts/kelrun/console_echo.h"
+
+#include <exception>
+#include <string>
+
+namespace kel::kelrun {
+
+ConsoleEcho::ConsoleEcho(bool errorsOnly)
+    : errorsOnly_(errorsOnly), output_(errorsOnly ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE) {}
+
+void ConsoleEcho::finish() {
+    if (errorsOnly_) {
+        output_.write(errors_.finish());
+    } else if (!text_.atLineStart()) {
+        show(L"\n");
+    }
+}
+
+LRESULT ConsoleEcho::handle(UINT message, WPARAM first, LPARAM second) noexcept {
+    switch (message) {
+        case EM_SETSEL:
+            return TRUE;  // the end is the only place there is
+        case EM_REPLACESEL:
+            try {
+                if (second) show(reinterpret_cast<const wchar_t*>(second));
+            } catch (const std::exception&) {
+                outOfMemory_ = true;
+            }
+            return TRUE;
+        default:
+            return MessageWindow::handle(message, first, second);
+    }
+}
+
+void ConsoleEcho::show(std::wstring_view text) {
+    const std::string readable = text_.next(std::u16string(text.begin(), text.end()));
+    output_.write(errorsOnly_ ? errors_.next(readable) : readable);
+}
+
+}  // namespace kel::kelrun

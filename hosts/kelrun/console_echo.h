@@ -1,0 +1,35 @@
+// The echo window of the stream: what it is given to show goes to standard output.
+#pragma once
+
+#include <string_view>
+
+#include "hosts/kelrun/console_output.h"
+#include "hosts/kelrun/message_window.h"
+#include "hosts/kelrun/model/dialogue_text.h"
+
+namespace kel::kelrun {
+
+// Stands where a stream expects an edit control, and takes the texts that are put at its end.
+class ConsoleEcho final : public MessageWindow {
+public:
+    // `errorsOnly` leaves the dialogue out, and shows on standard error what went wrong.
+    explicit ConsoleEcho(bool errorsOnly);
+
+    // Ends the line that is being shown, so that other words begin a new one.
+    void finish();
+
+    // True when the dialogue could not be shown to its end.
+    bool isIncomplete() const { return outOfMemory_ || output_.isBroken(); }
+
+private:
+    LRESULT handle(UINT message, WPARAM first, LPARAM second) noexcept override;
+    void show(std::wstring_view text);
+
+    bool errorsOnly_;
+    ConsoleOutput output_;
+    DialogueText text_;
+    ErrorLines errors_;
+    bool outOfMemory_ = false;
+};
+
+}  // namespace kel::kelrun

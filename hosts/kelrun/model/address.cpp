@@ -1,0 +1,39 @@
+#include "hosts/kelrun/model/address.h"
+
+#include <charconv>
+
+#include "hosts/kelrun/model/failure.h"
+
+namespace kel::kelrun {
+namespace {
+
+constexpr unsigned kHighestPort = 65535;
+
+bool isPort(std::string_view text) {
+    unsigned port = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), port);
+    return error == std::errc() && end == text.data() + text.size() && port >= 1 &&
+           port <= kHighestPort;
+}
+
+bool isBracketed(std::string_view host) {
+    return host.size() > 2 && host.front() == '[' && host.back() == ']';
+}
+
+}  // namespace
+
+Address parseAddress(std::string_view text) {
+    const std::size_t colon = text.rfind(':');
+    if (colon != std::string_view::npos && isPort(text.substr(colon + 1))) {
+        const std::string_view host = text.substr(0, colon);
+        const std::string port(text.substr(colon + 1));
+        if (isBracketed(host)) return {std::string(host.substr(1, host.size() - 2)), port};
+        if (!host.empty() && host.find_first_of(":[] ") == std::string_view::npos) {
+            return {std::string(host), port};
+        }
+    }
+    throw Failure(ExitCode::kNoConnection,
+                  "no connection: '" + std::string(text) + "' is not HOST:PORT (port 1 to 65535)");
+}
+
+}  // namespace kel::kelrun

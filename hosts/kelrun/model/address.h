@@ -1,0 +1,18 @@
+// The network address of an instrument.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kel::kelrun {
+
+struct Address {
+    std::string host;
+    std::string port;
+};
+
+// Takes HOST:PORT apart; HOST may be a name, a numeric address, or an IPv6 address in brackets.
+// Throws Failure (no connection) when it is none.
+Address parseAddress(std::string_view text);
+
+}  // namespace kel::kelrun

@@ -1,0 +1,29 @@
+// How a run can end, as the caller of the program learns it.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace kel::kelrun {
+
+enum class ExitCode {
+    kRan = 0,
+    kScriptFailed = 1,
+    kUsage = 2,
+    kNoConnection = 3,
+    kCancelled = 4,
+    kNotRegistered = 5,
+};
+
+// Ends the program. The text (UTF-8, one line) is for the user.
+class Failure : public std::runtime_error {
+public:
+    Failure(ExitCode code, const std::string& text) : std::runtime_error(text), code_(code) {}
+
+    ExitCode code() const { return code_; }
+
+private:
+    ExitCode code_;
+};
+
+}  // namespace kel::kelrun

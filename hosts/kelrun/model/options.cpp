@@ -1,0 +1,166 @@
+#include "hosts/kelrun/model/options.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string_view>
+#include <utility>
+
+#include "hosts/kelrun/model/failure.h"
+
+namespace kel::kelrun {
+namespace {
+
+constexpr long kHighestBaudRate = 4'000'000;
+constexpr std::size_t kHelpColumn = 23;
+
+[[noreturn]] void refuse(std::string_view text) {
+    throw Failure(ExitCode::kUsage, std::string(text) + " (--help shows the options)");
+}
+
+void setBaudRate(Options& options, std::string_view value) {
+    const auto [end, error] =
+        std::from_chars(value.data(), value.data() + value.size(), options.baudRate);
+    if (error != std::errc() || end != value.data() + value.size() || options.baudRate < 1 ||
+        options.baudRate > kHighestBaudRate) {
+        refuse("--baud: '" + std::string(value) + "' is no rate");
+    }
+}
+
+void addVariable(Options& options, std::string_view value) {
+    const std::size_t equals = value.find('=');
+    if (equals == std::string_view::npos) {
+        refuse("--var: '" + std::string(value) + "' is not NAME=VALUE");
+    }
+    options.variables.push_back(
+        {std::string(value.substr(0, equals)), std::string(value.substr(equals + 1))});
+}
+
+struct Option {
+    std::string_view name;
+    std::string_view parameter;  // empty: takes no value
+    std::string_view help;
+    void (*apply)(Options&, std::string_view value);
+    bool repeatable = false;
+};
+
+// A new option is a new row: parsing and --help follow.
+constexpr Option kOptions[] = {
+    {"--port", "NAME", "serial port of the instrument, such as COM3",
+     [](Options& options, std::string_view value) { options.port = value; }},
+    {"--baud", "RATE", "its speed in bits a second; 9600 unless given", setBaudRate},
+    {"--tcp", "HOST:PORT", "instrument behind a network gateway",
+     [](Options& options, std::string_view value) { options.tcp = value; }},
+    {"--link", "PROGID", "instrument link; BenchLink.Communicator unless given",
+     [](Options& options, std::string_view value) { options.link = value; }},
+    {"--var", "NAME=VALUE", "sets a script variable; may be given several times", addVariable,
+     true},
+    {"--script-path", "P", "where scripts look for scripts; else SCRIPT's folder",
+     [](Options& options, std::string_view value) { options.scriptPath = value; }},
+    {"--system-path", "P", "where they look next",
+     [](Options& options, std::string_view value) { options.systemPath = value; }},
+    {"--quiet", "", "shows errors only",
+     [](Options& options, std::string_view) { options.quiet = true; }},
+    {"--help", "", "this text", [](Options& options, std::string_view) { options.help = true; }},
+    {"--version", "", "the version",
+     [](Options& options, std::string_view) { options.version = true; }},
+};
+
+const Option& findOption(std::string_view name) {
+    const auto* found = std::ranges::find(kOptions, name, &Option::name);
+    if (found == std::end(kOptions)) refuse("there is no option " + std::string(name));
+    return *found;
+}
+
+// Takes the arguments one by one.
+class ArgumentReader {
+public:
+    explicit ArgumentReader(std::span<const std::string> arguments) : rest_(arguments) {}
+
+    Options read() {
+        while (!rest_.empty() && !options_.help && !options_.version) {
+            const std::string_view argument = take();
+            if (!onlyOperands_ && argument == "--") {
+                onlyOperands_ = true;
+            } else if (!onlyOperands_ && argument.size() > 1 && argument.front() == '-') {
+                applyOption(argument);
+            } else {
+                setScript(argument);
+            }
+        }
+        return std::move(options_);
+    }
+
+private:
+    std::string_view take() {
+        const std::string_view argument = rest_.front();
+        rest_ = rest_.subspan(1);
+        return argument;
+    }
+
+    // option := name [ value | "=" value ]
+    void applyOption(std::string_view argument) {
+        const std::size_t equals = argument.find('=');
+        const std::string_view name = argument.substr(0, equals);
+        const Option& option = findOption(name);
+        const bool isAgain = std::ranges::find(seen_, name) != seen_.end();
+        if (isAgain && !option.repeatable) refuse(std::string(name) + " is given twice");
+        seen_.push_back(name);
+
+        std::string_view value;
+        if (equals != std::string_view::npos) {
+            if (option.parameter.empty()) refuse(std::string(name) + " takes no value");
+            value = argument.substr(equals + 1);
+        } else if (!option.parameter.empty() && !rest_.empty() && !rest_[0].starts_with("--")) {
+            value = take();
+        }
+        if (value.empty() && !option.parameter.empty()) {
+            refuse(std::string(name) + " needs a value: " + std::string(option.parameter));
+        }
+        option.apply(options_, value);
+    }
+
+    void setScript(std::string_view argument) {
+        if (argument.empty()) refuse("the script's name is empty");
+        if (!options_.script.empty()) {
+            refuse("one script at a time: '" + options_.script + "' or '" + std::string(argument) +
+                   "'");
+        }
+        options_.script = argument;
+    }
+
+    std::span<const std::string> rest_;
+    std::vector<std::string_view> seen_;
+    bool onlyOperands_ = false;
+    Options options_;
+};
+
+}  // namespace
+
+Options parseOptions(std::span<const std::string> arguments) {
+    Options options = ArgumentReader(arguments).read();
+    if (options.help || options.version) return options;
+    if (options.script.empty()) refuse("which script?");
+    if (!options.port.empty() && !options.tcp.empty())
+        refuse("--port and --tcp exclude each other");
+    return options;
+}
+
+std::string helpText() {
+    std::string text =
+        "Runs an instrument command script on a connected instrument.\n\n"
+        "usage: kelrun SCRIPT [OPTIONS]\n\n";
+    for (const Option& option : kOptions) {
+        std::string line = "  " + std::string(option.name);
+        if (!option.parameter.empty()) line.append(" ").append(option.parameter);
+        line.resize(kHelpColumn, ' ');
+        text.append(line).append(option.help).append("\n");
+    }
+    return text +
+           "\nWithout --port and --tcp nothing can be sent: the first line to send fails.\n"
+           "The dialogue goes to standard output, all else to standard error, in UTF-8.\n"
+           "Ctrl+C cancels the script before its next line; again, it ends kelrun at once.\n\n"
+           "Exit codes: 0 the script ran to its end, 1 it failed, 2 wrong usage or file\n"
+           "unreadable, 3 no connection, 4 cancelled, 5 a component is not registered.\n";
+}
+
+}  // namespace kel::kelrun

@@ -1,0 +1,36 @@
+// The command line. Texts are UTF-8.
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace kel::kelrun {
+
+struct Variable {
+    std::string name;
+    std::string value;
+};
+
+struct Options {
+    std::string script;
+    std::string port;  // empty for none
+    long baudRate = 9600;
+    std::string tcp;  // HOST:PORT, not yet taken apart; empty for none
+    std::string link = "BenchLink.Communicator";
+    std::vector<Variable> variables;
+    std::optional<std::string> scriptPath;
+    std::string systemPath;
+    bool quiet = false;
+    bool help = false;     // nothing else counts
+    bool version = false;  // nothing else counts
+};
+
+// Reads the arguments that follow the program's name. Throws Failure (usage).
+Options parseOptions(std::span<const std::string> arguments);
+
+// What --help prints; fits a screen of 24 lines of 80 characters.
+std::string helpText();
+
+}  // namespace kel::kelrun

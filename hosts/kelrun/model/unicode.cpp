@@ -1,0 +1,104 @@
+#include "hosts/kelrun/model/unicode.h"
+
+namespace kel::kelrun {
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+constexpr char32_t kFirstBeyond16Bits = 0x10000;
+constexpr char32_t kLastCharacter = 0x10FFFF;
+
+bool isHighSurrogate(char32_t unit) {
+    return unit >= 0xD800 && unit <= 0xDBFF;
+}
+
+bool isLowSurrogate(char32_t unit) {
+    return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
+void appendUtf8(std::string& text, char32_t character) {
+    const auto append = [&](char32_t byte) { text += static_cast<char>(byte); };
+    const auto appendTail = [&](int shift) { append(0x80 | ((character >> shift) & 0x3F)); };
+    if (character < 0x80) return append(character);
+    if (character < 0x800) {
+        append(0xC0 | (character >> 6));
+    } else if (character < kFirstBeyond16Bits) {
+        append(0xE0 | (character >> 12));
+        appendTail(6);
+    } else {
+        append(0xF0 | (character >> 18));
+        appendTail(12);
+        appendTail(6);
+    }
+    appendTail(0);
+}
+
+void appendUtf16(std::u16string& text, char32_t character) {
+    if (character < kFirstBeyond16Bits) {
+        text += static_cast<char16_t>(character);
+        return;
+    }
+    const char32_t offset = character - kFirstBeyond16Bits;
+    text += static_cast<char16_t>(0xD800 + (offset >> 10));
+    text += static_cast<char16_t>(0xDC00 + (offset & 0x3FF));
+}
+
+struct Lead {
+    int tailSize = 0;
+    char32_t bits = 0;
+    char32_t smallest = 0;  // a smaller character has a shorter form, which is the only valid one
+};
+
+std::optional<Lead> readLead(unsigned char byte) {
+    if (byte < 0x80) return Lead{0, byte, 0};
+    if ((byte & 0xE0) == 0xC0) return Lead{1, static_cast<char32_t>(byte & 0x1F), 0x80};
+    if ((byte & 0xF0) == 0xE0) return Lead{2, static_cast<char32_t>(byte & 0x0F), 0x800};
+    if ((byte & 0xF8) == 0xF0) return Lead{3, static_cast<char32_t>(byte & 0x07), 0x10000};
+    return std::nullopt;
+}
+
+// Takes one character from the front of `rest`.
+std::optional<char32_t> takeCharacter(std::string_view& rest) {
+    const auto lead = readLead(static_cast<unsigned char>(rest.front()));
+    rest.remove_prefix(1);
+    if (!lead || rest.size() < static_cast<std::size_t>(lead->tailSize)) return std::nullopt;
+    char32_t character = lead->bits;
+    for (int i = 0; i < lead->tailSize; ++i) {
+        const auto byte = static_cast<unsigned char>(rest.front());
+        if ((byte & 0xC0) != 0x80) return std::nullopt;
+        character = character << 6 | (byte & 0x3F);
+        rest.remove_prefix(1);
+    }
+    const bool isValid = character >= lead->smallest && character <= kLastCharacter &&
+                         !isHighSurrogate(character) && !isLowSurrogate(character);
+    return isValid ? std::optional(character) : std::nullopt;
+}
+
+}  // namespace
+
+std::string toUtf8(std::u16string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char32_t character = text[i];
+        if (isHighSurrogate(character) && i + 1 < text.size() && isLowSurrogate(text[i + 1])) {
+            character = kFirstBeyond16Bits + ((character - 0xD800) << 10) + (text[++i] - 0xDC00);
+        } else if (isHighSurrogate(character) || isLowSurrogate(character)) {
+            character = kReplacement;
+        }
+        appendUtf8(result, character);
+    }
+    return result;
+}
+
+std::optional<std::u16string> toUtf16(std::string_view text) {
+    std::u16string result;
+    result.reserve(text.size());
+    while (!text.empty()) {
+        const auto character = takeCharacter(text);
+        if (!character) return std::nullopt;
+        appendUtf16(result, *character);
+    }
+    return result;
+}
+
+}  // namespace kel::kelrun

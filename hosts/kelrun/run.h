@@ -1,0 +1,13 @@
+// One run of the program, from its options to its exit code.
+#pragma once
+
+#include "hosts/kelrun/console_output.h"
+#include "hosts/kelrun/model/failure.h"
+#include "hosts/kelrun/model/options.h"
+
+namespace kel::kelrun {
+
+// Runs the script, and says on `errors` how it ended. Throws Failure, com::Error.
+ExitCode run(const Options& options, ConsoleOutput& errors);
+
+}  // namespace kel::kelrun

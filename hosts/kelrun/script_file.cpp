@@ -1,0 +1,114 @@
+#include "hosts/kelrun/script_file.h"
+
+#include <windows.h>
+
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+
+#include "com/text.h"
+#include "hosts/kelrun/error_text.h"
+#include "hosts/kelrun/model/failure.h"
+#include "hosts/kelrun/model/script_text.h"
+
+namespace kel::kelrun {
+namespace {
+
+// Far above any script; text, lines and records of one must fit into a 32-bit process together.
+constexpr DWORD kLargestFile = 64 * 1024 * 1024;
+
+struct CloseFile {
+    using pointer = HANDLE;
+    void operator()(HANDLE handle) const { CloseHandle(handle); }
+};
+using FileHandle = std::unique_ptr<HANDLE, CloseFile>;
+
+class Reader {
+public:
+    Reader(const std::string& shownPath, const std::wstring& path)
+        : shownPath_(shownPath), file_(open(path)) {}
+
+    std::string readAll() const {
+        std::string bytes(size(), '\0');
+        DWORD count = 0;
+        if (!ReadFile(file_.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &count,
+                      nullptr)) {
+            refuseForLastError();
+        }
+        bytes.resize(count);
+        return bytes;
+    }
+
+    [[noreturn]] void refuse(const std::string& reason) const {
+        throw Failure(ExitCode::kUsage, shownPath_ + " " + reason);
+    }
+
+private:
+    FileHandle open(const std::wstring& path) const {
+        const DWORD attributes = GetFileAttributesW(path.c_str());
+        if (attributes == INVALID_FILE_ATTRIBUTES) refuseForLastError();
+        if (attributes & FILE_ATTRIBUTE_DIRECTORY) refuse("is a folder, not a script");
+        const HANDLE handle =
+            CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                        OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
+        if (handle == INVALID_HANDLE_VALUE) refuseForLastError();
+        FileHandle file(handle);
+        if (GetFileType(handle) != FILE_TYPE_DISK) refuse("is a device, not a script");
+        return file;
+    }
+
+    DWORD size() const {
+        LARGE_INTEGER size{};
+        if (!GetFileSizeEx(file_.get(), &size)) refuseForLastError();
+        if (size.QuadPart > kLargestFile) refuse("is too large for a script (over 64 MB)");
+        return size.LowPart;
+    }
+
+    [[noreturn]] void refuseForLastError() const {
+        const DWORD error = GetLastError();
+        if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND) {
+            refuse("cannot be read: there is no such file");
+        }
+        refuse("cannot be read: " + systemText(error));
+    }
+
+    std::string shownPath_;
+    FileHandle file_;
+};
+
+std::wstring decode(const Reader& file) {
+    const std::string bytes = file.readAll();
+    try {
+        const auto text = decodeScript(bytes);
+        return text ? std::wstring(text->begin(), text->end()) : com::widen(bytes);
+    } catch (const std::invalid_argument& reason) {
+        file.refuse(reason.what());
+    }
+}
+
+std::wstring fullPath(const std::wstring& path) {
+    std::wstring full(GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
+    full.resize(
+        GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    return full;
+}
+
+}  // namespace
+
+ScriptFile readScript(const std::string& path) {
+    const std::wstring widePath = com::widen(path, CP_UTF8);
+    std::wstring text = decode(Reader(path, widePath));
+    const std::filesystem::path full(fullPath(widePath));
+    return {com::narrow(full.filename().wstring(), CP_UTF8), full.parent_path().wstring(),
+            std::move(text)};
+}
+
+bool fitsCodePage(const std::wstring& text) {
+    if (GetACP() == CP_UTF8 || text.empty()) return true;
+    BOOL isReplaced = FALSE;
+    WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, text.data(), static_cast<int>(text.size()),
+                        nullptr, 0, nullptr, &isReplaced);
+    return !isReplaced;
+}
+
+}  // namespace kel::kelrun

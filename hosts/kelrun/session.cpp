@@ -1,0 +1,71 @@
+#include "hosts/kelrun/session.h"
+
+#include "com/text.h"
+#include "com/variant.h"
+#include "hosts/kelrun/create.h"
+
+namespace kel::kelrun {
+namespace {
+
+constexpr char kPreprocessor[] = "KelUtils.Preprocessor";
+constexpr char kPreprocessorRemedy[] = "run regsvr32 KelUtils.dll";
+constexpr char kLinkRemedy[] =
+    "register the instrument link's library with regsvr32, or choose another with --link";
+
+long handleNumber(HWND window) {
+    return static_cast<long>(reinterpret_cast<LONG_PTR>(window));
+}
+
+}  // namespace
+
+Session::Session(const Options& options)
+    : preprocessor_(create<IPreprocessorControl>(kPreprocessor, kPreprocessorRemedy)),
+      communicator_(create<IKelCommunicator>(options.link, kLinkRemedy)),
+      cancel_(preprocessor_),
+      echo_(options.quiet),
+      connection_(options) {}
+
+// The components are there when this begins, so the destructor parts them if it fails.
+Session::Session(const Options& options, std::wstring_view scriptFolder) : Session(options) {
+    const auto& stream = connection_.stream();
+    com::check(stream->put_EchoWindow(handleNumber(echo_.window())), stream);
+    com::check(stream->put_IdleProcessing(VARIANT_TRUE), stream);
+    com::check(communicator_->put_Port(stream.Get()), communicator_);
+
+    const com::Bstr scriptPath(options.scriptPath ? com::widen(*options.scriptPath, CP_UTF8)
+                                                  : std::wstring(scriptFolder));
+    const com::Bstr systemPath(com::widen(options.systemPath, CP_UTF8));
+    com::check(preprocessor_->put_ScriptPath(scriptPath.get()), preprocessor_);
+    com::check(preprocessor_->put_SystemPath(systemPath.get()), preprocessor_);
+    com::check(preprocessor_->put_Communicator(communicator_.Get()), preprocessor_);
+    com::check(communicator_->put_Preprocessor(preprocessor_.Get()), communicator_);
+}
+
+Session::~Session() {
+    communicator_->put_Preprocessor(nullptr);
+    preprocessor_->put_Communicator(nullptr);
+    communicator_->put_Port(nullptr);
+    connection_.stream()->put_EchoWindow(0);
+}
+
+bool Session::run(std::wstring_view script) {
+    if (cancel_.isRequested()) return false;
+    const com::Bstr text(script);
+    VARIANT_BOOL ran = VARIANT_FALSE;
+    com::check(preprocessor_->PreprocessAndRun(text.get(), &ran), preprocessor_);
+    return com::isTrue(ran);
+}
+
+bool Session::wasCancelled() const {
+    if (cancel_.isRequested()) return true;
+    VARIANT_BOOL cancelled = VARIANT_FALSE;
+    com::check(preprocessor_->get_Cancelled(&cancelled), preprocessor_);
+    return com::isTrue(cancelled);
+}
+
+bool Session::finishDialogue() {
+    echo_.finish();
+    return !echo_.isIncomplete();
+}
+
+}  // namespace kel::kelrun
