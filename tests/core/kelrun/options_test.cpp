@@ -1,0 +1,122 @@
+#include "hosts/kelrun/model/options.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "hosts/kelrun/model/address.h"
+#include "hosts/kelrun/model/failure.h"
+#include "hosts/kelrun/model/prologue.h"
+
+namespace kel::kelrun {
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+// What the user reads when a call fails, with the exit code before it; empty when it does not.
+template <class Call>
+std::string failureOf(Call&& call) {
+    try {
+        call();
+    } catch (const Failure& failure) {
+        return std::to_string(static_cast<int>(failure.code())) + " " + failure.what();
+    }
+    return {};
+}
+
+TEST(KelrunOptions, ReadsEveryOption) {
+    const auto options = parseOptions(
+        Arguments{"--port", "COM3", "--baud=115200", "a.kel", "--link", "Some.Link", "--var", "a=1",
+                  "--var=b=x=y", "--script-path", "C:\\s", "--system-path", "D:\\", "--quiet"});
+    EXPECT_EQ(options.script, "a.kel");
+    EXPECT_EQ(options.port, "COM3");
+    EXPECT_EQ(options.baudRate, 115200);
+    EXPECT_EQ(options.link, "Some.Link");
+    ASSERT_EQ(options.variables.size(), 2u);
+    EXPECT_EQ(options.variables[1].name, "b");
+    EXPECT_EQ(options.variables[1].value, "x=y");
+    EXPECT_EQ(options.scriptPath, "C:\\s");
+    EXPECT_EQ(options.systemPath, "D:\\");
+    EXPECT_TRUE(options.quiet);
+    EXPECT_EQ(parseOptions(Arguments{"--tcp", "h:1", "--", "-odd.kel"}).script, "-odd.kel");
+    EXPECT_TRUE(parseOptions(Arguments{"a.kel", "--help", "--nonsense"}).help);
+}
+
+TEST(KelrunOptions, RefusesWrongUsageWithItsReason) {
+    const struct {
+        Arguments arguments;
+        const char* reason;
+    } cases[] = {
+        {{}, "2 which script?"},
+        {{""}, "2 the script's name is empty"},
+        {{"a", "b"}, "2 one script at a time: 'a' or 'b'"},
+        {{"a", "--prot", "COM3"}, "2 there is no option --prot"},
+        {{"a", "-h"}, "2 there is no option -h"},
+        {{"a", "--port"}, "2 --port needs a value: NAME"},
+        {{"a", "--port", "--quiet"}, "2 --port needs a value: NAME"},
+        {{"a", "--port="}, "2 --port needs a value: NAME"},
+        {{"a", "--quiet=yes"}, "2 --quiet takes no value"},
+        {{"a", "--port", "1", "--port", "2"}, "2 --port is given twice"},
+        {{"a", "--port", "COM3", "--tcp", "h:1"}, "2 --port and --tcp exclude each other"},
+        {{"a", "--baud", "96x"}, "2 --baud: '96x' is no rate"},
+        {{"a", "--baud", "0"}, "2 --baud: '0' is no rate"},
+        {{"a", "--baud", "99999999999"}, "2 --baud: '99999999999' is no rate"},
+        {{"a", "--var", "name"}, "2 --var: 'name' is not NAME=VALUE"},
+    };
+    for (const auto& row : cases) {
+        const std::string failure = failureOf([&] { parseOptions(row.arguments); });
+        EXPECT_EQ(failure, std::string(row.reason) + " (--help shows the options)");
+    }
+}
+
+TEST(KelrunOptions, HelpFitsAScreenAndNamesEveryExitCode) {
+    const std::string help = helpText();
+    EXPECT_LE(std::ranges::count(help, '\n'), 24);
+    std::istringstream lines(help);
+    for (std::string line; std::getline(lines, line);)
+        EXPECT_LT(line.size(), 80u) << line;
+    for (const char* code : {"codes: 0 ", "1 it failed", "2 wrong", "3 no", "4 cancelled", "5 a "})
+        EXPECT_NE(help.find(code), std::string::npos) << code;
+}
+
+TEST(KelrunPrologue, WritesVariablesThatTheLanguageCanWrite) {
+    EXPECT_EQ(prologue({}), "");
+    EXPECT_EQ(prologue(std::vector<Variable>{{"place", "Pier 7 (east) %x '1'"}, {"_2", ""}}),
+              "@place=\"Pier 7 (east) %x '1'\"\n@_2=\"\"\n");
+    const struct {
+        Variable variable;
+        const char* reason;
+    } cases[] = {
+        {{"", "1"}, "a name is"},
+        {{"a-b", "1"}, "a name is"},
+        {{"a b", "1"}, "a name is"},
+        {{std::string(129, 'a'), "1"}, "a name is"},
+        {{"a", "say \"x\""}, "a double quote"},
+        {{"a", "http://x"}, "//, which begins a comment"},
+        {{"a", "1\r2"}, "a line end"},
+        {{"a", "1\n2"}, "a line end"},
+    };
+    for (const auto& row : cases) {
+        const std::string failure =
+            failureOf([&] { prologue(std::vector<Variable>{{row.variable}}); });
+        EXPECT_EQ(failure.find("2 --var " + row.variable.name + ": "), 0u) << failure;
+        EXPECT_NE(failure.find(row.reason), std::string::npos) << failure;
+    }
+    EXPECT_EQ(failureOf([] { prologue(std::vector<Variable>{{std::string(128, 'a'), "1"}}); }), "");
+}
+
+TEST(KelrunAddress, TakesHostAndPortApart) {
+    EXPECT_EQ(parseAddress("gate.example:4001").host, "gate.example");
+    EXPECT_EQ(parseAddress("10.0.0.1:65535").port, "65535");
+    EXPECT_EQ(parseAddress("[fe80::1]:1").host, "fe80::1");
+    for (const char* text : {"", "host", "host:", ":1", "host:0", "host:65536", "host:x", "host:-1",
+                             "::1:80", "[]:1", "a b:1"}) {
+        EXPECT_EQ(
+            failureOf([&] { parseAddress(text); }),
+            "3 no connection: '" + std::string(text) + "' is not HOST:PORT (port 1 to 65535)");
+    }
+}
+
+}  // namespace
+}  // namespace kel::kelrun

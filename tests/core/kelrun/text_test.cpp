@@ -1,0 +1,86 @@
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "hosts/kelrun/model/dialogue_text.h"
+#include "hosts/kelrun/model/script_text.h"
+#include "hosts/kelrun/model/unicode.h"
+
+namespace kel::kelrun {
+namespace {
+
+using namespace std::string_view_literals;
+
+TEST(KelrunUnicode, ConvertsBothWaysAndRefusesWhatIsNotUtf8) {
+    constexpr auto kText = u"a\u007F\u0080\u07FF\u0800\uFFFF\U00010000\U0010FFFF"sv;
+    EXPECT_EQ(toUtf16(toUtf8(kText)), kText);
+    EXPECT_EQ(toUtf8(u"\u00B0\u20AC\U0001F30A"sv), "\xC2\xB0\xE2\x82\xAC\xF0\x9F\x8C\x8A");
+    constexpr char16_t kHalves[] = {0xDC00, u'x', 0xD800};
+    EXPECT_EQ(toUtf8({kHalves, 3}), "\xEF\xBF\xBDx\xEF\xBF\xBD");
+    // Lone tails and leads, overlong forms, surrogates, beyond the last character.
+    for (const auto bytes :
+         {"\x80"sv, "\xC3"sv, "\xC3("sv, "\xC0\x80"sv, "\xE0\x9F\xBF"sv, "\xED\xA0\x80"sv,
+          "\xF0\x8F\xBF\xBF"sv, "\xF4\x90\x80\x80"sv, "\xFF"sv, "\xE2\x82"sv}) {
+        EXPECT_EQ(toUtf16(bytes), std::nullopt);
+    }
+}
+
+TEST(KelrunScriptText, KnowsEncodingsByMarkAndContent) {
+    const struct {
+        std::string_view bytes;
+        std::optional<std::u16string> text;
+    } cases[] = {
+        {"", u""},
+        {"ver\r\n", u"ver\r\n"},
+        {"\xC2\xB0", u"\u00B0"},
+        {"\xB0", std::nullopt},
+        {"\xEF\xBB\xBF\xC2\xB0", u"\u00B0"},
+        {"\xFF\xFEv\0\xB0\0"sv, u"v\u00B0"},
+        {"\xFE\xFF\0v\x20\xAC"sv, u"v\u20AC"},
+    };
+    for (const auto& row : cases)
+        EXPECT_EQ(decodeScript(row.bytes), row.text);
+    // Marked but invalid, half a character, binary, UTF-16 without a mark.
+    for (const auto bytes : {"\xEF\xBB\xBF\xB0"sv, "\xFF\xFEv"sv, "MZ\x90\0"sv, "v\0e\0"sv})
+        EXPECT_THROW(decodeScript(bytes), std::invalid_argument);
+}
+
+TEST(KelrunDialogueText, MakesEveryLineEndOneLineFeed) {
+    const struct {
+        std::u16string_view text;
+        const char* readable;
+    } cases[] = {
+        {u"ver\r\nKI-1\r\n\r\n>", "ver\nKI-1\n\n>"},
+        {u"a\nb\n\nc", "a\nb\n\nc"},
+        {u"a\rb\r\r\nc", "a\nb\nc"},
+        {u"\t\x1B[2J\x07\x7F\x85", "\t\u241B[2J\u2407\u2421\uFFFD"},
+        {u"21.5 \u00B0C", "21.5 \u00B0C"},
+    };
+    for (const auto& row : cases) {
+        DialogueText whole;
+        EXPECT_EQ(whole.next(row.text), row.readable);
+        // However the text is cut, the result is the same.
+        DialogueText pieces;
+        std::string joined;
+        for (const char16_t character : row.text)
+            joined += pieces.next({&character, 1});
+        EXPECT_EQ(joined, row.readable);
+        EXPECT_EQ(pieces.atLineStart(), joined.ends_with('\n'));
+    }
+    EXPECT_TRUE(DialogueText().atLineStart());
+}
+
+TEST(KelrunErrorLines, LetOnlyErrorsThrough) {
+    ErrorLines lines;
+    EXPECT_EQ(lines.next("ver\nKI-1\n>ERR"), "");
+    EXPECT_EQ(lines.next("OR: in the middle\nERROR: Unknown"), "");
+    EXPECT_EQ(lines.next(" function: f\n>"), "ERROR: Unknown function: f\n");
+    EXPECT_EQ(lines.finish(), "");
+    EXPECT_EQ(lines.next("ERROR: at the end"), "");
+    EXPECT_EQ(lines.finish(), "ERROR: at the end\n");
+    EXPECT_EQ(lines.finish(), "");
+}
+
+}  // namespace
+}  // namespace kel::kelrun
