@@ -1,0 +1,189 @@
+# The tests: each function test_... is one. Tables have a row for each run.
+
+readonly firmware='Kel virtual field instrument, firmware 1.0'
+
+# The example script, command by command with its answers.
+expect_deployment() {
+    expect "$output" "$firmware" '>sernum' 'Serial Number: D123.' \
+        '>defaults' OK '>set station Harbour_mouth-D123' OK '>clock set ...' OK \
+        '>set interval 900' OK '>set declination -1.5' OK '>set burst 1024' OK '>set rate 4' OK \
+        '>pressoffset set -10.132' OK '>savesetup' OK '>erase' OK '>deploy' OK '>status' \
+        'Station: Harbour_mouth-D123' 'State: deployed ...' '>sleep' OK
+    expect "$errors" 'kelrun: deploy.kel ran to its end (...'
+    ! grep -q $'\r' "$output" || give_up "a carriage return in the dialogue"
+}
+
+test_deploys_over_pty() {
+    instrument pty
+    kelrun 0 "$(windows_path "$kel_root/examples/deploy.kel")" "${connection[@]}"
+    expect_deployment
+}
+
+test_deploys_over_tcp() {
+    instrument tcp
+    kelrun 0 "$(windows_path "$kel_root/examples/deploy.kel")" "${connection[@]}"
+    expect_deployment
+}
+
+test_stops_failing_scripts() {
+    local text message
+    instrument tcp
+    while IFS='|' read -r text message; do
+        kelrun 1 "$(script fails.kel "$text")" "${connection[@]}"
+        expect "$output" "ERROR: $message"
+        expect "$errors" 'kelrun: fails.kel stopped on an error'
+        kelrun 1 "$(script fails.kel "$text")" "${connection[@]}" --quiet
+        [[ ! -s $output ]] || give_up "a dialogue in spite of --quiet"
+        expect "$errors" "ERROR: $message" 'kelrun: fails.kel stopped on an error'
+    done <<'ROWS'
+ver\n%nosuch|Variable not found: nosuch
+@x=nosuch()|Unknown function: nosuch
+#NOSUCH|Unknown preprocessor directive: NOSUCH
+ver\n@x y|Invalid expression 'x y'
+ROWS
+}
+
+test_refuses_wrong_usage_and_unreadable_files() {
+    local missing arguments message
+    missing=$(windows_path "$folder/missing.kel")
+    mkdir -- "$folder/folder.kel"
+    while IFS='|' read -r message arguments; do
+        eval "kelrun 2 $arguments"
+        expect_only_error "kelrun: $message..."
+    done <<'ROWS'
+which script?|
+there is no option --prot|a.kel --prot COM3
+--var a: a value cannot hold //|"$(script a.kel ver)" --var a=http://x
+--var: a character is not in|"$(script a.kel ver)" --var a=漢
+Z:|"$missing"
+Z:|"$(windows_path "$folder/folder.kel")"
+Z:|"$(script half.kel '\0377\0376v')"
+Z:|"$(script binary.kel 'MZ\0000')"
+ROWS
+    kelrun 2 "$missing"
+    expect_only_error "kelrun: $missing cannot be read: there is no such file"
+    kelrun 0 --help
+    expect "$output" 'usage: kelrun SCRIPT [OPTIONS]'
+}
+
+test_reports_what_it_cannot_connect_to() {
+    local text where reason
+    ln -s -- "$folder" "$WINEPREFIX/dosdevices/com40"
+    at_exit rm -f -- "$WINEPREFIX/dosdevices/com40"
+    text=$(script ver.kel ver)
+    while IFS='|' read -r where reason; do
+        kelrun 3 "$text" "${where% *}" "${where#* }"
+        expect_only_error "kelrun: no connection: $reason..."
+    done <<'ROWS'
+--port COM99|COM99: there is no such port
+--port COM40|COM40: the port is busy
+--tcp 127.0.0.1:1|127.0.0.1:1: connection refused
+--tcp no.such.host.invalid:80|no.such.host.invalid:80: unknown host
+--tcp localhost|'localhost' is not HOST:PORT
+ROWS
+}
+
+test_cancels_at_the_first_interrupt() {
+    instrument tcp
+    start_kelrun "$(script long.kel 'ver\n#WAIT 300000\nsernum\n')" "${connection[@]}"
+    wait_until "the first answer" grep -q firmware "$output"
+    kill -INT "$process"
+    finish_kelrun
+    [[ $code == 4 ]] || give_up "not cancelled"
+    expect "$output" 'ERROR: Execution cancelled!'
+    expect "$errors" 'kelrun: long.kel was cancelled after ...'
+    ! grep -q sernum "$output" || give_up "went on after the interrupt"
+}
+
+# A message box waits for its user whatever is cancelled. Its text is asked from the instrument last
+# before it opens, when the script looks no more whether it was cancelled.
+test_ends_at_the_second_interrupt() {
+    instrument tcp
+    start_kelrun "$(script box.kel '#MSGBOX (SERIALNUMBER())\n')" "${connection[@]}"
+    wait_until "the instrument's answer" grep -q 'Serial Number' "$output"
+    wait_until "the end" interrupt_again
+    finish_kelrun
+    [[ $code == 4 && ! -s $errors ]] || give_up "not ended by the second interrupt"
+}
+
+interrupt_again() {
+    kill -INT "$process" 2>/dev/null || true
+    has_ended
+}
+
+test_tells_which_component_is_not_registered() {
+    local text library name
+    text=$(script ver.kel ver)
+    for library in "$KEL_UTILS=KelUtils.Preprocessor" "$KEL_LINK=BenchLink.Communicator"; do
+        name=${library#*=} library=$(windows_path "${library%=*}")
+        at_exit run_wine regsvr32 /s "$library"
+        run_wine regsvr32 /s /u "$library"
+        kelrun 5 "$text"
+        expect_only_error "kelrun: $name is not registered..."
+        run_wine regsvr32 /s "$library"
+    done
+    kelrun 5 "$text" --link Scripting.FileSystemObject
+    expect_only_error 'kelrun: Scripting.FileSystemObject is of another kind...'
+}
+
+test_reads_every_encoding_and_line_end() {
+    local encoding mark end path
+    instrument tcp
+    while IFS='|' read -r encoding mark end; do
+        path=$(script text.utf8 "${mark}set station Süd$end//$end${end}ver$end")
+        iconv -f UTF-8 -t "$encoding" "$folder/text.utf8" >"$folder/text.kel"
+        kelrun 0 "${path%utf8}kel" "${connection[@]}"
+        expect "$output" 'set station Süd' OK '>ver' "$firmware"
+    done <<'ROWS'
+UTF-8||\n
+UTF-8|\ufeff|\r\n
+UTF-16LE|\ufeff|\r\n
+UTF-16BE|\ufeff|\n
+CP1252||\r
+ROWS
+}
+
+test_gives_up_waiting_for_a_silent_instrument() {
+    instrument tcp --silent
+    kelrun 1 "$(script ver.kel 'ver\n#WAIT_OK 1\nver\n')" "${connection[@]}"
+    expect "$errors" 'kelrun: ver.kel stopped on an error'
+}
+
+test_survives_an_instrument_that_vanishes() {
+    local kind
+    for kind in tcp pty; do
+        instrument "$kind" --vanish-after 2
+        kelrun 1 "$(script ver.kel 'ver\nsernum\nver\nver\n')" "${connection[@]}"
+        expect "$output" "$firmware"
+        expect "$errors" 'kelrun: ver.kel stopped on an error'
+    done
+}
+
+test_survives_a_garbling_instrument() {
+    local seed
+    for seed in 1 2 3; do
+        instrument tcp --garble 0.5 --seed "$seed"
+        kelrun 0 "$(script ver.kel 'ver\nstatus\nsernum\n')" "${connection[@]}"
+        [[ -s $output ]] || give_up "no dialogue"
+        ! LC_ALL=C grep -q $'[\x01-\x08\x0b-\x1f\x7f]' "$output" || give_up "control characters"
+        kelrun 1 "$(script ok.kel 'status\n#WAIT_OK 1\n')" "${connection[@]}"
+    done
+}
+
+test_sets_variables_and_finds_scripts() {
+    instrument tcp
+    mkdir -- "$folder/inner"
+    script inner/inner.kel '#IF empty == ""\nset station %place\n#WAIT_OK 3\n#ENDIF\n' >/dev/null
+    kelrun 0 "$(script outer.kel '#RUNSCRIPT inner.kel\n')" "${connection[@]}" --var empty= \
+        --var 'place=Pier 7' --script-path "$(windows_path "$folder/inner")"
+    expect "$output" 'set station Pier 7' OK
+}
+
+test_runs_without_a_connection() {
+    kelrun 0 "$(script expressions.kel '@x="1"\n#IF x == "1"\n@y=x\n#ENDIF\n')"
+    expect_only_error 'kelrun: expressions.kel ran to its end (...'
+    kelrun 0 "$(script expressions.kel '@x="1"\n')" --quiet
+    [[ ! -s $errors ]] || give_up "closing words in spite of --quiet"
+    kelrun 1 "$(script ver.kel 'ver\n')"
+    expect "$errors" 'kelrun: ver.kel stopped on an error (neither --port nor --tcp was given)'
+}

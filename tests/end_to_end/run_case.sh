@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# Runs one test: run_case.sh NAME. The environment names the programs and the Wine prefix.
+set -euo pipefail
+
+here=$(dirname -- "$(readlink -f -- "${BASH_SOURCE[0]}")")
+exec </dev/null
+
+: "${WINEPREFIX:?names no Wine prefix: ./kel test prepares one}"
+kel_root=${here%/tests/*}
+source "$here/../../tools/report.sh"
+source "$here/../../tools/prefix.sh"
+source "$here/../../tools/instrument.sh"
+source "$here/harness.sh"
+source "$here/cases.sh"
+
+"test_$1"
