@@ -1,0 +1,149 @@
+#include "tests/core/script/script_bench.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace kel::script {
+
+const TextRules ScriptBench::kAscii;
+
+// Words: ECHO and join are handled; PASS and pass stand twice, the first row handing on; NONE is
+// never handled; FAIL and fail answer false, though handled; RUN runs its parameter as a script.
+ScriptBench::ScriptBench(const TextRules& textRules)
+    : variables(textRules),
+      directives(textRules),
+      functions(textRules),
+      session(*this, variables, textRules, *this) {
+    const auto answer = [](bool handled, bool result) {
+        return [=](Parameters) { return DirectiveOutcome{handled, result}; };
+    };
+    directives.add("ECHO", 0, answer(true, true));
+    directives.add("PASS", 1, answer(false, true));
+    directives.add("NONE", 2, answer(false, true));
+    directives.add("pass", 3, answer(true, true));
+    directives.add("FAIL", 4, answer(false, false));
+    directives.add("RUN", 5, [this](Parameters parameters) {
+        return DirectiveOutcome{true, session.run(parameters[0], "inner")};
+    });
+    const auto value = [](bool handled, bool result) {
+        return [=](Parameters parameters) {
+            return FunctionOutcome{handled, result, join(parameters)};
+        };
+    };
+    functions.add("join", 0, value(true, true));
+    functions.add("pass", 1, value(false, true));
+    functions.add("PASS", 2, value(true, true));
+    functions.add("fail", 3, value(true, false));
+}
+
+void ScriptBench::endErrorReport() {
+    countCall();
+    const std::string_view start = "\r\nERROR: ";
+    EXPECT_EQ(echoed_.substr(0, start.size()), start);
+    write("! " + echoed_.substr(start.size()));
+    echoed_.clear();
+}
+
+bool ScriptBench::send(std::string_view line) {
+    countCall();
+    write("> " + std::string(line));
+    return acceptsLines;
+}
+
+void ScriptBench::yield() {
+    countCall();
+    if (onYield) onYield();
+}
+
+std::optional<std::size_t> ScriptBench::findDirective(std::string_view name, std::size_t from) {
+    return directives.find(name, from);
+}
+
+DirectiveOutcome ScriptBench::callDirective(std::size_t row, Parameters parameters) {
+    countCall();
+    write("#" + directives[row].foldedName + std::to_string(directives[row].number) + " " +
+          join(parameters));
+    return directives[row].handler(parameters);
+}
+
+std::optional<std::size_t> ScriptBench::findFunction(std::string_view name, std::size_t from) {
+    return functions.find(name, from);
+}
+
+FunctionOutcome ScriptBench::callFunction(std::size_t row, Parameters parameters) {
+    countCall();
+    write(functions[row].foldedName + std::to_string(functions[row].number) + "(" +
+          join(parameters) + ")");
+    return functions[row].handler(parameters);
+}
+
+Answers ScriptBench::ask(const Question& question) {
+    countCall();
+    std::string entry = "? " + question.title;
+    for (const Control& control : question.controls) {
+        const char* kinds[] = {"check", "select", "input"};
+        entry += std::string(" [") + kinds[static_cast<int>(control.kind)] + " " + control.caption +
+                 "=" + control.initial + ": " + join(control.choices) + " -> " + control.target +
+                 "]";
+    }
+    write(entry);
+    if (answers.empty()) return std::nullopt;
+    const Answers answer = answers.front();
+    answers.pop_front();
+    return answer;
+}
+
+void ScriptBench::runStarted(std::string_view script, std::size_t depth) {
+    event("start " + std::string(script) + " " + std::to_string(depth));
+}
+
+void ScriptBench::runEnded(std::string_view script, std::size_t depth, bool result) {
+    event("end " + std::string(script) + " " + std::to_string(depth) +
+          (result ? " true" : " false"));
+}
+
+void ScriptBench::directiveStarted(std::string_view name, Parameters parameters) {
+    event("directive " + std::string(name) + " " + join(parameters));
+}
+
+void ScriptBench::variableSet(std::string_view name, std::string_view value) {
+    event("set " + std::string(name) + "=" + std::string(value));
+}
+
+void ScriptBench::diagnosed(const Diagnostic& diagnostic) {
+    event(show(diagnostic));
+}
+
+void ScriptBench::event(const std::string& text) {
+    if (recordsEvents) events += text + "\n";
+}
+
+void ScriptBench::countCall() {
+    if (callsBeforeFailure-- == 0) throw std::runtime_error("failing call");
+}
+
+std::string join(std::span<const std::string> texts) {
+    std::string joined;
+    for (const std::string& text : texts)
+        joined += (&text == texts.data() ? "" : "|") + text;
+    return joined;
+}
+
+std::string show(const Diagnostic& diagnostic) {
+    return std::to_string(diagnostic.line) + ":" + std::to_string(diagnostic.column) +
+           (diagnostic.severity == Severity::Error ? " error " : " warning ") + diagnostic.message;
+}
+
+void expectRuns(std::initializer_list<Case> cases) {
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.script);
+        ScriptBench bench;
+        bench.answers.assign(each.answers.begin(), each.answers.end());
+        EXPECT_EQ(bench.session.run(each.script), each.result);
+        EXPECT_EQ(bench.transcript, each.transcript);
+        EXPECT_TRUE(each.result || !bench.session.diagnostics().empty());
+    }
+}
+
+}  // namespace kel::script

@@ -1,0 +1,81 @@
+#pragma once
+// A bench that runs scripts against a host which writes down everything it is asked for.
+
+#include <deque>
+#include <functional>
+#include <initializer_list>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "script/engine/session.h"
+#include "script/engine/word_table.h"
+
+namespace kel::script {
+
+// Transcript, an entry a line: "> " a sent line, "! " an error, "#NAME a|b" a directive's call,
+// "name(a|b)" a function's call, "? title [kind caption=initial: choices -> target]" a question.
+class ScriptBench : public Host, public Observer {
+public:
+    using Parameters = std::span<const std::string>;
+
+    explicit ScriptBench(const TextRules& textRules = kAscii);
+
+    void echo(std::string_view text) override { echoed_ += text; }
+    void endErrorReport() override;
+    bool send(std::string_view line) override;
+    void yield() override;
+    bool cancelRequested() override { return isCancelled; }
+    void clearCancelRequest() override { isCancelled = false; }
+    std::optional<std::size_t> findDirective(std::string_view name, std::size_t from) override;
+    DirectiveOutcome callDirective(std::size_t row, Parameters parameters) override;
+    std::optional<std::size_t> findFunction(std::string_view name, std::size_t from) override;
+    FunctionOutcome callFunction(std::size_t row, Parameters parameters) override;
+    Answers ask(const Question& question) override;
+
+    void runStarted(std::string_view script, std::size_t depth) override;
+    void runEnded(std::string_view script, std::size_t depth, bool result) override;
+    void lineStarted(std::size_t line) override { event("line " + std::to_string(line)); }
+    void lineSent(std::string_view text) override { event("sent " + std::string(text)); }
+    void directiveStarted(std::string_view name, Parameters parameters) override;
+    void variableSet(std::string_view name, std::string_view value) override;
+    void diagnosed(const Diagnostic& diagnostic) override;
+
+    std::string transcript;
+    std::string events;
+    bool recordsEvents = false;
+    std::deque<Answers> answers;  ///< to the next questions; cancelled when there are no more
+    bool acceptsLines = true;
+    bool isCancelled = false;
+    std::function<void()> onYield;
+    std::size_t callsBeforeFailure = SIZE_MAX;  ///< the call after them throws
+
+    VariableStore variables;
+    WordTable<std::function<DirectiveOutcome(Parameters)>> directives;
+    WordTable<std::function<FunctionOutcome(Parameters)>> functions;
+    Session session;
+
+private:
+    static const TextRules kAscii;
+
+    void event(const std::string& text);
+    void countCall();
+    void write(std::string entry) { transcript += entry.append(1, '\n'); }
+
+    std::string echoed_;
+};
+
+std::string join(std::span<const std::string> texts);
+std::string show(const Diagnostic& diagnostic);
+
+struct Case {
+    std::string script;
+    std::string transcript;
+    bool result = true;
+    std::vector<Answers> answers = {};
+};
+
+/// Runs each case on a bench of its own.
+void expectRuns(std::initializer_list<Case> cases);
+
+}  // namespace kel::script
