@@ -27,9 +27,10 @@ as_root() {
 
 # One call of apt-get that asks nothing. What failed last is kept for the final report.
 apt_get() {
-    last_apt_command="apt-get $*"
+    last_apt_command=$(printf '%q ' apt-get "$@")
     as_root env DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 apt-get -y -q \
-        -o DPkg::Lock::Timeout=300 -o Dpkg::Options::=--force-confdef -o Dpkg::Options::=--force-confold "$@"
+        -o APT::Update::Error-Mode=any -o DPkg::Lock::Timeout=300 \
+        -o Dpkg::Options::=--force-confdef -o Dpkg::Options::=--force-confold "$@"
 }
 
 # Updates the package index: update_index LABEL LOG [APT OPTIONS...]
@@ -49,17 +50,19 @@ install_missing() {
         apt_get "$@" install --no-install-recommends "${missing[@]}"
 }
 
-# Names the packages that could not be had, the command that failed, and what to do.
+# Names the packages that could not be had, the command that failed, its words, and what to do.
 report_missing() {
-    local log=$1 package missing
-    mapfile -t missing < <(missing_packages)
-    say "setup: cannot install these packages:"
-    for package in "${missing[@]}"; do
-        say "    $package"
-    done
-    say "the command that failed: $last_apt_command"
-    grep -hE '^(E:|W: Failed| +[a-z0-9.+:-]+ : )' -- "$log"-*.log | sort -u | head -n 8 | sed 's/^/kel:     /' >&2 || true
-    fail "check that this machine reaches the mirror named in /etc/apt, run that command as root, then ./kel setup again"
+    local log=$1 missing
+    missing=$(missing_packages | tr '\n' ' ')
+    say "setup: cannot install: $missing"
+    say "setup: this failed: $last_apt_command"
+    {
+        grep -hE '^(E:|W: Failed)' -- "$log"*-update.log | sort -u | head -n 4
+        grep -hE '^(E:| +[a-z0-9.+:-]+ : )' -- "$log"*-install.log | sort -u | head -n 6
+    } | sed 's/^/kel:     /' >&2 || true
+    say "setup: what to do: see that this machine reaches the mirrors named in /etc/apt, run as root"
+    say "    apt-get update && apt-get install --no-install-recommends $missing"
+    fail "until it succeeds, then ./kel setup again"
 }
 
 # Installs what is missing; does nothing, quickly, when everything is there.
@@ -68,7 +71,7 @@ set_up() {
         fail "setup: needs Debian 12 (apt-get is missing); elsewhere provide by hand: ${kel_packages[*]}"
     [[ -n $(missing_packages) ]] || return 0
     ((EUID == 0)) || command -v sudo >/dev/null ||
-        fail "setup: must install packages; run as root or install sudo: apt-get install --no-install-recommends $(missing_packages | tr '\n' ' ')"
+        fail "setup: there is no sudo; run ./kel setup as root, to install: $(missing_packages | tr '\n' ' ')"
 
     local log=$kel_build/log/setup
     if ! dpkg --print-foreign-architectures | grep -qx i386; then
