@@ -69,7 +69,7 @@ run_script() {
         [[ -z $device ]] || claim_port "$(realpath -- "$device")"
         options+=(--port "$port")
     fi
-    say "running $script on ${tcp:-$port${device:+ ($device)}}"
+    say "running ${script#"$kel_root/"} on ${tcp:-$port${device:+ ($device)}}"
     run_program "$program" "$(windows_path "$script")" "${options[@]}"
 }
 
