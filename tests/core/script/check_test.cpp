@@ -47,6 +47,7 @@ TEST(Check, FindsEverythingInTheOrderOfTheText) {
          "2:10 warning Text after the expression is ignored\n"
          "3:15 warning Text after the expression is ignored\n"
          "5:8 warning Text after the expression is ignored\n"},
+        {"#DIALOG\nx=input(1)\ny=x\n#ENDDIALOG\n%x", "3:3 warning Variable not found: x\n"},
         {"#DIALOG t\nx=input(x)\ny=1\ninput(y)\n-\n+\n#ENDDIALOG\n%x%y\n#DIALOG\n",
          "1:9 warning Variable not found: t\n2:9 warning Variable not found: x\n"
          "5:1 error Invalid expression '-'\n6:1 error Invalid expression '+'\n"
