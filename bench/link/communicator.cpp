@@ -38,18 +38,23 @@ bool endsInEcho(std::wstring_view received, std::wstring_view command) {
     return false;
 }
 
-bool wakeUp(IKelStream* port) {
+// False when a call on the port failed because the connection is gone; other failures are thrown.
+bool worked(HRESULT code, IKelStream* port) {
+    if (SUCCEEDED(code)) return true;
     VARIANT_BOOL open = VARIANT_FALSE;
+    const bool gone = SUCCEEDED(port->get_IsOpen(&open)) && !com::isTrue(open);
+    if (!gone) com::check(code, port);
+    return false;
+}
+
+bool wakeUp(IKelStream* port) {
     for (int attempt = 0; attempt < kWakeUpAttempts; ++attempt) {
-        com::check(port->get_IsOpen(&open), port);
-        if (!com::isTrue(open)) return false;
-        com::check(port->ClearReadBuffer(), port);
-        com::check(port->SendBreak(kWakeUpBreak), port);
+        if (!worked(port->ClearReadBuffer(), port)) return false;
+        if (!worked(port->SendBreak(kWakeUpBreak), port)) return false;
         if (!waitFor(port, kPrompt, kWakeUpTimeout, {})) continue;
         // Where the line carries both forms of a break, the instrument answers twice.
         com::check(port->Sleep(kSettleTime), port);
-        com::check(port->ClearReadBuffer(), port);
-        return true;
+        return worked(port->ClearReadBuffer(), port);
     }
     return false;
 }
@@ -70,22 +75,25 @@ HRESULT Communicator::SendCommand(BSTR command, VARIANT_BOOL waitForOk, long tim
         com::out(result) = VARIANT_FALSE;
         if (timeout < 0) throw com::Error(E_INVALIDARG, L"A time-out is negative");
         const com::ComPtr<IKelStream> port = port_;
-        const std::wstring line(com::view(command));
-        const bool wait = com::isTrue(waitForOk);
-        if (port) *result = com::variantBool(sendCommand(port.Get(), line, wait, timeout));
+        if (!port || !send(port.Get(), com::view(command))) return;
+        const bool done = !com::isTrue(waitForOk) ||
+                          waitForAnswer(port.Get(), com::view(command), clock_.after(timeout));
+        *result = com::variantBool(done);
     });
 }
 
-bool Communicator::sendCommand(IKelStream* port, std::wstring_view command, bool waitForOk,
-                               long timeout) {
-    VARIANT_BOOL done = VARIANT_FALSE;
-    com::check(port->get_IsOpen(&done), port);
-    if (!com::isTrue(done)) return false;
-    com::check(port->ClearReadBuffer(), port);
-    com::check(port->WriteString(com::Bstr(command).get(), VARIANT_TRUE, 0, &done), port);
-    if (!com::isTrue(done) || !waitForOk) return com::isTrue(done);
+bool Communicator::send(IKelStream* port, std::wstring_view command) {
+    if (!worked(port->ClearReadBuffer(), port)) return false;
+    const com::Bstr line(command);
+    // In SDI-12 form a command brings its own end.
+    if (sdi12Mode_) CharUpperBuffW(line.get(), SysStringLen(line.get()));
+    VARIANT_BOOL sent = VARIANT_FALSE;
+    com::check(port->WriteString(line.get(), com::variantBool(!sdi12Mode_), 0, &sent), port);
+    return com::isTrue(sent);
+}
 
-    const auto deadline = clock_.after(timeout);
+bool Communicator::waitForAnswer(IKelStream* port, std::wstring_view command,
+                                 Clock::Moment deadline) {
     std::wstring received;
     do {
         const auto more = waitFor(port, kOk, clock_.until(deadline), kPrompt);

@@ -37,6 +37,7 @@ public:
     STDMETHODIMP put_FastConnection(VARIANT_BOOL fast) override;
     STDMETHODIMP get_RadioConnection(VARIANT_BOOL* radio) override;
     STDMETHODIMP put_RadioConnection(VARIANT_BOOL radio) override;
+    // Kept for hosts, without effect here.
     STDMETHODIMP get_RS485Address(long* address) override;
     STDMETHODIMP put_RS485Address(long address) override;
     STDMETHODIMP get_SDI12Mode(VARIANT_BOOL* enabled) override;
@@ -55,7 +56,8 @@ private:
         return guarded<IKelCommunicator>(std::forward<Body>(body));
     }
 
-    bool sendCommand(IKelStream* port, std::wstring_view command, bool waitForOk, long timeout);
+    bool send(IKelStream* port, std::wstring_view command);
+    bool waitForAnswer(IKelStream* port, std::wstring_view command, Clock::Moment deadline);
 
     Clock clock_;
     com::ComPtr<IKelStream> port_;

@@ -42,7 +42,6 @@ private:
 }  // namespace
 
 void Stream::close() {
-    receive();
     echo_.flush();
     transport_.close();
     forget();
@@ -103,7 +102,13 @@ Stream::Reading Stream::waitFor(std::string_view text, std::string_view stopText
 }
 
 bool Stream::write(std::string_view bytes, long timeout) {
-    const auto deadline = deadlineAfter(timeout == 0 ? kOwnWriteTimeout : timeout);
+    const bool written =
+        writeUntil(deadlineAfter(timeout == 0 ? kOwnWriteTimeout : timeout), bytes);
+    echo_.flush();
+    return written;
+}
+
+bool Stream::writeUntil(Clock::Moment deadline, std::string_view bytes) {
     while (transport_.isOpen()) {
         const std::size_t sent = transport_.send(bytes);
         bytes.remove_prefix(sent);
@@ -118,12 +123,10 @@ bool Stream::write(std::string_view bytes, long timeout) {
 }
 
 void Stream::sendBreak(long duration) {
-    const auto deadline = deadlineAfter(duration);
     if (!transport_.isOpen()) throw com::Error(E_FAIL, L"The port is not open");
     {
         const BreakState hold(transport_);
-        while (!hasPassed(deadline) && idle(deadline)) {
-        }
+        sleep(duration);
     }
     if (!write(kBreakSeenByReceiver, 0)) throw com::Error(E_FAIL, L"The break was not sent");
 }

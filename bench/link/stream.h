@@ -70,6 +70,7 @@ public:
 
 private:
     Clock::Moment deadlineAfter(long milliseconds) const;
+    bool writeUntil(Clock::Moment deadline, std::string_view bytes);
     void receive();
     void requireBytesOrPort() const;
     char takeByte();

@@ -1,0 +1,167 @@
+#include <functional>
+#include <thread>
+
+#include "tests/wine/link/connected_stream.h"
+
+namespace kel::bench::test {
+namespace {
+
+class EchoTest : public ConnectedStreamTest {
+protected:
+    void SetUp() override {
+        ConnectedStreamTest::SetUp();
+        ASSERT_EQ(stream->put_EchoWindow(window.number()), S_OK);
+    }
+
+    TestWindow window;
+};
+
+struct Taker {
+    const char* name;
+    std::function<void(IKelStream&)> take;
+};
+
+void PrintTo(const Taker& taker, std::ostream* stream) {
+    *stream << taker.name;
+}
+
+class EveryTaker : public EchoTest, public testing::WithParamInterface<Taker> {};
+
+TEST_P(EveryTaker, EchoesEachByteExactlyOnce) {
+    peer.send("one\r\ntwo");
+    while (window.shown().size() < 8)
+        GetParam().take(*stream.Get());
+    EXPECT_EQ(window.shown(), L"one\r\ntwo");
+
+    long left = 0;
+    EXPECT_EQ(stream->get_BytesInReadBuffer(&left), S_OK);
+    EXPECT_EQ(stream->ClearReadBuffer(), S_OK);
+    EXPECT_EQ(window.shown(), L"one\r\ntwo");
+}
+
+VARIANT_BOOL ignored;
+
+INSTANTIATE_TEST_SUITE_P(
+    Members, EveryTaker,
+    testing::Values(Taker{"BytesInReadBuffer",
+                          [](IKelStream& stream) {
+                              long count;
+                              stream.get_BytesInReadBuffer(&count);
+                          }},
+                    Taker{"ReadByte",
+                          [](IKelStream& stream) {
+                              unsigned char byte;
+                              stream.ReadByte(0, &byte, &ignored);
+                          }},
+                    Taker{"ReadBuffer",
+                          [](IKelStream& stream) {
+                              VARIANT data;
+                              stream.ReadBuffer(8, 0, &data, &ignored);
+                              VariantClear(&data);
+                          }},
+                    Taker{"ReadString",
+                          [](IKelStream& stream) {
+                              Bstr line;
+                              stream.ReadString(0, line.put(), &ignored);
+                          }},
+                    Taker{"WaitForString",
+                          [](IKelStream& stream) {
+                              Bstr response;
+                              stream.WaitForString(Bstr(L"two").get(), 0, nullptr, response.put(),
+                                                   &ignored);
+                          }},
+                    Taker{"Sleep", [](IKelStream& stream) { stream.Sleep(1); }},
+                    Taker{"ClearReadBuffer", [](IKelStream& stream) { stream.ClearReadBuffer(); }}),
+    testing::PrintToStringParamName());
+
+TEST_F(EchoTest, WithoutAWindowBytesAreOnlyRead) {
+    ASSERT_EQ(stream->put_EchoWindow(0), S_OK);
+    arrive("quiet");
+    ASSERT_EQ(stream->put_EchoWindow(window.number()), S_OK);
+    EXPECT_EQ(waitFor(L"quiet", 0), (Outcome{true, "quiet"}));
+    EXPECT_EQ(window.shown(), L"");
+}
+
+TEST_F(EchoTest, ShowsNoNulsButEverythingAfterThem) {
+    arrive({"a\0b", 3});
+    EXPECT_EQ(window.shown(), L"ab");
+}
+
+TEST_F(EchoTest, ShowsTextsOfTheHostAndTheConnection) {
+    EXPECT_EQ(stream->Echo(Bstr(L"\r\nERROR: ").get()), S_OK);
+    EXPECT_EQ(stream->EchoConnectionInfo(), S_OK);
+    EXPECT_EQ(stream->Close(), S_OK);
+    EXPECT_EQ(stream->EchoConnectionInfo(), S_OK);
+    EXPECT_EQ(window.shown(), L"\r\nERROR: \r\n127.0.0.1:" + std::wstring(peer.port().view()) +
+                                  L"\r\n\r\nNot connected\r\n");
+}
+
+TEST_F(EchoTest, AWindowThatIsGoneDoesNoHarm) {
+    DestroyWindow(window.handle());
+    arrive("unseen");
+    EXPECT_EQ(waitFor(L"unseen", 0), (Outcome{true, "unseen"}));
+}
+
+TEST_F(EchoTest, ReachesAWindowOfAnotherThread) {
+    HANDLE ready = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    std::wstring shown;
+    HWND handle = nullptr;
+    std::thread owner([&] {
+        TestWindow other;
+        handle = other.handle();
+        SetEvent(ready);
+        MSG message;
+        while (other.shown().size() < 5 && GetMessageW(&message, nullptr, 0, 0) > 0) {
+        }
+        shown = other.shown();
+    });
+    WaitForSingleObject(ready, INFINITE);
+    CloseHandle(ready);
+    ASSERT_EQ(stream->put_EchoWindow(HandleToLong(handle)), S_OK);
+    arrive("hello");
+    PostMessageW(handle, WM_NULL, 0, 0);
+    owner.join();
+    EXPECT_EQ(shown, L"hello");
+}
+
+TEST_F(EchoTest, AFullEditControlLosesItsOldestLines) {
+    const HWND edit = CreateWindowW(L"EDIT", L"", ES_MULTILINE | ES_AUTOVSCROLL, 0, 0, 100, 100,
+                                    HWND_MESSAGE, nullptr, nullptr, nullptr);
+    SendMessageW(edit, EM_LIMITTEXT, 400, 0);
+    ASSERT_EQ(stream->put_EchoWindow(HandleToLong(edit)), S_OK);
+    for (int i = 0; i < 100; ++i)
+        arrive("line " + std::to_string(i) + "\r\n"), stream->ClearReadBuffer();
+
+    wchar_t content[500];
+    const std::wstring shown(content, GetWindowTextW(edit, content, 500));
+    EXPECT_GE(shown.size(), 250u);
+    EXPECT_LE(shown.size(), 400u);
+    EXPECT_TRUE(shown.starts_with(L"line ")) << com::narrow(shown);
+    EXPECT_TRUE(shown.ends_with(L"line 98\r\nline 99\r\n")) << com::narrow(shown);
+    DestroyWindow(edit);
+}
+
+TEST_F(EchoTest, TheLogFileGetsWhatIsReceived) {
+    wchar_t folder[MAX_PATH], path[MAX_PATH];
+    GetTempPathW(MAX_PATH, folder);
+    GetTempFileNameW(folder, L"log", 0, path);
+    for (const char* session : {"first\r\n", "second"}) {
+        ASSERT_EQ(stream->put_LogFile(Bstr(std::wstring_view(path)).get()), S_OK);
+        arrive(session);
+        stream->Echo(Bstr(L"not received").get());
+        stream->ClearReadBuffer();
+        ASSERT_EQ(stream->put_LogFile(nullptr), S_OK);
+    }
+    arrive("unlogged");
+    char content[64] = {};
+    FILE* file = _wfopen(path, L"rb");
+    EXPECT_EQ(std::string(content, fread(content, 1, sizeof content, file)), "first\r\nsecond");
+    fclose(file);
+    DeleteFileW(path);
+
+    EXPECT_HRESULT_FAILED(stream->put_LogFile(Bstr(std::wstring_view(folder)).get()));
+    EXPECT_NE(publishedError().find(folder), std::wstring::npos);
+}
+
+}  // namespace
+}  // namespace kel::bench::test

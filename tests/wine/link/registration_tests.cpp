@@ -1,0 +1,80 @@
+#include <optional>
+
+#include "tests/wine/link/link_library.h"
+
+namespace kel::bench::test {
+namespace {
+
+constexpr wchar_t kSandbox[] = L"Software\\KelBenchLinkTests";
+constexpr wchar_t kSerial[] = L"CLSID\\{50AEA896-D75C-4B50-83E5-4FD1CD14EDEF}\\InprocServer32";
+constexpr wchar_t kNetwork[] = L"CLSID\\{8C1E8A0D-3F42-4E6B-9B57-6A0C2D917E34}\\InprocServer32";
+constexpr wchar_t kProgram[] = L"BenchLink.Communicator\\CLSID";
+constexpr wchar_t kCommunicator[] =
+    L"CLSID\\{4D0F6B1C-92E7-4A53-B81E-63C50A7DF298}\\InprocServer32";
+
+// Its own HKEY_CLASSES_ROOT, empty at first.
+class RegistrationTest : public LinkTest {
+protected:
+    void SetUp() override {
+        callLibrary("DllCanUnloadNow");
+        RegDeleteTreeW(HKEY_CURRENT_USER, kSandbox);
+        HKEY sandbox = nullptr;
+        ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, kSandbox, &sandbox), ERROR_SUCCESS);
+        ASSERT_EQ(RegOverridePredefKey(HKEY_CLASSES_ROOT, sandbox), ERROR_SUCCESS);
+        RegCloseKey(sandbox);
+    }
+    void TearDown() override {
+        RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr);
+        RegDeleteTreeW(HKEY_CURRENT_USER, kSandbox);
+        LinkTest::TearDown();
+    }
+
+    static std::optional<std::wstring> read(const wchar_t* key, const wchar_t* name = nullptr) {
+        wchar_t text[MAX_PATH];
+        DWORD size = sizeof text;
+        if (RegGetValueW(HKEY_CLASSES_ROOT, key, name, RRF_RT_REG_SZ, nullptr, text, &size)) {
+            return std::nullopt;
+        }
+        return text;
+    }
+
+    static void write(const wchar_t* key, const std::wstring& text) {
+        ASSERT_EQ(RegSetKeyValueW(HKEY_CLASSES_ROOT, key, nullptr, REG_SZ, text.c_str(),
+                                  static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
+                  ERROR_SUCCESS);
+    }
+};
+
+TEST_F(RegistrationTest, WritesItsClassesAndNoInterfaces) {
+    ASSERT_EQ(callLibrary("DllRegisterServer"), S_OK);
+    EXPECT_EQ(read(kSerial), libraryPath());
+    EXPECT_EQ(read(kSerial, L"ThreadingModel"), L"Apartment");
+    EXPECT_EQ(read(kProgram), L"{4D0F6B1C-92E7-4A53-B81E-63C50A7DF298}");
+    EXPECT_EQ(read(L"BenchLink.Communicator\\CurVer"), L"BenchLink.Communicator.1");
+    for (const wchar_t* foreign : {L"Interface", L"TypeLib"}) {
+        HKEY key = nullptr;
+        EXPECT_EQ(RegOpenKeyW(HKEY_CLASSES_ROOT, foreign, &key), ERROR_FILE_NOT_FOUND);
+    }
+    ASSERT_EQ(callLibrary("DllUnregisterServer"), S_OK);
+    EXPECT_EQ(read(kSerial), std::nullopt);
+    EXPECT_EQ(read(kProgram), std::nullopt);
+    EXPECT_EQ(callLibrary("DllUnregisterServer"), S_OK);
+}
+
+TEST_F(RegistrationTest, LeavesForeignClassesAlone) {
+    write(kSerial, L"\"C:\\Link\\RealLink.dll\"");
+    write(kNetwork, L"D:\\elsewhere\\benchlink.DLL");
+    ASSERT_EQ(callLibrary("DllRegisterServer"), S_OK);
+    EXPECT_EQ(read(kSerial), L"\"C:\\Link\\RealLink.dll\"");
+    EXPECT_EQ(read(L"BenchLink.SerialStream\\CLSID"), std::nullopt);
+    EXPECT_EQ(read(kNetwork), libraryPath()) << "an older copy is replaced";
+
+    write(kNetwork, L"D:\\elsewhere\\BenchLink.dll");
+    ASSERT_EQ(callLibrary("DllUnregisterServer"), S_OK);
+    EXPECT_EQ(read(kSerial), L"\"C:\\Link\\RealLink.dll\"");
+    EXPECT_EQ(read(kNetwork), L"D:\\elsewhere\\BenchLink.dll") << "serves from another file";
+    EXPECT_EQ(read(kCommunicator), std::nullopt);
+}
+
+}  // namespace
+}  // namespace kel::bench::test

@@ -1,0 +1,86 @@
+#include "tests/wine/link/tcp_peer.h"
+
+#include <gtest/gtest.h>
+
+namespace kel::bench::test {
+namespace {
+
+bool readable(SOCKET socket, long microseconds) {
+    fd_set sockets{1, {socket}};
+    timeval timeout{0, microseconds};
+    return select(0, &sockets, nullptr, nullptr, &timeout) == 1;
+}
+
+}  // namespace
+
+TcpPeer::TcpPeer() : listener_(socket(AF_INET, SOCK_STREAM, IPPROTO_TCP)) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    int size = sizeof address;
+    bind(listener_, reinterpret_cast<sockaddr*>(&address), size);
+    listen(listener_, 4);
+    getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size);
+    port_ = ntohs(address.sin_port);
+}
+
+TcpPeer::~TcpPeer() {
+    vanish();
+    closesocket(listener_);
+}
+
+void TcpPeer::accept() {
+    while (!hasClient()) {
+        if (readable(listener_, 999999)) client_ = ::accept(listener_, nullptr, nullptr);
+    }
+}
+
+void TcpPeer::send(std::string_view bytes) {
+    EXPECT_EQ(::send(client_, bytes.data(), static_cast<int>(bytes.size()), 0),
+              static_cast<int>(bytes.size()));
+}
+
+std::string TcpPeer::receive(std::size_t count) {
+    std::string bytes;
+    while (bytes.size() < count && hasClient())
+        bytes += receiveSome();
+    return bytes;
+}
+
+std::string TcpPeer::receiveSome() {
+    if (!readable(client_, 1000)) return {};
+    char buffer[256];
+    const int count = recv(client_, buffer, sizeof buffer, 0);
+    if (count <= 0) vanish();
+    return {buffer, static_cast<std::size_t>(count > 0 ? count : 0)};
+}
+
+void TcpPeer::vanish() {
+    if (hasClient()) closesocket(client_);
+    client_ = INVALID_SOCKET;
+}
+
+InstrumentServer::InstrumentServer(InstrumentOptions options, double timeScale)
+    : thread_([this, options = std::move(options), timeScale] { run(options, timeScale); }) {}
+
+InstrumentServer::~InstrumentServer() {
+    ends_ = true;
+    thread_.join();
+}
+
+void InstrumentServer::run(InstrumentOptions options, double timeScale) {
+    Instrument instrument(std::move(options));
+    const auto start = std::chrono::steady_clock::now();
+    const auto now = [&] {
+        return std::chrono::duration_cast<Duration>((std::chrono::steady_clock::now() - start) *
+                                                    timeScale);
+    };
+    peer_.accept();
+    while (!ends_ && peer_.hasClient()) {
+        instrument.feed(peer_.receiveSome(), now());
+        const std::string bytes = instrument.take(now());
+        if (!bytes.empty() && peer_.hasClient()) peer_.send(bytes);
+    }
+}
+
+}  // namespace kel::bench::test

@@ -1,0 +1,95 @@
+#include <chrono>
+
+#include "tests/wine/link/connected_stream.h"
+
+namespace kel::bench::test {
+namespace {
+
+class WaitingTest : public ConnectedStreamTest {
+protected:
+    TestWindow window;
+};
+
+TEST_F(WaitingTest, AWaitRunsTheMessageLoopAndSeesWhatComesInPieces) {
+    window.post([&] {
+        peer.send("O");
+        window.post([&] { peer.send("K"); });
+    });
+    EXPECT_EQ(waitFor(L"OK", 3600000), (Outcome{true, "OK"}));
+}
+
+TEST_F(WaitingTest, WithoutIdleProcessingNoMessageRuns) {
+    ASSERT_EQ(stream->put_IdleProcessing(VARIANT_FALSE), S_OK);
+    bool ran = false;
+    window.post([&] { ran = true; });
+    EXPECT_EQ(stream->Sleep(20), S_OK);
+    EXPECT_FALSE(ran);
+    ASSERT_EQ(stream->put_IdleProcessing(1), S_OK);
+    EXPECT_EQ(stream->Sleep(0), S_OK);
+    EXPECT_TRUE(ran);
+}
+
+TEST_F(WaitingTest, TheEndOfTheProgramEndsTheWait) {
+    PostQuitMessage(7);
+    EXPECT_EQ(waitFor(L"never", 3600000), (Outcome{false, ""}));
+    EXPECT_EQ(stream->Sleep(3600000), S_OK);
+    MSG message{};
+    EXPECT_FALSE(GetMessageW(&message, nullptr, 0, 0));
+    EXPECT_EQ(message.wParam, 7u);
+}
+
+TEST_F(WaitingTest, AHandlerMayReleaseTheStream) {
+    IKelStream* last = stream.Detach();
+    window.post([&] { last->Release(); });
+    EXPECT_EQ(last->Sleep(20), S_OK);
+    EXPECT_EQ(callLibrary("DllCanUnloadNow"), S_OK);
+}
+
+TEST_F(WaitingTest, AHandlerMayCloseThePort) {
+    window.post([&] { stream->Close(); });
+    EXPECT_EQ(waitFor(L"never", 3600000), (Outcome{false, ""}));
+}
+
+TEST_F(WaitingTest, AHandlerMayWaitToo) {
+    arrive("outer ");
+    Outcome inner{};
+    window.post([&] {
+        peer.send("inner;");
+        inner = waitFor(L";", 3600000);
+        peer.send("end");
+    });
+    EXPECT_EQ(waitFor(L"end", 3600000), (Outcome{true, "outer end"}));
+    EXPECT_EQ(inner, (Outcome{true, "inner;"}));
+}
+
+TEST_F(WaitingTest, TimeCanRunFaster) {
+    const auto start = std::chrono::steady_clock::now();
+    const TimeScale scale(L"1000000");
+    connect();
+    EXPECT_EQ(waitFor(L"never", 60000), (Outcome{false, ""}));
+    EXPECT_EQ(stream->Sleep(60000), S_OK);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
+}
+
+TEST_F(WaitingTest, TimeRunsAsItDoesForAnyOtherScale) {
+    for (const wchar_t* factor : {L"0", L"-1", L"fast", L"1x", L"inf"}) {
+        const TimeScale scale(factor);
+        const auto quiet = create<INetworkStream>(link::kNetworkStreamClass);
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(quiet->Sleep(20), S_OK);
+        EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(20));
+    }
+}
+
+TEST_F(WaitingTest, AWriteThatNobodyTakesTimesOut) {
+    const TimeScale scale(L"100");
+    connect();
+    VARIANT_BOOL written = VARIANT_TRUE;
+    const Bstr much(std::wstring(64 * 1024 * 1024, L'x'));
+    EXPECT_EQ(stream->WriteString(much.get(), VARIANT_FALSE, 10000, &written), S_OK);
+    EXPECT_EQ(written, VARIANT_FALSE);
+    EXPECT_TRUE(isOpen());
+}
+
+}  // namespace
+}  // namespace kel::bench::test
