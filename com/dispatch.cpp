@@ -53,6 +53,17 @@ bool isNothing(const VARIANT& value) {
            (value.vt == VT_ERROR && value.scode == DISP_E_PARAMNOTFOUND);
 }
 
+// More arguments than a function has parameters; platforms differ in whether they tell.
+bool hasTooMany(const FUNCDESC& function, const DISPPARAMS& given) {
+    if (function.cParamsOpt < 0) return false;
+    UINT parameters = 0;
+    for (SHORT i = 0; i < function.cParams; ++i) {
+        const USHORT flags = function.lprgelemdescParam[i].paramdesc.wParamFlags;
+        if (!(flags & PARAMFLAG_FRETVAL)) ++parameters;
+    }
+    return given.cArgs > parameters;
+}
+
 // The arguments of one call in the form that the type information accepts.
 class Arguments {
 public:
@@ -176,6 +187,7 @@ HRESULT invoke(ITypeInfo* type, void* object, DISPID member, WORD flags,
     if (!findTarget(type, member, flags, target)) return DISP_E_MEMBERNOTFOUND;
 
     const FunctionDescription function(type, target.function);
+    if (hasTooMany(*function.operator->(), arguments)) return DISP_E_BADPARAMCOUNT;
     Arguments adapted(type, *function.operator->(), arguments);
     DISPPARAMS parameters = adapted.parameters();
     const HRESULT code =

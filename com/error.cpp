@@ -1,5 +1,6 @@
 #include "com/error.h"
 
+#include <cwchar>
 #include <new>
 #include <stdexcept>
 
@@ -8,35 +9,53 @@
 namespace kel::com {
 namespace {
 
-// The text that a component published with its failure; empty when it publishes none. A component
-// that does not vouch for the interface may have left an older text standing.
-std::wstring publishedDescription(IUnknown* object, const IID& interfaceId) {
-    ComPtr<ISupportErrorInfo> support;
-    if (!object || FAILED(object->QueryInterface(IID_PPV_ARGS(&support)))) return {};
-    if (support->InterfaceSupportsErrorInfo(interfaceId) != S_OK) return {};
+struct Published {
+    std::wstring description;
+    IID interfaceId = GUID_NULL;
+};
 
+// Takes what the last failing call published; empty when it published nothing.
+Published takePublished() {
+    Published published;
     ComPtr<IErrorInfo> info;
-    if (GetErrorInfo(0, &info) != S_OK) return {};
+    if (GetErrorInfo(0, &info) != S_OK) return published;
     Bstr description;
-    if (FAILED(info->GetDescription(description.put()))) return {};
-    return std::wstring(description.view());
+    if (SUCCEEDED(info->GetDescription(description.put()))) {
+        published.description = description.view();
+    }
+    if (FAILED(info->GetGUID(&published.interfaceId))) published.interfaceId = GUID_NULL;
+    return published;
 }
 
-// The platform's own text of a code, without the line end it adds. False when it has none.
+// A component that does not vouch for an interface may have left an older text standing.
+bool vouchesFor(IUnknown* object, const IID& interfaceId) {
+    ComPtr<ISupportErrorInfo> support;
+    if (!object || FAILED(object->QueryInterface(IID_PPV_ARGS(&support)))) return false;
+    return support->InterfaceSupportsErrorInfo(interfaceId) == S_OK;
+}
+
+// The platform's own text of a code, without the line end it adds; the bare code when it has none.
 template <DWORD size>
-bool describe(HRESULT code, wchar_t (&text)[size]) {
+void describe(HRESULT code, wchar_t (&text)[size]) {
     DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
                                   nullptr, static_cast<DWORD>(code), 0, text, size, nullptr);
     while (length > 0 && (text[length - 1] == L'\r' || text[length - 1] == L'\n')) {
         text[--length] = L'\0';
     }
-    return length > 0;
+    if (length == 0) std::swprintf(text, size, L"The call failed with code 0x%08lX", code);
 }
 
 }  // namespace
 
 void throwFailure(HRESULT code, IUnknown* object, const IID& interfaceId) {
-    throw Error(code, publishedDescription(object, interfaceId), interfaceId);
+    const bool isPublished = vouchesFor(object, interfaceId);
+    throw Error(code, isPublished ? takePublished().description : std::wstring(), interfaceId);
+}
+
+void checkOwn(HRESULT code) {
+    if (SUCCEEDED(code)) return;
+    Published published = takePublished();
+    throw Error(code, std::move(published.description), published.interfaceId);
 }
 
 Error lastError() {
@@ -73,7 +92,8 @@ HRESULT publish(HRESULT code, const std::wstring& description, const IID& interf
     if (source) creator->SetSource(const_cast<wchar_t*>(source));
     if (description.empty()) {
         wchar_t platformText[512];
-        if (describe(code, platformText)) creator->SetDescription(platformText);
+        describe(code, platformText);
+        creator->SetDescription(platformText);
     } else {
         creator->SetDescription(const_cast<wchar_t*>(description.c_str()));
     }

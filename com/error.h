@@ -47,6 +47,10 @@ void check(HRESULT code, Interface* object) {
     if (FAILED(code)) throwFailure(code, object, __uuidof(Interface));
 }
 
+// Throws when a call of a component on itself failed, with all that it published: the interface
+// that it names is the one on which the failure struck.
+void checkOwn(HRESULT code);
+
 // Throws when a call on the platform failed.
 inline void check(HRESULT code) {
     if (FAILED(code)) throw Error(code);

@@ -16,7 +16,7 @@ void callHandler(RunState& state, const WordHandler& handler, Call call) {
         const NestingScope nesting(state);
         com::check(call(extension.Get()), extension);
     } else {
-        com::check(call(extension.Get()), extension);
+        com::checkOwn(call(extension.Get()));
     }
 }
 
@@ -45,7 +45,7 @@ void LinkHost::endErrorReport() {
 
 bool LinkHost::send(std::string_view line) {
     VARIANT_BOOL sent = VARIANT_FALSE;
-    com::check(sink_.Send(com::Bstr(line).get(), &sent), &sink_);
+    com::checkOwn(sink_.Send(com::Bstr(line).get(), &sent));
     return com::isTrue(sent);
 }
 
