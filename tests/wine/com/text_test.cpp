@@ -1,0 +1,41 @@
+#include "com/text.h"
+
+#include <gtest/gtest.h>
+
+namespace kel::com {
+namespace {
+
+using namespace std::string_view_literals;
+
+constexpr UINT kShiftJis = 932;
+constexpr UINT kWestern = 1252;
+
+TEST(Text, IsConvertedBothWays) {
+    const struct {
+        UINT codePage;
+        std::string_view bytes;
+        std::wstring_view characters;
+    } rows[] = {
+        {kWestern, "", L""},
+        {kWestern, "plain"sv, L"plain"sv},
+        {kWestern, "a\0b\0"sv, L"a\0b\0"sv},
+        {kWestern, "\xE4\x80"sv, L"\u00E4\u20AC"sv},
+        // The second byte of the double-byte character is a backslash, or a letter.
+        {kShiftJis, "\x83\x5C|\x83\x41\xB1"sv, L"\u30BD|\u30A2\uFF71"sv},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(widen(row.bytes, row.codePage), row.characters) << row.bytes;
+        EXPECT_EQ(narrow(row.characters, row.codePage), row.bytes) << row.bytes;
+    }
+}
+
+TEST(Text, WhatACodePageCannotHoldBecomesItsDefaultCharacter) {
+    EXPECT_EQ(narrow(L"a\u4E00b", kWestern), "a?b");
+    EXPECT_EQ(narrow(L"a\xD800", kWestern), "a?");
+    EXPECT_EQ(narrow(L"\xDC00z", kWestern), "?z");
+    // A lead byte at the end has no character.
+    EXPECT_EQ(widen("a\x83", kShiftJis).substr(0, 1), L"a");
+}
+
+}  // namespace
+}  // namespace kel::com

@@ -1,0 +1,146 @@
+// Everything that can fail, fails; the object stays usable and nothing is leaked.
+
+#include <cstdlib>
+
+#include "tests/wine/script/preprocessor_fixture.h"
+#include "tests/wine/support/import_patch.h"
+
+namespace kel::test {
+namespace {
+
+using FailureTest = PreprocessorTest;
+
+// Uses every kind of call on the link, the error report last.
+constexpr std::wstring_view kScript =
+    L"@n=SERIALNUMBER()\nset %n ##BEEP()\n#WAIT\n#WAIT_PROMPT\n#SENDBREAK\n#WAKEUP\n"
+    L"#SETBAUDRATE 2400\n#SETCOMM\n#BEEP \"a\"\n#RUNSCRIPT kernel32.dll\n#NOBODY";
+
+TEST_F(FailureTest, AnyFailingLinkCallEndsTheRunWithItsCode) {
+    const auto directive = install(L"BEEP");
+    const auto function = install(L"BEEP", true);
+    directive->onCall = [](long, IFlatCollection*) { return Answer{}; };
+    function->onCall = directive->onCall;
+    com::check(preprocessor_->put_ScriptPath(com::Bstr(L"C:\\windows\\system32").get()));
+    link_.reply = L"n: 5.";
+    EXPECT_FALSE(runWide(kScript));
+    const std::size_t calls = link_.callCount;
+    ASSERT_GT(calls, 50u);
+    for (std::size_t i = 1; i <= calls; ++i) {
+        SCOPED_TRACE(i);
+        link_.callCount = 0;
+        link_.failingCall = i;
+        VARIANT_BOOL result = VARIANT_TRUE;
+        EXPECT_EQ(preprocessor_->PreprocessAndRun(com::Bstr(kScript).get(), &result), kLinkFailure);
+        EXPECT_EQ(result, VARIANT_FALSE);
+        EXPECT_EQ(link_.callCount, i);
+        const auto error = takeError();
+        ASSERT_TRUE(error);
+        EXPECT_EQ(error->interfaceId, link_.failedInterface);
+        EXPECT_EQ(error->description, kLinkFailureText);
+        EXPECT_EQ(error->source, L"KelUtils.Preprocessor.1");
+        EXPECT_FALSE(isReading());
+    }
+    link_.failingCall = 0;
+    EXPECT_TRUE(run("@a=1"));
+}
+
+int allocationsLeft = 0;
+
+BSTR WINAPI allocateFew(const OLECHAR* text, UINT size) {
+    return allocationsLeft-- == 0 ? nullptr : SysAllocStringLen(text, size);
+}
+
+TEST_F(FailureTest, AnyFailingTextAllocationEndsTheRun) {
+    const ImportPatch patch(kelUtils(), "SysAllocStringLen", reinterpret_cast<void*>(allocateFew));
+    constexpr std::wstring_view script = L"@d=DATE()\nline %d\n#WAIT 1\n#WAKEUP";
+    bool sawOutOfMemory = false;
+    bool sawReport = false;
+    int failures = 0;
+    for (allocationsLeft = 0;; allocationsLeft = failures) {
+        VARIANT_BOOL result = VARIANT_TRUE;
+        const HRESULT code = preprocessor_->PreprocessAndRun(com::Bstr(script).get(), &result);
+        if (allocationsLeft >= 0) break;
+        ++failures;
+        EXPECT_TRUE(code == E_OUTOFMEMORY || code == S_OK) << std::hex << code;
+        EXPECT_EQ(result, VARIANT_FALSE) << failures;
+        sawOutOfMemory |= code == E_OUTOFMEMORY;
+        sawReport |=
+            link_.takeWork().find("Unable to create collection object") != std::string::npos;
+    }
+    EXPECT_GT(failures, 4);
+    EXPECT_TRUE(sawOutOfMemory);
+    EXPECT_TRUE(sawReport);
+}
+
+TEST_F(FailureTest, NullResultsAreRefusedBeforeAnythingHappens) {
+    IPreprocessorControl* object = preprocessor_.Get();
+    com::ComPtr<IPreprocessor2> sink;
+    com::ComPtr<IPreprocessorExtension> words;
+    com::check(preprocessor_.As(&sink));
+    com::check(preprocessor_.As(&words));
+    const com::Bstr text(L"line");
+    VARIANT_BOOL result = VARIANT_FALSE;
+    com::Bstr value;
+    IKelCommunicator* link = link_.communicator();
+    const HRESULT codes[] = {
+        object->get_ParentWindow(nullptr),
+        object->PreprocessAndRun(text.get(), nullptr),
+        object->get_Communicator(nullptr),
+        object->get_SystemPath(nullptr),
+        object->get_ScriptPath(nullptr),
+        object->get_Cancelled(nullptr),
+        object->get_Running(nullptr),
+        sink->get_ReadingFromStream(nullptr),
+        words->DirectiveHandler(link, 4, nullptr, nullptr, &result),
+        words->DirectiveHandler(link, 4, nullptr, &result, nullptr),
+        words->FunctionHandler(link, 2, nullptr, nullptr, &result, &result),
+        words->FunctionHandler(link, 2, nullptr, value.put(), nullptr, &result),
+        words->FunctionHandler(link, 2, nullptr, value.put(), &result, nullptr),
+        sink->Send(text.get(), nullptr)};
+    for (const HRESULT code : codes)
+        EXPECT_EQ(code, E_POINTER);
+    const auto error = takeError();
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->interfaceId, IID_IPreprocessor2);
+    EXPECT_EQ(error->source, L"KelUtils.Preprocessor.1");
+    EXPECT_NE(error->description, L"");
+    EXPECT_EQ(link_.callCount, 0u);
+}
+
+TEST_F(FailureTest, TextsOfAnyContentGoThrough) {
+    EXPECT_TRUE(runWide({L"a\0b", 3}));
+    EXPECT_NE(link_.takeWork().find(std::string("\"a\0b\"", 5)), std::string::npos);
+    EXPECT_TRUE(runWide(L"x\xD800y\xDC00"));
+    EXPECT_NE(link_.takeWork().find("\"x?y?\""), std::string::npos);
+    EXPECT_TRUE(runWide({L"#\0 \xDFFF(", 5}));
+    EXPECT_EQ(link_.takeWork(), report("Syntax error ')'"));
+    VARIANT_BOOL result = VARIANT_FALSE;
+    EXPECT_EQ(preprocessor_->PreprocessAndRun(nullptr, &result), S_OK);
+    EXPECT_EQ(result, VARIANT_TRUE);
+}
+
+// By KEL_LARGE_SCRIPT in megabytes as large as the machine holds.
+TEST_F(FailureTest, LargeScriptsAndLongLinesGoThrough) {
+    const char* wanted = std::getenv("KEL_LARGE_SCRIPT");
+    const std::size_t size = (wanted ? std::atoi(wanted) : 2) * std::size_t{1000000};
+    std::wstring script(size / 10, L'x');
+    std::size_t lines = 0;
+    for (; script.size() < size; ++lines) {
+        script += L"\n// a remark that is not sent\n@a=1\nset depth %a\n#IF a == 2\nno\n#ENDIF";
+    }
+    std::size_t sent = 0;
+    std::size_t longest = 0;
+    link_.onCall = [&](const std::string& call) {
+        if (call.starts_with("WriteString")) {
+            ++sent;
+            longest = std::max(longest, call.size());
+        }
+        link_.calls.clear();
+    };
+    EXPECT_TRUE(runWide(script));
+    EXPECT_EQ(sent, lines + 1);
+    EXPECT_GT(longest, size / 10);
+}
+
+}  // namespace
+}  // namespace kel::test

@@ -1,0 +1,35 @@
+#include "tests/wine/server/expected.h"
+
+#include <objbase.h>
+
+#include <sstream>
+
+#include "com/error.h"
+#include "com/text.h"
+#include "tests/wine/support/kel_utils.h"
+
+namespace kel::test {
+
+const std::vector<ExpectedClass>& expectedClasses() {
+    static const std::vector<ExpectedClass> classes = [] {
+        std::vector<ExpectedClass> read;
+        for (const std::string& line : resourceLines(L"class_table")) {
+            ExpectedClass& row = read.emplace_back();
+            std::istringstream text(line);
+            std::string identifier;
+            text >> row.name >> identifier >> row.registryScript >> std::ws;
+            std::getline(text, row.interfaces);
+            com::check(CLSIDFromString(com::widen(identifier).c_str(), &row.identifier));
+        }
+        return read;
+    }();
+    return classes;
+}
+
+std::string toText(const GUID& identifier) {
+    wchar_t text[39];
+    StringFromGUID2(identifier, text, 39);
+    return com::narrow(std::wstring_view(text));
+}
+
+}  // namespace kel::test

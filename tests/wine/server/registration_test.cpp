@@ -1,0 +1,236 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <set>
+
+#include "com/text.h"
+#include "interfaces/KelUtils.h"
+#include "tests/wine/server/expected.h"
+#include "tests/wine/support/import_patch.h"
+#include "tests/wine/support/kel_utils.h"
+
+namespace kel::test {
+namespace {
+
+// A line for each key and each named value, sorted.
+using Listing = std::set<std::string>;
+
+std::string joined(const Listing& lines) {
+    std::string text;
+    for (const std::string& line : lines)
+        text += line + "\n";
+    return text;
+}
+
+// What stands below a key. The line of a key shows its default value.
+void addKeys(HKEY key, const std::string& path, Listing& listing) {
+    char name[300];
+    char data[1000];
+    std::string line = path;
+    for (DWORD i = 0;; ++i) {
+        DWORD nameSize = sizeof name;
+        DWORD dataSize = sizeof data;
+        DWORD type = 0;
+        if (RegEnumValueA(key, i, name, &nameSize, nullptr, &type, reinterpret_cast<BYTE*>(data),
+                          &dataSize) != ERROR_SUCCESS) {
+            break;
+        }
+        EXPECT_EQ(type, static_cast<DWORD>(REG_SZ)) << path;
+        const std::string value = std::string(" = \"") + data + "\"";
+        if (nameSize == 0) {
+            line += value;
+        } else {
+            listing.insert(path + " : " + name + value);
+        }
+    }
+    listing.insert(line);
+    for (DWORD i = 0; RegEnumKeyA(key, i, name, sizeof name) == ERROR_SUCCESS; ++i) {
+        HKEY child = nullptr;
+        ASSERT_EQ(RegOpenKeyA(key, name, &child), ERROR_SUCCESS);
+        addKeys(child, path.empty() ? name : path + "\\" + name, listing);
+        RegCloseKey(child);
+    }
+}
+
+// Puts a key of its own in the place of the classes of the machine.
+class Registration : public testing::Test {
+protected:
+    Registration() {
+        EXPECT_EQ(
+            RegCreateKeyExW(HKEY_CURRENT_USER, path_.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                            KEY_ALL_ACCESS, nullptr, &root_, nullptr),
+            ERROR_SUCCESS);
+        for (const wchar_t* name : {L"CLSID", L"Interface", L"TypeLib"}) {
+            HKEY key = nullptr;
+            EXPECT_EQ(RegCreateKeyW(root_, name, &key), ERROR_SUCCESS);
+            RegCloseKey(key);
+        }
+        EXPECT_EQ(RegOverridePredefKey(HKEY_CLASSES_ROOT, root_), ERROR_SUCCESS);
+    }
+    ~Registration() override {
+        RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr);
+        RegCloseKey(root_);
+        RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
+    }
+
+    // Everything there is, or only the interfaces.
+    std::string registered(bool interfacesOnly = false) {
+        Listing all;
+        addKeys(root_, "", all);
+        std::erase_if(all, [&](const std::string& line) {
+            return line.starts_with("Interface\\") != interfacesOnly;
+        });
+        return joined(all);
+    }
+
+    static std::string expected(const std::filesystem::path& module) {
+        Listing listing = {"", "Interface"};
+        for (std::string line : resourceLines(L"registration")) {
+            if (const auto at = line.find("%MODULE%"); at != std::string::npos) {
+                line.replace(at, 8, module.string());
+            } else if (const auto folder = line.find("%FOLDER%"); folder != std::string::npos) {
+                line.replace(folder, 8, module.parent_path().string());
+            }
+            listing.insert(line);
+        }
+        return joined(listing);
+    }
+
+    // What unregistering leaves: the roots that are everybody's.
+    const std::string nothing_ = "\nCLSID\nInterface\nTypeLib\n";
+
+    const std::wstring path_ =
+        L"Software\\KelUtilsTests\\" + std::to_wstring(GetCurrentProcessId());
+    HKEY root_ = nullptr;
+};
+
+HRESULT registerServer(HMODULE library = kelUtils()) {
+    return exportOf<HRESULT WINAPI()>(library, "DllRegisterServer")();
+}
+
+HRESULT unregisterServer(HMODULE library = kelUtils()) {
+    return exportOf<HRESULT WINAPI()>(library, "DllUnregisterServer")();
+}
+
+// A copy of the library in a folder of its own.
+class LibraryCopy {
+public:
+    explicit LibraryCopy(const std::wstring& folderName)
+        : folder_(std::filesystem::temp_directory_path() /
+                  (folderName + std::to_wstring(GetCurrentProcessId()))) {
+        std::filesystem::create_directories(folder_);
+        std::filesystem::copy_file(kelUtilsPath(), path());
+    }
+    ~LibraryCopy() {
+        if (library_) FreeLibrary(library_);
+        std::error_code ignored;
+        std::filesystem::remove_all(folder_, ignored);
+    }
+    std::wstring path() const { return (folder_ / L"KelUtils.dll").wstring(); }
+    HMODULE load() {
+        if (!library_) library_ = LoadLibraryW(path().c_str());
+        return library_;
+    }
+
+private:
+    std::filesystem::path folder_;
+    HMODULE library_ = nullptr;
+};
+
+TEST_F(Registration, WritesEveryKeyAndTakesItBack) {
+    HKEY stale = nullptr;
+    const std::string leftOver = "CLSID\\" + toText(CLSID_Preprocessor) + "\\OlderVersion";
+    ASSERT_EQ(RegCreateKeyA(root_, leftOver.c_str(), &stale), ERROR_SUCCESS);
+    RegCloseKey(stale);
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_EQ(registerServer(), S_OK);
+        EXPECT_EQ(registered(), expected(kelUtilsPath()));
+    }
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(unregisterServer(), S_OK);
+        EXPECT_EQ(registered(), nothing_);
+    }
+}
+
+TEST_F(Registration, NamesTheInterfacesOfTheTable) {
+    ASSERT_EQ(registerServer(), S_OK);
+    const std::string interfaces = registered(true);
+    int count = 0;
+    for (const std::string& line : resourceLines(L"interface_table")) {
+        if (line.starts_with(" ") || line.starts_with("library")) continue;
+        const auto start = line.find(' ') + 1;
+        const std::string name = line.substr(start, line.find(' ', start) - start);
+        const std::string key = "Interface\\" + line.substr(line.find('{'));
+        EXPECT_NE(interfaces.find(key + " = \"" + name + "\"\n"), std::string::npos) << name;
+        EXPECT_NE(interfaces.find(key + "\\TypeLib = \"" + toText(LIBID_KELUTILSLib)),
+                  std::string::npos)
+            << name;
+        ++count;
+    }
+    // Nobody else's interface is claimed.
+    int keys = 0;
+    for (auto at = interfaces.find("\\TypeLib = "); at != std::string::npos; ++keys) {
+        at = interfaces.find("\\TypeLib = ", at + 1);
+    }
+    EXPECT_EQ(keys, count);
+}
+
+TEST_F(Registration, FoldersMayHaveBlanksAndApostrophes) {
+    LibraryCopy copy(L"it's a folder ");
+    ASSERT_NE(copy.load(), nullptr);
+    ASSERT_EQ(registerServer(copy.load()), S_OK);
+    EXPECT_EQ(registered(), expected(copy.path()));
+    EXPECT_EQ(unregisterServer(copy.load()), S_OK);
+    EXPECT_EQ(registered(), nothing_);
+}
+
+TEST_F(Registration, WithoutTypeLibraryFailsAndCanStillBeTakenBack) {
+    LibraryCopy copy(L"no type library ");
+    {
+        std::fstream file(std::filesystem::path(copy.path()),
+                          std::ios::in | std::ios::out | std::ios::binary);
+        const std::string bytes(std::istreambuf_iterator<char>(file), {});
+        file.seekp(static_cast<std::streamoff>(bytes.find("MSFT\x02")));
+        file << "gone";
+    }
+    com::ComPtr<ITypeLib> library;
+    const HRESULT missing = LoadTypeLibEx(copy.path().c_str(), REGKIND_NONE, &library);
+    ASSERT_TRUE(FAILED(missing));
+
+    ASSERT_NE(copy.load(), nullptr);
+    EXPECT_EQ(registerServer(copy.load()), missing);
+    EXPECT_EQ(unregisterServer(copy.load()), S_OK);
+    EXPECT_EQ(registered(), nothing_);
+}
+
+LSTATUS WINAPI refuseRecorder(HKEY key, const wchar_t* name, HKEY* result) {
+    if (std::wstring_view(name) == L"KelUtils.RecorderDialog.1") return ERROR_ACCESS_DENIED;
+    return RegCreateKeyW(key, name, result);
+}
+
+TEST_F(Registration, StopsAtTheFirstRefusedKey) {
+    {
+        const ImportPatch patch(GetModuleHandleW(L"atl.dll"), "RegCreateKeyW",
+                                reinterpret_cast<void*>(refuseRecorder));
+        EXPECT_EQ(registerServer(), E_ACCESSDENIED);
+    }
+    const std::string listing = registered();
+    EXPECT_NE(listing.find("KelUtils.Preprocessor.1"), std::string::npos);
+    EXPECT_EQ(listing.find("KelUtils.CompassCalibDialog.1"), std::string::npos);
+    EXPECT_EQ(unregisterServer(), S_OK);
+    EXPECT_EQ(registered(), nothing_);
+}
+
+HRESULT WINAPI refuseTypeLibrary(ITypeLib*, LPOLESTR, LPOLESTR) {
+    return TYPE_E_REGISTRYACCESS;
+}
+
+TEST_F(Registration, GivesTheFailureOfTheTypeLibrary) {
+    const ImportPatch patch(kelUtils(), "RegisterTypeLib",
+                            reinterpret_cast<void*>(refuseTypeLibrary));
+    EXPECT_EQ(registerServer(), TYPE_E_REGISTRYACCESS);
+}
+
+}  // namespace
+}  // namespace kel::test

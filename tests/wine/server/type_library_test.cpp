@@ -1,0 +1,166 @@
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "com/text.h"
+#include "interfaces/KelUtils.h"
+#include "tests/wine/server/expected.h"
+#include "tests/wine/support/kel_utils.h"
+
+namespace kel::test {
+namespace {
+
+using com::ComPtr;
+
+std::string joined(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines)
+        text += line + "\n";
+    return text;
+}
+
+// Name and help string of a member of a type, or of the type itself.
+struct Documentation {
+    std::string name;
+    std::string help;
+};
+
+template <class Info>
+Documentation documentationOf(Info* info, MEMBERID member) {
+    com::Bstr name;
+    com::Bstr help;
+    com::check(info->GetDocumentation(member, name.put(), help.put(), nullptr, nullptr));
+    EXPECT_GT(help.view().size(), 0u) << com::narrow(name.get()) << " has no help string";
+    return {com::narrow(name.get()), com::narrow(help.get())};
+}
+
+TYPEATTR attributesOf(ITypeInfo* type) {
+    TYPEATTR* attributes = nullptr;
+    com::check(type->GetTypeAttr(&attributes));
+    const TYPEATTR copy = *attributes;
+    type->ReleaseTypeAttr(attributes);
+    return copy;
+}
+
+ComPtr<ITypeInfo> implemented(ITypeInfo* type, UINT index) {
+    HREFTYPE reference = 0;
+    ComPtr<ITypeInfo> implemented;
+    com::check(type->GetRefTypeOfImplType(index, &reference));
+    com::check(type->GetRefTypeInfo(reference, &implemented));
+    return implemented;
+}
+
+std::string nameOf(ITypeInfo* type) {
+    com::Bstr name;
+    com::check(type->GetDocumentation(MEMBERID_NIL, name.put(), nullptr, nullptr, nullptr));
+    return com::narrow(name.get());
+}
+
+void addMembers(ITypeInfo* type, bool withSlots, std::vector<std::string>& lines) {
+    const std::map<INVOKEKIND, std::string> kinds = {{INVOKE_FUNC, "call "},
+                                                     {INVOKE_PROPERTYGET, "get "},
+                                                     {INVOKE_PROPERTYPUT, "put "},
+                                                     {INVOKE_PROPERTYPUTREF, "putref "}};
+    for (UINT i = 0; i < attributesOf(type).cFuncs; ++i) {
+        FUNCDESC* function = nullptr;
+        com::check(type->GetFuncDesc(i, &function));
+        const std::string slot = std::to_string(function->oVft / sizeof(void*)) + " ";
+        lines.push_back("  " + (withSlots ? slot : "") + kinds.at(function->invkind) +
+                        documentationOf(type, function->memid).name + " " +
+                        std::to_string(function->memid));
+        type->ReleaseFuncDesc(function);
+    }
+}
+
+// The entry of an interface in the form of interface_table.txt; none for a class.
+std::vector<std::string> entryOf(ITypeInfo* type) {
+    const TYPEATTR attributes = attributesOf(type);
+    const std::string name = nameOf(type);
+    // The generator copies the one interface of the page classes into the library.
+    if (name == "IUnknown") return {};
+    std::vector<std::string> lines;
+    if (attributes.typekind == TKIND_INTERFACE || (attributes.wTypeFlags & TYPEFLAG_FDUAL)) {
+        ComPtr<ITypeInfo> vtable = type;
+        if (attributes.typekind == TKIND_DISPATCH) vtable = implemented(type, -1);
+        lines.push_back((attributes.wTypeFlags & TYPEFLAG_FDUAL ? "dual " : "plain ") + name +
+                        " : " + nameOf(implemented(vtable.Get(), 0).Get()) + " " +
+                        toText(attributes.guid));
+        addMembers(vtable.Get(), true, lines);
+    } else if (attributes.typekind == TKIND_DISPATCH) {
+        lines.push_back("events " + name + " " + toText(attributes.guid));
+        addMembers(type, false, lines);
+    }
+    if (!lines.empty()) documentationOf(type, MEMBERID_NIL);
+    return lines;
+}
+
+std::string interfacesOf(ITypeInfo* coclass) {
+    std::string text;
+    for (UINT i = 0; i < attributesOf(coclass).cImplTypes; ++i) {
+        INT flags = 0;
+        com::check(coclass->GetImplTypeFlags(i, &flags));
+        if (i > 0) text += ", ";
+        if (flags & IMPLTYPEFLAG_FDEFAULT) text += "default ";
+        if (flags & IMPLTYPEFLAG_FSOURCE) text += "source ";
+        text += nameOf(implemented(coclass, i).Get());
+    }
+    return text;
+}
+
+class TypeLibrary : public testing::Test {
+protected:
+    TypeLibrary() { com::check(LoadTypeLibEx(kelUtilsPath().c_str(), REGKIND_NONE, &library_)); }
+
+    std::vector<ComPtr<ITypeInfo>> types() {
+        std::vector<ComPtr<ITypeInfo>> all(library_->GetTypeInfoCount());
+        for (UINT i = 0; i < all.size(); ++i)
+            com::check(library_->GetTypeInfo(i, &all[i]));
+        return all;
+    }
+
+    ComPtr<ITypeLib> library_;
+};
+
+TEST_F(TypeLibrary, HoldsExactlyTheInterfacesOfTheTable) {
+    const Documentation library = documentationOf(library_.Get(), MEMBERID_NIL);
+    TLIBATTR* attributes = nullptr;
+    com::check(library_->GetLibAttr(&attributes));
+    std::vector<std::string> lines = {
+        "library " + library.name + " " + toText(attributes->guid) + " " +
+        std::to_string(attributes->wMajorVerNum) + "." + std::to_string(attributes->wMinorVerNum) +
+        " " + std::to_string(attributes->lcid) + " \"" + library.help + "\""};
+    library_->ReleaseTLibAttr(attributes);
+
+    // Interfaces by name, events after them.
+    std::map<std::string, std::vector<std::string>> entries;
+    for (const ComPtr<ITypeInfo>& type : types()) {
+        const std::vector<std::string> entry = entryOf(type.Get());
+        if (entry.empty()) continue;
+        const bool isEvents = entry[0].starts_with("events");
+        entries[std::string(isEvents ? "2" : "1").append(nameOf(type.Get()))] = entry;
+    }
+    for (const auto& [name, entry] : entries)
+        lines.insert(lines.end(), entry.begin(), entry.end());
+    EXPECT_EQ(joined(lines), joined(resourceLines(L"interface_table")));
+}
+
+TEST_F(TypeLibrary, HoldsExactlyTheClassesOfTheTable) {
+    std::map<std::string, std::string> expected;
+    for (const ExpectedClass& row : expectedClasses()) {
+        expected[toText(row.identifier)] =
+            row.name + (row.registryScript ? " " : " noncreatable ") + row.interfaces;
+    }
+    std::map<std::string, std::string> found;
+    for (const ComPtr<ITypeInfo>& type : types()) {
+        const TYPEATTR attributes = attributesOf(type.Get());
+        if (attributes.typekind != TKIND_COCLASS) continue;
+        const bool isCreatable = attributes.wTypeFlags & TYPEFLAG_FCANCREATE;
+        found[toText(attributes.guid)] = documentationOf(type.Get(), MEMBERID_NIL).name +
+                                         (isCreatable ? " " : " noncreatable ") +
+                                         interfacesOf(type.Get());
+    }
+    EXPECT_EQ(found, expected);
+}
+
+}  // namespace
+}  // namespace kel::test

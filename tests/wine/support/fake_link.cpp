@@ -1,0 +1,224 @@
+#include "tests/wine/support/fake_link.h"
+
+#include "com/object.h"
+#include "com/variant.h"
+
+namespace kel::test {
+namespace {
+
+std::string quoted(BSTR text) {
+    return std::string("\"").append(com::narrow(text)).append("\"");
+}
+
+std::string number(long value) {
+    return std::to_string(value);
+}
+
+constexpr const IID& kLink = __uuidof(IKelCommunicator);
+constexpr const IID& kStream = __uuidof(IKelStream);
+
+}  // namespace
+
+// Members that no script uses are told and refused.
+class FakeStream final : public com::Object<FakeStream, com::Dual<ISerialStream, IKelStream>> {
+public:
+    static constexpr com::ClassDescription kClass{};
+    explicit FakeStream(FakeLink& link) : link_(link) {}
+
+    STDMETHODIMP Close() override { return link_.call(kStream, "Close"); }
+    STDMETHODIMP get_IsOpen(VARIANT_BOOL* open) override {
+        return link_.ask(kStream, "IsOpen", "", open);
+    }
+    STDMETHODIMP ReadByte(long, unsigned char*, VARIANT_BOOL*) override { return E_NOTIMPL; }
+    STDMETHODIMP WriteByte(unsigned char byte, long timeout, VARIANT_BOOL* result) override {
+        return link_.ask(kStream, "WriteByte", number(byte) + " " + number(timeout), result);
+    }
+    STDMETHODIMP ReadBuffer(long, long, VARIANT*, VARIANT_BOOL*) override { return E_NOTIMPL; }
+    STDMETHODIMP WriteBuffer(VARIANT, long, VARIANT_BOOL*) override { return E_NOTIMPL; }
+    STDMETHODIMP WriteString(BSTR text, VARIANT_BOOL lineEnd, long timeout,
+                             VARIANT_BOOL* result) override {
+        return link_.ask(kStream, "WriteString",
+                         quoted(text) + (lineEnd ? " CR " : " ") + number(timeout), result);
+    }
+    STDMETHODIMP ReadString(long, BSTR*, VARIANT_BOOL*) override { return E_NOTIMPL; }
+    STDMETHODIMP WaitForString(BSTR text, long timeout, BSTR stop, BSTR* response,
+                               VARIANT_BOOL* result) override {
+        return link_.call(
+            kStream, "WaitForString " + quoted(text) + " " + number(timeout) + " " + quoted(stop),
+            [&] {
+                *response = com::Bstr(std::wstring_view(link_.reply)).release();
+                *result = link_.nextAnswer("WaitForString");
+            });
+    }
+    STDMETHODIMP SendBreak(long) override { return E_NOTIMPL; }
+    STDMETHODIMP ClearReadBuffer() override {
+        return link_.call(kStream, "ClearReadBuffer", [&] {
+            if (link_.received) link_.received->clear();
+        });
+    }
+    STDMETHODIMP get_BaudRate(long* rate) override {
+        return link_.call(kStream, "BaudRate", [&] { *rate = link_.baudRate; });
+    }
+    STDMETHODIMP put_BaudRate(long rate) override {
+        return link_.call(kStream, "BaudRate = " + number(rate), [&] { link_.baudRate = rate; });
+    }
+    STDMETHODIMP get_LogFile(BSTR*) override { return E_NOTIMPL; }
+    STDMETHODIMP put_LogFile(BSTR path) override {
+        return link_.call(kStream, "LogFile = " + quoted(path));
+    }
+    STDMETHODIMP get_EchoWindow(long*) override { return E_NOTIMPL; }
+    STDMETHODIMP put_EchoWindow(long) override { return E_NOTIMPL; }
+    STDMETHODIMP Echo(BSTR text) override { return link_.call(kStream, "Echo " + quoted(text)); }
+    STDMETHODIMP EchoConnectionInfo() override { return link_.call(kStream, "EchoConnectionInfo"); }
+    STDMETHODIMP Sleep(long duration) override {
+        return link_.call(kStream, "Sleep " + number(duration));
+    }
+    STDMETHODIMP get_IdleProcessing(VARIANT_BOOL*) override { return E_NOTIMPL; }
+    STDMETHODIMP put_IdleProcessing(VARIANT_BOOL enabled) override {
+        return link_.call(kStream, "IdleProcessing = " + number(enabled));
+    }
+    STDMETHODIMP get_ConnectionString(BSTR*) override { return E_NOTIMPL; }
+    STDMETHODIMP get_EchoHexMode(VARIANT_BOOL*) override { return E_NOTIMPL; }
+    STDMETHODIMP put_EchoHexMode(VARIANT_BOOL) override { return E_NOTIMPL; }
+    STDMETHODIMP get_BytesInReadBuffer(long* count) override {
+        *count = link_.received ? static_cast<long>(link_.received->size()) : 0;
+        return S_OK;
+    }
+    STDMETHODIMP OpenPort(BSTR, long, VARIANT_BOOL*) override { return E_NOTIMPL; }
+    STDMETHODIMP PortExists(BSTR, VARIANT_BOOL*) override { return E_NOTIMPL; }
+    STDMETHODIMP SetLineSettings(BSTR parity, long dataBits, long stopBits,
+                                 VARIANT_BOOL* result) override {
+        return link_.ask(__uuidof(ISerialStream), "SetLineSettings",
+                         quoted(parity) + " " + number(dataBits) + " " + number(stopBits), result);
+    }
+
+protected:
+    void* findInterface(REFIID iid) override {
+        if (iid == __uuidof(ISerialStream) && !link_.isSerial) return nullptr;
+        return Object::findInterface(iid);
+    }
+
+private:
+    FakeLink& link_;
+};
+
+class FakeCommunicator final : public com::Object<FakeCommunicator, com::Dual<IKelCommunicator>> {
+public:
+    static constexpr com::ClassDescription kClass{};
+    explicit FakeCommunicator(FakeLink& link) : link_(link) {}
+
+    STDMETHODIMP WakeUpInstrument(VARIANT_BOOL* result) override {
+        return link_.ask(kLink, "Link.WakeUpInstrument", "", result);
+    }
+    STDMETHODIMP SendCommand(BSTR command, VARIANT_BOOL waitForOk, long timeout,
+                             VARIANT_BOOL* result) override {
+        return link_.ask(kLink, "Link.SendCommand",
+                         quoted(command) + (waitForOk ? " OK " : " ") + number(timeout), result);
+    }
+    STDMETHODIMP WaitForString(BSTR text, long timeout, VARIANT_BOOL stopOnPrompt,
+                               VARIANT_BOOL* result) override {
+        const std::string arguments =
+            quoted(text) + " " + number(timeout) + (stopOnPrompt ? " stop" : "");
+        return link_.call(kLink, "Link.WaitForString " + arguments, [&] {
+            *result = link_.received ? link_.received->find(com::narrow(text)) != std::string::npos
+                                     : link_.nextAnswer("Link.WaitForString");
+        });
+    }
+    STDMETHODIMP SendBreak(long duration) override {
+        return link_.call(kLink, "Link.SendBreak " + number(duration));
+    }
+    STDMETHODIMP RunCommandFile(BSTR path, VARIANT_BOOL* result) override {
+        if (!link_.runFile) return link_.ask(kLink, "Link.RunCommandFile", quoted(path), result);
+        HRESULT code = S_OK;
+        const HRESULT told = link_.call(kLink, "Link.RunCommandFile " + quoted(path),
+                                        [&] { code = link_.runFile(path, result); });
+        return FAILED(told) ? told : code;
+    }
+    STDMETHODIMP get_Port(IKelStream** port) override {
+        return link_.call(kLink, "", [&] {
+            *port = nullptr;
+            if (link_.hasPort) link_.port_.CopyTo(port);
+        });
+    }
+    STDMETHODIMP put_Port(IKelStream* port) override {
+        return link_.call(kLink,
+                          std::string("Link.Port = ") + (!port                       ? "nothing"
+                                                         : port == link_.port_.Get() ? "port"
+                                                                                     : "foreign"));
+    }
+    STDMETHODIMP get_Preprocessor(IPreprocessor**) override { return E_NOTIMPL; }
+    STDMETHODIMP put_Preprocessor(IPreprocessor*) override { return E_NOTIMPL; }
+    STDMETHODIMP get_FastConnection(VARIANT_BOOL*) override { return E_NOTIMPL; }
+    STDMETHODIMP put_FastConnection(VARIANT_BOOL fast) override {
+        return link_.call(kLink, "Link.FastConnection = " + number(fast));
+    }
+    STDMETHODIMP get_RadioConnection(VARIANT_BOOL* radio) override {
+        return link_.call(kLink, "Link.RadioConnection", [&] { *radio = link_.isRadio; });
+    }
+    STDMETHODIMP put_RadioConnection(VARIANT_BOOL) override { return E_NOTIMPL; }
+    STDMETHODIMP get_RS485Address(long*) override { return E_NOTIMPL; }
+    STDMETHODIMP put_RS485Address(long) override { return E_NOTIMPL; }
+    STDMETHODIMP get_SDI12Mode(VARIANT_BOOL* enabled) override {
+        return link_.call(kLink, "Link.SDI12Mode", [&] { *enabled = link_.isSdi12; });
+    }
+    STDMETHODIMP put_SDI12Mode(VARIANT_BOOL) override { return E_NOTIMPL; }
+
+private:
+    FakeLink& link_;
+};
+
+FakeLink::FakeLink()
+    : communicator_(com::makeObject<FakeCommunicator>(*this)),
+      port_(com::makeObject<FakeStream>(*this)) {}
+
+std::string FakeLink::takeWork() {
+    std::string work;
+    for (const std::string& call : calls) {
+        if (call == "Sleep 1") continue;
+        for (const char character : call) {
+            if (character == '\r') {
+                work += "\\r";
+            } else if (character == '\n') {
+                work += "\\n";
+            } else {
+                work += character;
+            }
+        }
+        work += '\n';
+    }
+    calls.clear();
+    return work;
+}
+
+HRESULT FakeLink::call(const IID& interfaceId, const std::string& text,
+                       std::function<void()> answer) {
+    if (!text.empty()) {
+        calls.push_back(text);
+        if (onCall) onCall(text);
+    }
+    if (++callCount == failingCall) {
+        failedInterface = interfaceId;
+        return com::publish(kLinkFailure, kLinkFailureText, interfaceId, L"FakeLink");
+    }
+    return com::guard(interfaceId, L"FakeLink", answer);
+}
+
+HRESULT FakeLink::call(const IID& interfaceId, const std::string& text) {
+    return call(interfaceId, text, [] {});
+}
+
+HRESULT FakeLink::ask(const IID& interfaceId, const std::string& name, const std::string& arguments,
+                      VARIANT_BOOL* result) {
+    return call(interfaceId, arguments.empty() ? name : name + " " + arguments,
+                [&] { *result = nextAnswer(name); });
+}
+
+VARIANT_BOOL FakeLink::nextAnswer(const std::string& name) {
+    const auto found = answers.find(name);
+    if (found == answers.end() || found->second.empty()) return 1;
+    const bool answer = found->second.front();
+    found->second.pop_front();
+    return answer ? 1 : 0;
+}
+
+}  // namespace kel::test

@@ -1,0 +1,79 @@
+// The instrument link as a double: one log of all calls, scripted answers, a hook inside each call.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "com/error.h"
+#include "com/text.h"
+#include "interfaces/KelUtils.h"
+
+namespace kel::test {
+
+inline constexpr HRESULT kLinkFailure = MAKE_HRESULT(SEVERITY_ERROR, FACILITY_ITF, 0x234);
+inline constexpr wchar_t kLinkFailureText[] = L"The cable is gone";
+
+class FakeLink {
+public:
+    FakeLink();
+
+    // What was called, in order, with its arguments: "Link.SendBreak 300" on the communicator,
+    // "Sleep 1" on its port. Fetching the port is not told.
+    std::vector<std::string> calls;
+
+    // The same on one line each, without the pause before every script line; line ends inside are
+    // shown as \r and \n. Empties the log.
+    std::string takeWork();
+
+    // Called inside each call that is told, before it is answered.
+    std::function<void(const std::string& call)> onCall;
+
+    // The call with this number (from 1, fetching the port included) fails with kLinkFailure;
+    // `failedInterface` tells where it struck.
+    std::size_t failingCall = 0;
+    std::size_t callCount = 0;
+    IID failedInterface = GUID_NULL;
+
+    // Answers of the members that answer true or false, by the name in the log, in turn; true when
+    // there are none left. True is sent as 1, which is not VARIANT_TRUE.
+    std::map<std::string, std::deque<bool>, std::less<>> answers;
+
+    // What RunCommandFile does and answers instead.
+    std::function<HRESULT(BSTR path, VARIANT_BOOL* result)> runFile;
+
+    bool hasPort = true;
+    bool isSerial = true;
+    bool isSdi12 = false;
+    bool isRadio = false;
+    long baudRate = 9600;
+    std::wstring reply;
+
+    // Where it is set, waits find only what stands in it.
+    std::optional<std::string> received;
+
+    IKelCommunicator* communicator() const { return communicator_.Get(); }
+    IKelStream* port() const { return port_.Get(); }
+
+private:
+    friend class FakeCommunicator;
+    friend class FakeStream;
+
+    // The frame of every member: counts, tells, calls the hook, then fails or answers.
+    HRESULT call(const IID& interfaceId, const std::string& text, std::function<void()> answer);
+
+    // A member without results, and one that answers true or false.
+    HRESULT call(const IID& interfaceId, const std::string& text);
+    HRESULT ask(const IID& interfaceId, const std::string& name, const std::string& arguments,
+                VARIANT_BOOL* result);
+    VARIANT_BOOL nextAnswer(const std::string& name);
+
+    com::ComPtr<IKelCommunicator> communicator_;
+    com::ComPtr<IKelStream> port_;
+};
+
+}  // namespace kel::test
