@@ -7,6 +7,10 @@ option(KEL_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
 option(KEL_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
 
 add_compile_options(-Wall -Wextra -Wshadow)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    # GCC 12 takes the addition of texts for an overlapping copy.
+    add_compile_options(-Wno-restrict)
+endif()
 if(KEL_WARNINGS_AS_ERRORS)
     add_compile_options(-Werror)
 endif()

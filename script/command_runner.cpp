@@ -208,11 +208,8 @@ bool CommandRunner::wakeUp(const Link& link) {
 
 bool CommandRunner::messageBox(const Parameters& parameters) {
     const com::Bstr text = parameters.has(0) ? parameters.text(0) : com::Bstr(L"");
-    const HWND window = reinterpret_cast<HWND>(owner_.parentWindow);
-    const HWND owner = IsWindow(window) ? window : nullptr;
-    if (MessageBoxW(owner, text.get(), L"Message", MB_OKCANCEL | MB_ICONEXCLAMATION) == IDOK) {
-        return true;
-    }
+    const Confirmation confirmation = owner_.interviewer.confirm(text);
+    if (confirmation != Confirmation::Cancelled) return confirmation == Confirmation::Ok;
     return fail("Execution canceled!");
 }
 

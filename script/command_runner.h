@@ -2,7 +2,6 @@
 // three functions that yield text.
 #pragma once
 
-#include <functional>
 #include <initializer_list>
 #include <optional>
 #include <string>
@@ -10,6 +9,7 @@
 
 #include "com/text.h"
 #include "interfaces/KelUtils.h"
+#include "script/interviewer.h"
 #include "script/run_state.h"
 
 namespace kel::script {
@@ -23,12 +23,10 @@ public:
     // What the words need of their preprocessor; all must outlive the runner.
     struct Owner {
         RunState& state;
-        const long& parentWindow;
+        const Interviewer& interviewer;
         const com::Bstr& scriptPath;
         const com::Bstr& systemPath;
-        // Tells an error of the running script.
-        std::function<void(std::string_view message, std::initializer_list<std::string_view> parts)>
-            report;
+        ErrorReport report;
     };
 
     struct Word {

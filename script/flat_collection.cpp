@@ -13,6 +13,14 @@ bool sameName(std::wstring_view left, std::wstring_view right) {
 
 }  // namespace
 
+com::ComPtr<FlatCollection> FlatCollection::of(std::span<const std::string> parameters) {
+    com::ComPtr<FlatCollection> collection = com::makeObject<FlatCollection>();
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+        collection->append(std::to_wstring(i), parameters[i]);
+    }
+    return collection;
+}
+
 void FlatCollection::append(std::wstring name, std::string_view value) {
     entries_.push_back({std::move(name), com::Variant(value)});
 }

@@ -1,6 +1,7 @@
 // The ordered, name-indexed collection in which words receive their parameters.
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,9 @@ namespace kel::script {
 class FlatCollection final : public com::Object<FlatCollection, com::Dual<IFlatCollection>> {
 public:
     static constexpr com::ClassDescription kClass{};
+
+    // The parameters of a word, named by their position. Throws.
+    static com::ComPtr<FlatCollection> of(std::span<const std::string> parameters);
 
     // Appends a text. Throws.
     void append(std::wstring name, std::string_view value);

@@ -23,11 +23,13 @@ void callHandler(RunState& state, const WordHandler& handler, Call call) {
 }  // namespace
 
 LinkHost::LinkHost(RunState& state, IPreprocessor2& sink, const WordHandlers& directives,
-                   const WordHandlers& functions, std::function<void(std::string_view)> report)
+                   const WordHandlers& functions, const Interviewer& interviewer,
+                   ErrorReport report)
     : state_(state),
       sink_(sink),
       directives_(directives),
       functions_(functions),
+      interviewer_(interviewer),
       report_(std::move(report)) {}
 
 void LinkHost::echo(std::string_view text) {
@@ -99,19 +101,15 @@ FunctionOutcome LinkHost::callFunction(std::size_t row, std::span<const std::str
     return {com::isTrue(handled), com::isTrue(result), com::narrow(value.get())};
 }
 
-Answers LinkHost::ask(const Question&) {
-    return std::nullopt;
+Answers LinkHost::ask(const Question& question) {
+    return interviewer_.ask(question);
 }
 
 com::ComPtr<IFlatCollection> LinkHost::collect(std::span<const std::string> parameters) {
     try {
-        const com::ComPtr<FlatCollection> collection = com::makeObject<FlatCollection>();
-        for (std::size_t i = 0; i < parameters.size(); ++i) {
-            collection->append(std::to_wstring(i), parameters[i]);
-        }
-        return collection;
+        return FlatCollection::of(parameters);
     } catch (const std::bad_alloc&) {
-        report_("Unable to create collection object");
+        report_("Unable to create collection object", {});
         return nullptr;
     }
 }

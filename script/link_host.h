@@ -1,11 +1,11 @@
 // The engine's view of the outside: the instrument link, the installed words, the user.
 #pragma once
 
-#include <functional>
 #include <string>
 
 #include "interfaces/KelUtils.h"
 #include "script/engine/host.h"
+#include "script/interviewer.h"
 #include "script/run_state.h"
 #include "script/word_handler.h"
 
@@ -17,7 +17,7 @@ class LinkHost final : public Host {
 public:
     // `report` tells an error of the running script. All must outlive the host.
     LinkHost(RunState& state, IPreprocessor2& sink, const WordHandlers& directives,
-             const WordHandlers& functions, std::function<void(std::string_view)> report);
+             const WordHandlers& functions, const Interviewer& interviewer, ErrorReport report);
 
     void echo(std::string_view text) override;
     void endErrorReport() override;
@@ -39,7 +39,8 @@ private:
     IPreprocessor2& sink_;
     const WordHandlers& directives_;
     const WordHandlers& functions_;
-    std::function<void(std::string_view)> report_;
+    const Interviewer& interviewer_;
+    ErrorReport report_;
 };
 
 }  // namespace kel::script

@@ -3,18 +3,23 @@
 #include <utility>
 
 #include "com/variant.h"
+#include "script/diagnostic_objects.h"
+#include "script/flat_collection.h"
 #include "script/line_sink.h"
 
 namespace kel::script {
 
 Preprocessor::Preprocessor()
-    : host_(state_, *this, directives_, functions_,
-            [this](std::string_view message) { session_.report(message); }),
+    : interviewer_(rules_, parentWindow_, errorReport()),
+      host_(state_, *this, directives_, functions_, interviewer_, errorReport()),
       session_(host_, variables_, rules_, observer_),
-      runner_({state_, parentWindow_, scriptPath_, systemPath_,
-               [this](std::string_view message, std::initializer_list<std::string_view> parts) {
-                   session_.report(message, parts);
-               }}) {}
+      runner_({state_, interviewer_, scriptPath_, systemPath_, errorReport()}) {}
+
+ErrorReport Preprocessor::errorReport() {
+    return [this](std::string_view message, std::initializer_list<std::string_view> parts) {
+        session_.report(message, parts);
+    };
+}
 
 void Preprocessor::finalConstruct() {
     const WordHandler own = WordHandler::own(this);
@@ -43,8 +48,9 @@ HRESULT Preprocessor::PreprocessAndRun(BSTR script, VARIANT_BOOL* result) {
         }
         // The host may drop its last reference while the script runs.
         const com::KeepAlive alive(*this);
+        const std::string name = com::narrow(isRunning() ? std::exchange(state_.nextScriptName, {})
+                                                         : std::wstring(scriptName_.view()));
         const RunScope run(state_, communicator_);
-        const std::string name = com::narrow(std::exchange(state_.nextScriptName, {}));
         const std::string text = com::narrow(script);
         *result = com::variantBool(session_.run(text, name));
     });
@@ -103,6 +109,78 @@ HRESULT Preprocessor::get_Cancelled(VARIANT_BOOL* cancelled) {
 HRESULT Preprocessor::get_Running(VARIANT_BOOL* running) {
     return guarded<IPreprocessorControl>(
         [&] { com::out(running) = com::variantBool(isRunning()); });
+}
+
+HRESULT Preprocessor::get_ScriptName(BSTR* name) {
+    return guarded<IPreprocessorControl>(
+        [&] { com::out(name) = com::Bstr(scriptName_).release(); });
+}
+
+HRESULT Preprocessor::put_ScriptName(BSTR name) {
+    return guarded<IPreprocessorControl>([&] { scriptName_ = com::Bstr(com::view(name)); });
+}
+
+HRESULT Preprocessor::Check(BSTR script, IScriptDiagnostics** diagnostics) {
+    return guarded<IPreprocessorControl>([&] {
+        com::out(diagnostics) = nullptr;
+        *diagnostics = com::makeObject<DiagnosticList>(
+                           session_.check(com::narrow(script), com::narrow(scriptName_.view())))
+                           .Detach();
+    });
+}
+
+HRESULT Preprocessor::get_Diagnostics(IScriptDiagnostics** diagnostics) {
+    return guarded<IPreprocessorControl>([&] {
+        com::out(diagnostics) = nullptr;
+        *diagnostics = com::makeObject<DiagnosticList>(session_.diagnostics()).Detach();
+    });
+}
+
+HRESULT Preprocessor::get_Unattended(VARIANT_BOOL* unattended) {
+    return guarded<IPreprocessorControl>(
+        [&] { com::out(unattended) = com::variantBool(interviewer_.isUnattended()); });
+}
+
+HRESULT Preprocessor::put_Unattended(VARIANT_BOOL unattended) {
+    interviewer_.setUnattended(com::isTrue(unattended));
+    return S_OK;
+}
+
+HRESULT Preprocessor::SetAnswer(BSTR name, BSTR answer) {
+    return guarded<IPreprocessorControl>(
+        [&] { interviewer_.setAnswer(com::narrow(name), com::narrow(answer)); });
+}
+
+HRESULT Preprocessor::get_Variable(BSTR name, BSTR* value) {
+    return guarded<IPreprocessorControl>([&] {
+        com::out(value) = nullptr;
+        const std::string* found = variables_.find(com::narrow(name));
+        if (!found) throw com::Error(DISP_E_BADINDEX, L"There is no such variable");
+        *value = com::Bstr(std::string_view(*found)).release();
+    });
+}
+
+HRESULT Preprocessor::put_Variable(BSTR name, BSTR value) {
+    return guarded<IPreprocessorControl>(
+        [&] { variables_.set(com::narrow(name), com::narrow(value)); });
+}
+
+HRESULT Preprocessor::ClearVariables() {
+    return guarded<IPreprocessorControl>([&] {
+        if (isRunning()) throw com::Error(HRESULT_FROM_WIN32(ERROR_BUSY), L"A script is running");
+        variables_.clear();
+    });
+}
+
+HRESULT Preprocessor::get_Variables(IFlatCollection** variables) {
+    return guarded<IPreprocessorControl>([&] {
+        com::out(variables) = nullptr;
+        com::ComPtr<FlatCollection> collection = com::makeObject<FlatCollection>();
+        for (std::size_t i = 0; i < variables_.size(); ++i) {
+            collection->append(com::widen(variables_[i].name), variables_[i].value);
+        }
+        *variables = collection.Detach();
+    });
 }
 
 HRESULT Preprocessor::Send(BSTR text, VARIANT_BOOL* result) {

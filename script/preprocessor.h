@@ -3,12 +3,15 @@
 
 #include <optional>
 
+#include "com/connection_point.h"
 #include "com/object.h"
 #include "com/text.h"
 #include "interfaces/KelUtils.h"
 #include "script/code_page_rules.h"
 #include "script/command_runner.h"
 #include "script/engine/session.h"
+#include "script/event_observer.h"
+#include "script/interviewer.h"
 #include "script/link_host.h"
 #include "script/run_state.h"
 #include "script/word_handler.h"
@@ -18,7 +21,8 @@ namespace kel::script {
 class Preprocessor final
     : public com::Object<Preprocessor,
                          com::Dual<IPreprocessorControl, IPreprocessorImpl, IPreprocessor>,
-                         com::Plain<IPreprocessor2>, com::Dual<IPreprocessorExtension>> {
+                         com::Events<&DIID__IPreprocessorEvents>, com::Plain<IPreprocessor2>,
+                         com::Dual<IPreprocessorExtension>> {
 public:
     static constexpr com::ClassDescription kClass{&CLSID_Preprocessor, L"KelUtils.Preprocessor.1"};
 
@@ -48,6 +52,17 @@ public:
     STDMETHODIMP Cancel() override;
     STDMETHODIMP get_Cancelled(VARIANT_BOOL* cancelled) override;
     STDMETHODIMP get_Running(VARIANT_BOOL* running) override;
+    STDMETHODIMP get_ScriptName(BSTR* name) override;
+    STDMETHODIMP put_ScriptName(BSTR name) override;
+    STDMETHODIMP Check(BSTR script, IScriptDiagnostics** diagnostics) override;
+    STDMETHODIMP get_Diagnostics(IScriptDiagnostics** diagnostics) override;
+    STDMETHODIMP get_Unattended(VARIANT_BOOL* unattended) override;
+    STDMETHODIMP put_Unattended(VARIANT_BOOL unattended) override;
+    STDMETHODIMP SetAnswer(BSTR name, BSTR answer) override;
+    STDMETHODIMP get_Variable(BSTR name, BSTR* value) override;
+    STDMETHODIMP put_Variable(BSTR name, BSTR value) override;
+    STDMETHODIMP ClearVariables() override;
+    STDMETHODIMP get_Variables(IFlatCollection** variables) override;
 
     // IPreprocessor2
     STDMETHODIMP Send(BSTR text, VARIANT_BOOL* result) override;
@@ -62,6 +77,7 @@ public:
                                  VARIANT_BOOL* result) override;
 
 private:
+    ErrorReport errorReport();
     bool isRunning() const { return state_.depth > 0; }
     WordHandler handlerFor(IPreprocessorExtension* extension);
 
@@ -72,13 +88,15 @@ private:
     long parentWindow_ = 0;
     com::Bstr systemPath_;
     com::Bstr scriptPath_;
+    com::Bstr scriptName_;
 
     RunState state_;
     CodePageRules rules_;
     VariableStore variables_{rules_};
     WordHandlers directives_{rules_};
     WordHandlers functions_{rules_};
-    Observer observer_;
+    EventObserver observer_{events_};
+    Interviewer interviewer_;
     LinkHost host_;
     Session session_;
     CommandRunner runner_;

@@ -20,14 +20,16 @@ std::optional<std::string> resultOf(const Control& control, const std::string& a
 
 }  // namespace
 
-Answers PreparedAnswers::answer(const Question& question) const {
+Answers PreparedAnswers::answer(const Question& question, std::string& missing) const {
     std::vector<std::string> results;
     for (const Control& control : question.controls) {
-        const std::string* answer =
-            answers_.find(control.target.empty() ? control.caption : control.target);
-        if (answer == nullptr) return std::nullopt;
-        auto result = resultOf(control, *answer, rules_);
-        if (!result) return std::nullopt;
+        const std::string& name = control.target.empty() ? control.caption : control.target;
+        const std::string* answer = answers_.find(name);
+        auto result = answer == nullptr ? std::nullopt : resultOf(control, *answer, rules_);
+        if (!result) {
+            missing = name;
+            return std::nullopt;
+        }
         results.push_back(*std::move(result));
     }
     return results;

@@ -24,8 +24,11 @@ public:
     void clear() { answers_.clear(); }
 
     /// The results of the question's controls. Nothing when a control has no answer, or when the
-    /// answer to a select is not among its choices.
-    Answers answer(const Question& question) const;
+    /// answer to a select is not among its choices; `missing` then receives its name.
+    Answers answer(const Question& question, std::string& missing) const;
+
+    /// The answer of that name; null when there is none.
+    const std::string* find(std::string_view name) const { return answers_.find(name); }
 
 private:
     const TextRules& rules_;

@@ -86,6 +86,7 @@ TEST(Question, CancelledBlockStoresNoResults) {
 TEST(PreparedAnswers, AnswerByVariableOrCaption) {
     const TextRules rules;
     PreparedAnswers answers(rules);
+    std::string missing;
     answers.set("Depth", "12");
     answers.set("Power", "yes");
     answers.set("mode", "FAST");
@@ -93,13 +94,15 @@ TEST(PreparedAnswers, AnswerByVariableOrCaption) {
                       {{ControlKind::Input, "How deep", "", {}, "depth"},
                        {ControlKind::Check, "power", "0", {}, ""},
                        {ControlKind::Select, "m", "slow", {"slow", "fast"}, "mode"}}};
-    EXPECT_EQ(answers.answer(question), give({"12", "1", "fast"}));
+    EXPECT_EQ(answers.answer(question, missing), give({"12", "1", "fast"}));
     question.controls[2].choices = {"slow"};
-    EXPECT_EQ(answers.answer(question), std::nullopt);
+    EXPECT_EQ(answers.answer(question, missing), std::nullopt);
+    EXPECT_EQ(missing, "mode");
     question.controls[2] = {ControlKind::Input, "other", "", {}, ""};
-    EXPECT_EQ(answers.answer(question), std::nullopt);
+    EXPECT_EQ(answers.answer(question, missing), std::nullopt);
+    EXPECT_EQ(missing, "other");
     question.controls.clear();
-    EXPECT_EQ(answers.answer(question), give({}));
+    EXPECT_EQ(answers.answer(question, missing), give({}));
 }
 
 }  // namespace

@@ -1,0 +1,86 @@
+// Events: the outgoing dispatch interface of a component.
+//
+//     class Counter final : public com::Object<Counter, com::Dual<ICounter>,
+//                                              com::Events<&DIID__ICounterEvents>> {
+//         ... fire(kChanged, value);
+#pragma once
+
+#include <windows.h>
+
+#include <ocidl.h>
+#include <olectl.h>
+#include <oleauto.h>
+
+#include <initializer_list>
+#include <map>
+
+#include "com/error.h"
+#include "com/variant.h"
+
+namespace kel::com {
+
+// The sinks of one outgoing interface. A part of its component: it shares the component's life, but
+// has an identity of its own. Used on the component's thread.
+class ConnectionPoint final : public IConnectionPoint {
+public:
+    ConnectionPoint(IConnectionPointContainer& container, const IID& source)
+        : container_(container), source_(source) {}
+    ConnectionPoint(const ConnectionPoint&) = delete;
+    ConnectionPoint& operator=(const ConnectionPoint&) = delete;
+
+    bool hasSinks() const { return !sinks_.empty(); }
+
+    // Calls a member of every sink. A sink may advise or unadvise meanwhile; one that fails is none
+    // of the component's business. Throws for want of memory only.
+    void fire(DISPID member, std::initializer_list<Variant> arguments);
+
+    STDMETHODIMP QueryInterface(REFIID iid, void** result) override;
+    STDMETHODIMP_(ULONG) AddRef() override { return container_.AddRef(); }
+    STDMETHODIMP_(ULONG) Release() override { return container_.Release(); }
+    STDMETHODIMP GetConnectionInterface(IID* iid) override;
+    STDMETHODIMP GetConnectionPointContainer(IConnectionPointContainer** container) override;
+    STDMETHODIMP Advise(IUnknown* sink, DWORD* cookie) override;
+    STDMETHODIMP Unadvise(DWORD cookie) override;
+    STDMETHODIMP EnumConnections(IEnumConnections** enumerator) override;
+
+private:
+    IConnectionPointContainer& container_;
+    const IID& source_;
+    std::map<DWORD, ComPtr<IDispatch>> sinks_;
+    DWORD lastCookie_ = 0;
+};
+
+// Gives an object one outgoing interface; stands in the object's list of interfaces.
+template <const IID* source>
+class Events : public IConnectionPointContainer {
+public:
+    STDMETHODIMP EnumConnectionPoints(IEnumConnectionPoints** enumerator) override;
+
+    STDMETHODIMP FindConnectionPoint(REFIID iid, IConnectionPoint** point) override {
+        return guard(IID_IConnectionPointContainer, nullptr, [&] {
+            out(point) = nullptr;
+            if (iid != *source) throw Error(CONNECT_E_NOCONNECTION);
+            *point = &events_;
+            events_.AddRef();
+        });
+    }
+
+protected:
+    void* find(REFIID iid) {
+        return iid == IID_IConnectionPointContainer ? static_cast<IConnectionPointContainer*>(this)
+                                                    : nullptr;
+    }
+
+    ConnectionPoint events_{*this, *source};
+};
+
+// The enumerator over a container's only connection point; the caller owns it.
+IEnumConnectionPoints* enumerateOne(IConnectionPoint* point);
+
+template <const IID* source>
+HRESULT Events<source>::EnumConnectionPoints(IEnumConnectionPoints** enumerator) {
+    return guard(IID_IConnectionPointContainer, nullptr,
+                 [&] { out(enumerator) = enumerateOne(&events_); });
+}
+
+}  // namespace kel::com
