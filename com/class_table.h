@@ -1,5 +1,5 @@
-// The class table of a module: one row for each creatable class, with its cached class factory.
 #pragma once
+// The class table of a module: one row for each creatable class, with its cached class factory.
 
 #include <windows.h>
 

@@ -1,15 +1,15 @@
+#pragma once
 // Events: the outgoing dispatch interface of a component.
 //
 //     class Counter final : public com::Object<Counter, com::Dual<ICounter>,
 //                                              com::Events<&DIID__ICounterEvents>> {
 //         ... fire(kChanged, value);
-#pragma once
 
 #include <windows.h>
 
 #include <ocidl.h>
-#include <olectl.h>
 #include <oleauto.h>
+#include <olectl.h>
 
 #include <initializer_list>
 #include <map>

@@ -1,5 +1,5 @@
-// Late-bound calls through the type library, tolerant of what script languages send.
 #pragma once
+// Late-bound calls through the type library, tolerant of what script languages send.
 
 #include <windows.h>
 

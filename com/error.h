@@ -1,5 +1,5 @@
-// Exceptions inside, HRESULT and error info outside.
 #pragma once
+// Exceptions inside, HRESULT and error info outside.
 
 #include <windows.h>
 

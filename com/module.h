@@ -1,6 +1,6 @@
+#pragma once
 // The module: its instance handle, its count of outstanding objects and locks, and its type
 // library.
-#pragma once
 
 #include <windows.h>
 

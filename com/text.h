@@ -1,6 +1,6 @@
+#pragma once
 // Conversion between the narrow texts used inside (the user's code page) and the texts of the
 // border.
-#pragma once
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// Values of automation: booleans, and a VARIANT that frees what it holds.
 #pragma once
+// Values of automation: booleans, and a VARIANT that frees what it holds.
 
 #include <windows.h>
 

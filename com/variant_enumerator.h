@@ -1,5 +1,5 @@
-// The enumerator of a collection, for scripts and hosts that walk it.
 #pragma once
+// The enumerator of a collection, for scripts and hosts that walk it.
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// Class identifiers of the instrument-link library's components that KelUtils creates itself.
 #pragma once
+// Class identifiers of the instrument-link library's components that KelUtils creates itself.
 
 #include <windows.h>
 

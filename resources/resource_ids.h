@@ -1,5 +1,5 @@
-// Every resource id of KelUtils.dll. Read by the compiler and the resource compiler alike.
 #pragma once
+// Every resource id of KelUtils.dll. Read by the compiler and the resource compiler alike.
 
 // Registry scripts, one for each creatable class.
 #define IDR_KELTERMINAL 102

@@ -1,5 +1,5 @@
-// What the engine knows of the code page that scripts are written in, by the platform's tables.
 #pragma once
+// What the engine knows of the code page that scripts are written in, by the platform's tables.
 
 #include <windows.h>
 

@@ -1,6 +1,6 @@
+#pragma once
 // The built-in words of the script language: nine directives that act on the instrument link and
 // three functions that yield text.
-#pragma once
 
 #include <initializer_list>
 #include <optional>

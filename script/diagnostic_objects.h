@@ -1,5 +1,5 @@
-// What a check or a run has to tell, as automation objects.
 #pragma once
+// What a check or a run has to tell, as automation objects.
 
 #include <vector>
 

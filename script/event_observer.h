@@ -1,5 +1,5 @@
-// Tells the sinks of a preprocessor what its runs do.
 #pragma once
+// Tells the sinks of a preprocessor what its runs do.
 
 #include <string>
 #include <vector>

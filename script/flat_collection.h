@@ -1,5 +1,5 @@
-// The ordered, name-indexed collection in which words receive their parameters.
 #pragma once
+// The ordered, name-indexed collection in which words receive their parameters.
 
 #include <span>
 #include <string>

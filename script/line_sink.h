@@ -1,5 +1,5 @@
-// How a finished command line reaches the instrument.
 #pragma once
+// How a finished command line reaches the instrument.
 
 #include "com/error.h"
 #include "interfaces/KelUtils.h"

@@ -1,5 +1,5 @@
-// The engine's view of the outside: the instrument link, the installed words, the user.
 #pragma once
+// The engine's view of the outside: the instrument link, the installed words, the user.
 
 #include <string>
 

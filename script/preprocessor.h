@@ -1,5 +1,5 @@
-// The Preprocessor component: runs instrument command scripts on a link.
 #pragma once
+// The Preprocessor component: runs instrument command scripts on a link.
 
 #include <optional>
 

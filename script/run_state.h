@@ -1,5 +1,5 @@
-// What is known of the runs of a preprocessor while they go on.
 #pragma once
+// What is known of the runs of a preprocessor while they go on.
 
 #include <cstddef>
 #include <string>

@@ -1,5 +1,5 @@
-// The handler of an installed word, as the tables of a preprocessor hold it.
 #pragma once
+// The handler of an installed word, as the tables of a preprocessor hold it.
 
 #include "com/error.h"
 #include "interfaces/KelUtils.h"

@@ -1,5 +1,5 @@
-// What KelUtils uses of the platform's ATL.DLL. The tool chain has no header for it.
 #pragma once
+// What KelUtils uses of the platform's ATL.DLL. The tool chain has no header for it.
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// The creatable classes of KelUtils, in the order in which they are registered.
 #pragma once
+// The creatable classes of KelUtils, in the order in which they are registered.
 
 #include <span>
 

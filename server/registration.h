@@ -1,5 +1,5 @@
-// Registration of the class table and the type library.
 #pragma once
+// Registration of the class table and the type library.
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// Arrays of bytes as automation values.
 #pragma once
+// Arrays of bytes as automation values.
 
 #include <string>
 #include <string_view>

@@ -1,5 +1,5 @@
-// The creatable classes of the library.
 #pragma once
+// The creatable classes of the library.
 
 #include <span>
 

@@ -1,9 +1,9 @@
+#pragma once
 // The one place where the link's time is measured and can be made to run faster.
 //
 // The environment variable KEL_BENCH_TIME_SCALE holds a factor above zero, read when an object is
 // made: at 100, Sleep(250) lasts 2.5 ms and every time-out and break is a hundred times shorter.
 // Anything else in it counts as 1.
-#pragma once
 
 #include <chrono>
 

@@ -1,5 +1,5 @@
-// The link's general collection.
 #pragma once
+// The link's general collection.
 
 #include <vector>
 

@@ -1,5 +1,5 @@
-// The link itself: a port, a preprocessor, and what is done with both.
 #pragma once
+// The link itself: a port, a preprocessor, and what is done with both.
 
 #include <string_view>
 

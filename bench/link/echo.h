@@ -1,5 +1,5 @@
-// Shows what is received in a window that understands the messages of an edit control.
 #pragma once
+// Shows what is received in a window that understands the messages of an edit control.
 
 #include <windows.h>
 

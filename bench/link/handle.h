@@ -1,5 +1,5 @@
-// Owns a handle of a file or a device.
 #pragma once
+// Owns a handle of a file or a device.
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// The file to which everything received is appended.
 #pragma once
+// The file to which everything received is appended.
 
 #include <string>
 #include <string_view>

@@ -1,5 +1,5 @@
-// The thread's message loop, run while something is waited for.
 #pragma once
+// The thread's message loop, run while something is waited for.
 
 #include <chrono>
 

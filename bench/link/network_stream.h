@@ -1,5 +1,5 @@
-// The link's stream over a TCP connection.
 #pragma once
+// The link's stream over a TCP connection.
 
 #include "bench/link/stream_object.h"
 #include "bench/link/tcp_connection.h"

@@ -1,9 +1,9 @@
+#pragma once
 // Registration of the library's classes.
 //
 // Where a real instrument link is installed its classes stay as they are: only a class that nobody
 // serves, or that a copy of this library serves, is written. Interfaces and the type library are
 // never touched, for they belong to whoever registered them first.
-#pragma once
 
 #include <span>
 

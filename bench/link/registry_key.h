@@ -1,5 +1,5 @@
-// An open key of the registry.
 #pragma once
+// An open key of the registry.
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// Script files as texts.
 #pragma once
+// Script files as texts.
 
 #include <string>
 

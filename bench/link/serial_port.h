@@ -1,5 +1,5 @@
-// A serial port as a transport.
 #pragma once
+// A serial port as a transport.
 
 #include <string>
 #include <string_view>

@@ -1,5 +1,5 @@
-// The link's stream over a serial port.
 #pragma once
+// The link's stream over a serial port.
 
 #include "bench/link/serial_port.h"
 #include "bench/link/stream_object.h"

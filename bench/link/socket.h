@@ -1,5 +1,5 @@
-// Owns a Windows socket, and the use of the socket library for as long.
 #pragma once
+// Owns a Windows socket, and the use of the socket library for as long.
 
 #include <winsock2.h>
 

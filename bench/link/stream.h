@@ -1,5 +1,5 @@
-// Everything that the link's streams have in common, over any transport.
 #pragma once
+// Everything that the link's streams have in common, over any transport.
 
 #include <cstdint>
 #include <optional>

@@ -1,5 +1,5 @@
-// The border of the link's streams: what IKelStream promises, over the common stream.
 #pragma once
+// The border of the link's streams: what IKelStream promises, over the common stream.
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// A TCP connection as a transport, and the attempt that leads to one.
 #pragma once
+// A TCP connection as a transport, and the attempt that leads to one.
 
 #include <winsock2.h>
 #include <ws2tcpip.h>

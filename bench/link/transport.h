@@ -1,5 +1,5 @@
-// What a stream needs of the connection below it.
 #pragma once
+// What a stream needs of the connection below it.
 
 #include <cstddef>
 #include <string>

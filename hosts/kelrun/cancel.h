@@ -1,5 +1,5 @@
-// Ctrl+C: the first one asks the running script to stop, the second one ends the process.
 #pragma once
+// Ctrl+C: the first one asks the running script to stop, the second one ends the process.
 
 #include "com/error.h"
 #include "hosts/kelrun/message_window.h"

@@ -1,5 +1,5 @@
-// The stream to the instrument, as the command line names it.
 #pragma once
+// The stream to the instrument, as the command line names it.
 
 #include "com/error.h"
 #include "hosts/kelrun/model/options.h"

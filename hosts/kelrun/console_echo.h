@@ -1,5 +1,5 @@
-// The echo window of the stream: what it is given to show goes to standard output.
 #pragma once
+// The echo window of the stream: what it is given to show goes to standard output.
 
 #include <string_view>
 

@@ -1,5 +1,5 @@
-// Standard output and standard error.
 #pragma once
+// Standard output and standard error.
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// Making registered components.
 #pragma once
+// Making registered components.
 
 #include <string>
 

@@ -1,5 +1,5 @@
-// Failures of the platform and of components, in words (UTF-8).
 #pragma once
+// Failures of the platform and of components, in words (UTF-8).
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// A window that nobody sees: it only takes messages.
 #pragma once
+// A window that nobody sees: it only takes messages.
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// One run of the program, from its options to its exit code.
 #pragma once
+// One run of the program, from its options to its exit code.
 
 #include "hosts/kelrun/console_output.h"
 #include "hosts/kelrun/model/failure.h"

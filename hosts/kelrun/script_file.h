@@ -1,5 +1,5 @@
-// The script to run, from its file.
 #pragma once
+// The script to run, from its file.
 
 #include <string>
 

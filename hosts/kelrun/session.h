@@ -1,5 +1,5 @@
-// Preprocessor, instrument link and stream, put together for a run and taken apart after it.
 #pragma once
+// Preprocessor, instrument link and stream, put together for a run and taken apart after it.
 
 #include <string>
 #include <string_view>

@@ -14,7 +14,7 @@
 namespace kel::script {
 namespace {
 
-/// Keeps what is found, with its place.
+// Keeps what is found, with its place.
 class Findings {
 public:
     Findings(std::string_view text, std::string_view script) : locator_(text), script_(script) {}
@@ -37,7 +37,7 @@ private:
     std::vector<Diagnostic> found_;
 };
 
-/// Keeps everything that a parse meets, and never stops it.
+// Keeps everything that a parse meets, and never stops it.
 class ParseFindings : public ParseListener {
 public:
     explicit ParseFindings(Findings& findings) : findings_(findings) {}
@@ -59,7 +59,7 @@ private:
     Findings& findings_;
 };
 
-/// Follows a program in the order of its lines, as if every condition held.
+// Follows a program in the order of its lines, as if every condition held.
 class Checker {
 public:
     Checker(const Program& program, const TextRules& rules, const Characters& characters,

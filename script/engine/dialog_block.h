@@ -5,7 +5,7 @@
 
 namespace kel::script {
 
-/// Evaluates the items, puts the question and stores the answers. False ends the run.
+// Evaluates the items, puts the question and stores the answers. False ends the run.
 bool runDialog(const Dialog& dialog, const Program& program, const Evaluator& evaluator,
                const Environment& environment);
 

@@ -15,7 +15,7 @@
 
 namespace kel::script {
 
-/// What a running script works with.
+// What a running script works with.
 struct Environment {
     Host& host;
     VariableStore& variables;
@@ -26,24 +26,24 @@ struct Environment {
     void setVariable(std::string_view name, const std::string& value) const;
 };
 
-/// Every value that cannot be had has been reported when nothing is returned.
+// Every value that cannot be had has been reported when nothing is returned.
 class Evaluator {
 public:
-    /// Both must outlive the evaluator.
+    // Both must outlive the evaluator.
     Evaluator(const Program& program, const Environment& environment)
         : program_(program), environment_(environment) {}
 
-    /// Includes the assignment to the expression's target.
+    // Includes the assignment to the expression's target.
     std::optional<std::string> evaluate(const Expression& expression) const;
 
     std::optional<std::string> evaluate(const Operand& operand) const;
     std::optional<std::string> evaluate(const Parameter& parameter) const;
 
-    /// From left to right.
+    // From left to right.
     std::optional<std::vector<std::string>> operands(Range range) const;
     std::optional<std::vector<std::string>> parameters(Range range) const;
 
-    /// The value now, since calling out may change it.
+    // The value now, since calling out may change it.
     std::optional<std::string> variable(std::string_view name) const;
 
 private:
@@ -54,7 +54,7 @@ private:
     const Environment& environment_;
 };
 
-/// The name that a call has or, when it has none, stands for.
+// The name that a call has or, when it has none, stands for.
 std::string_view functionName(const Call& call);
 
 }  // namespace kel::script

@@ -8,14 +8,14 @@
 
 namespace kel::script {
 
-/// One run of one program.
+// One run of one program.
 class Executor {
 public:
-    /// Both must outlive the executor.
+    // Both must outlive the executor.
     Executor(const Program& program, const Environment& environment)
         : program_(program), environment_(environment), evaluator_(program, environment) {}
 
-    /// False when a record ended the run.
+    // False when a record ended the run.
     bool run();
 
 private:

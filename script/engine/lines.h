@@ -8,14 +8,14 @@
 
 namespace kel::script {
 
-/// Hands out the lines that count, without their comments and the blanks around them.
+// Hands out the lines that count, without their comments and the blanks around them.
 class LineReader {
 public:
-    /// Both must outlive the reader.
+    // Both must outlive the reader.
     LineReader(std::string_view text, const Characters& characters)
         : rest_(text), characters_(characters) {}
 
-    /// Nothing at the end of the text.
+    // Nothing at the end of the text.
     std::optional<std::string_view> next();
 
 private:

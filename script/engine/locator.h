@@ -7,23 +7,23 @@
 namespace kel::script {
 
 struct Position {
-    std::size_t line = 1;    ///< from 1; CR LF is one break, as is a lone CR or LF
-    std::size_t column = 1;  ///< in bytes, from 1
+    std::size_t line = 1;    // from 1; CR LF is one break, as is a lone CR or LF
+    std::size_t column = 1;  // in bytes, from 1
 };
 
-/// Remembers the last answer: asking for places in the order of the text costs one pass over it.
+// Remembers the last answer: asking for places in the order of the text costs one pass over it.
 class Locator {
 public:
     explicit Locator(std::string_view text) : text_(text) {}
 
-    /// `where` points into the text or at its end.
+    // `where` points into the text or at its end.
     Position locate(const char* where);
 
 private:
     std::string_view text_;
     std::size_t line_ = 1;
     std::size_t lineStart_ = 0;
-    std::size_t scanned_ = 0;  ///< line breaks before this offset are counted
+    std::size_t scanned_ = 0;  // line breaks before this offset are counted
 };
 
 }  // namespace kel::script

@@ -7,7 +7,7 @@
 
 namespace kel::script {
 
-/// Adds the script to the program. False when nothing of it may run; the listener knows why.
+// Adds the script to the program. False when nothing of it may run; the listener knows why.
 bool parseScript(std::string_view text, const Characters& characters, Program& program,
                  ParseListener& listener);
 

@@ -9,28 +9,28 @@
 
 namespace kel::script {
 
-/// Consecutive elements of one of the program's pools.
+// Consecutive elements of one of the program's pools.
 struct Range {
     std::size_t first = 0;
     std::size_t count = 0;
 };
 
-/// A text that stands for itself.
+// A text that stands for itself.
 struct Literal {
     std::string_view text;
 };
 
-/// The value of a variable, which must exist.
+// The value of a variable, which must exist.
 struct Reference {
     std::string_view name;
 };
 
-/// A bare word of a directive line: the value of the variable of that name, else the word.
+// A bare word of a directive line: the value of the variable of that name, else the word.
 struct Word {
     std::string_view text;
 };
 
-/// An element of the program's expressions.
+// An element of the program's expressions.
 struct ExpressionIndex {
     std::size_t index = 0;
 };
@@ -38,12 +38,12 @@ struct ExpressionIndex {
 using Operand = std::variant<Literal, Reference>;
 
 struct Call {
-    std::string_view name;  ///< empty: "input"
-    Range parameters;       ///< operands
+    std::string_view name;  // empty: "input"
+    Range parameters;       // operands
 };
 
 struct Expression {
-    std::optional<std::string_view> target;  ///< the variable that receives the value
+    std::optional<std::string_view> target;  // the variable that receives the value
     std::variant<Operand, Call> value;
 };
 
@@ -60,28 +60,28 @@ enum class ConditionalKind { If, ElseIf, Else, EndIf };
 struct Comparison {
     Operand left;
     Operand right;
-    bool isEqual = true;  ///< "==" rather than "!="
+    bool isEqual = true;  // "==" rather than "!="
 };
 
 struct Dialog {
     std::optional<Parameter> title;
-    Range items;  ///< expressions
+    Range items;  // expressions
 };
 
 // The kinds of records. What is larger than two words stands in a pool, so that the many plain
 // lines of a long script stay small.
 
-/// A line to be sent as it stands.
+// A line to be sent as it stands.
 struct PlainText {
     std::string_view text;
 };
 
-/// A line to be sent, with something to be put in.
+// A line to be sent, with something to be put in.
 struct ComposedText {
     Range segments;
 };
 
-/// A line that is evaluated and not sent.
+// A line that is evaluated and not sent.
 struct Evaluation {
     std::size_t expression = 0;
 };
@@ -92,7 +92,7 @@ struct DirectiveCall {
 
 struct Conditional {
     ConditionalKind kind = ConditionalKind::If;
-    std::size_t comparison = 0;  ///< of If and ElseIf
+    std::size_t comparison = 0;  // of If and ElseIf
 };
 
 struct DialogBlock {
@@ -100,12 +100,12 @@ struct DialogBlock {
 };
 
 struct Record {
-    const char* start;  ///< of the line, in the script's text
+    const char* start;  // of the line, in the script's text
     std::variant<PlainText, ComposedText, Evaluation, DirectiveCall, Conditional, DialogBlock> work;
 };
 
-/// Every view points into the script's text, which must outlive the program. Deques grow without
-/// copying, which would double the memory that a large script needs.
+// Every view points into the script's text, which must outlive the program. Deques grow without
+// copying, which would double the memory that a large script needs.
 struct Program {
     std::deque<Record> records;
     std::deque<Segment> segments;

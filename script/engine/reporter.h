@@ -14,12 +14,12 @@
 
 namespace kel::script {
 
-/// Shows errors on the host and keeps the diagnostics, with their places in the running script.
+// Shows errors on the host and keeps the diagnostics, with their places in the running script.
 class Reporter {
 public:
     Reporter(Host& host, Observer& observer) : host_(host), observer_(observer) {}
 
-    /// Makes a script the one that runs, for the life of the object.
+    // Makes a script the one that runs, for the life of the object.
     class Script {
     public:
         Script(Reporter& reporter, std::string_view text, std::string_view name);
@@ -38,26 +38,26 @@ public:
         const char* here_;
     };
 
-    /// Notes where the running script is; `where` points into its text.
+    // Notes where the running script is; `where` points into its text.
     void moveTo(const char* where) { running_->here_ = where; }
 
-    /// The number of the line that `moveTo` named last.
+    // The number of the line that `moveTo` named last.
     std::size_t line() { return running_->locator_.locate(running_->here_).line; }
 
-    /// Shows and records an error. Returns false, the result of the step that failed.
+    // Shows and records an error. Returns false, the result of the step that failed.
     bool errorAt(const char* where, std::string_view message,
                  std::initializer_list<std::string_view> parts = {});
 
-    /// The same at the place noted last.
+    // The same at the place noted last.
     bool error(std::string_view message, std::initializer_list<std::string_view> parts = {});
 
-    /// Records, without showing it, why a run ends. Returns false.
+    // Records, without showing it, why a run ends. Returns false.
     bool note(std::string message);
 
-    /// The same, unless something was told since `count` gave `countBefore`.
+    // The same, unless something was told since `count` gave `countBefore`.
     bool noteUnlessReported(std::size_t countBefore, std::string message);
 
-    /// Counts all errors and notes ever told.
+    // Counts all errors and notes ever told.
     std::size_t count() const { return count_; }
 
     const std::vector<Diagnostic>& diagnostics() const { return diagnostics_; }

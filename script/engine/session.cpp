@@ -7,7 +7,7 @@
 namespace kel::script {
 namespace {
 
-/// Shows the errors of a script that is to run; the first that fails it is enough.
+// Shows the errors of a script that is to run; the first that fails it is enough.
 class ErrorDisplay : public ParseListener {
 public:
     explicit ErrorDisplay(Reporter& reporter) : reporter_(reporter) {}

@@ -8,7 +8,7 @@
 
 namespace kel::script {
 
-/// Reads a line that is no directive.
+// Reads a line that is no directive.
 std::optional<Record> parseTextLine(Parse& parse, std::string_view line);
 
 }  // namespace kel::script

@@ -7,34 +7,34 @@
 
 namespace kel::script {
 
-/// The rules of plain ASCII; a host overrides them for the user's code page.
+// The rules of plain ASCII; a host overrides them for the user's code page.
 class TextRules {
 public:
     virtual ~TextRules() = default;
 
-    /// Whether the byte is the first half of a two-byte character.
+    // Whether the byte is the first half of a two-byte character.
     virtual bool isLeadByte(unsigned char byte) const;
 
-    /// Whether the byte, taken alone, is a letter.
+    // Whether the byte, taken alone, is a letter.
     virtual bool isLetter(unsigned char byte) const;
 
-    /// Texts that differ in letter case only have the same folded form.
+    // Texts that differ in letter case only have the same folded form.
     virtual std::string fold(std::string_view text) const;
 
     bool equal(std::string_view left, std::string_view right) const;
 };
 
-/// The classes of single bytes, looked up once so that parsing makes no virtual calls.
+// The classes of single bytes, looked up once so that parsing makes no virtual calls.
 class Characters {
 public:
     explicit Characters(const TextRules& rules);
 
-    /// Letters, digits and underscores.
+    // Letters, digits and underscores.
     bool isName(char c) const { return (classes_[index(c)] & kName) != 0; }
     bool isBlank(char c) const { return (classes_[index(c)] & kBlank) != 0; }
     bool isDigit(char c) const { return c >= '0' && c <= '9'; }
 
-    /// Bytes of the character at `position`: 2 for a lead byte with its trail byte, else 1.
+    // Bytes of the character at `position`: 2 for a lead byte with its trail byte, else 1.
     std::size_t width(std::string_view text, std::size_t position) const {
         const bool isLead = (classes_[index(text[position])] & kLead) != 0;
         return isLead && position + 1 < text.size() ? 2 : 1;
@@ -49,7 +49,7 @@ private:
     std::array<unsigned char, 256> classes_{};
 };
 
-/// Compares the language's own words, whose letters are ASCII in every code page.
+// Compares the language's own words, whose letters are ASCII in every code page.
 bool equalsWord(std::string_view text, std::string_view word);
 
 }  // namespace kel::script

@@ -11,19 +11,19 @@
 
 namespace kel::script {
 
-/// Variables in the order of their first assignment. The caller keeps the store across runs; names
-/// are the same when they differ in letter case only.
+// Variables in the order of their first assignment. The caller keeps the store across runs; names
+// are the same when they differ in letter case only.
 class VariableStore {
 public:
     struct Variable {
-        std::string name;  ///< as first spelled
+        std::string name;  // as first spelled
         std::string value;
     };
 
-    /// `rules` must outlive the store.
+    // `rules` must outlive the store.
     explicit VariableStore(const TextRules& rules) : rules_(rules) {}
 
-    /// Null when there is no such variable; else valid until the next `set` of it or `clear`.
+    // Null when there is no such variable; else valid until the next `set` of it or `clear`.
     const std::string* find(std::string_view name) const;
 
     void set(std::string_view name, std::string value);

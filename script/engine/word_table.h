@@ -12,8 +12,8 @@
 
 namespace kel::script {
 
-/// Rows are only ever appended, so that indexes and references to rows stay valid while a handler
-/// that is being called adds rows.
+// Rows are only ever appended, so that indexes and references to rows stay valid while a handler
+// that is being called adds rows.
 template <class Handler>
 class WordTable {
 public:
@@ -23,14 +23,14 @@ public:
         Handler handler;
     };
 
-    /// `rules` must outlive the table.
+    // `rules` must outlive the table.
     explicit WordTable(const TextRules& rules) : rules_(rules) {}
 
     void add(std::string_view name, long number, Handler handler) {
         rows_.push_back({rules_.fold(name), number, std::move(handler)});
     }
 
-    /// The first row at or after `from` that has the name in any letter case.
+    // The first row at or after `from` that has the name in any letter case.
     std::optional<std::size_t> find(std::string_view name, std::size_t from) const {
         const std::string folded = rules_.fold(name);
         for (std::size_t row = from; row < rows_.size(); ++row) {

@@ -1,5 +1,5 @@
-// Calls every member of a dual interface without anything: whoever has a result must refuse it.
 #pragma once
+// Calls every member of a dual interface without anything: whoever has a result must refuse it.
 
 #include <gtest/gtest.h>
 #include <windows.h>

@@ -1,5 +1,5 @@
-// The network address of an instrument.
 #pragma once
+// The network address of an instrument.
 
 #include <string>
 #include <string_view>

@@ -1,5 +1,5 @@
-// What the instrument sends, made readable on a terminal and in a file.
 #pragma once
+// What the instrument sends, made readable on a terminal and in a file.
 
 #include <string>
 #include <string_view>

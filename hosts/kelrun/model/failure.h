@@ -1,5 +1,5 @@
-// How a run can end, as the caller of the program learns it.
 #pragma once
+// How a run can end, as the caller of the program learns it.
 
 #include <stdexcept>
 #include <string>

@@ -1,5 +1,5 @@
-// The command line. Texts are UTF-8.
 #pragma once
+// The command line. Texts are UTF-8.
 
 #include <optional>
 #include <span>

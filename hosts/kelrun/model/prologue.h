@@ -1,5 +1,5 @@
-// The variables of the command line, in the words of the script language.
 #pragma once
+// The variables of the command line, in the words of the script language.
 
 #include <span>
 #include <string>

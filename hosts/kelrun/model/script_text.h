@@ -1,5 +1,5 @@
-// From the bytes of a script file to its text.
 #pragma once
+// From the bytes of a script file to its text.
 
 #include <optional>
 #include <string>

@@ -1,5 +1,5 @@
-// Between UTF-8, which is used inside, and UTF-16, which the platform and some files use.
 #pragma once
+// Between UTF-8, which is used inside, and UTF-16, which the platform and some files use.
 
 #include <optional>
 #include <string>

@@ -44,11 +44,11 @@ public:
     std::string transcript;
     std::string events;
     bool recordsEvents = false;
-    std::deque<Answers> answers;  ///< to the next questions; cancelled when there are no more
+    std::deque<Answers> answers;  // to the next questions; cancelled when there are no more
     bool acceptsLines = true;
     bool isCancelled = false;
     std::function<void()> onYield;
-    std::size_t callsBeforeFailure = SIZE_MAX;  ///< the call after them throws
+    std::size_t callsBeforeFailure = SIZE_MAX;  // the call after them throws
 
     VariableStore variables;
     WordTable<std::function<DirectiveOutcome(Parameters)>> directives;
@@ -75,7 +75,7 @@ struct Case {
     std::vector<Answers> answers = {};
 };
 
-/// Runs each case on a bench of its own.
+// Runs each case on a bench of its own.
 void expectRuns(std::initializer_list<Case> cases);
 
 }  // namespace kel::script

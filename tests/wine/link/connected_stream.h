@@ -1,5 +1,5 @@
-// A network stream with its peer, for tests of what all streams do.
 #pragma once
+// A network stream with its peer, for tests of what all streams do.
 
 #include "tests/wine/link/link_library.h"
 #include "tests/wine/link/tcp_peer.h"

@@ -1,5 +1,5 @@
-// The library under test, reached as a host without a registry would reach it.
 #pragma once
+// The library under test, reached as a host without a registry would reach it.
 
 #include <gtest/gtest.h>
 #include <winsock2.h>

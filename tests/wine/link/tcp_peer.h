@@ -1,5 +1,5 @@
-// The other ends of a connection: one that does what a test says, and the virtual instrument.
 #pragma once
+// The other ends of a connection: one that does what a test says, and the virtual instrument.
 
 #include <winsock2.h>
 

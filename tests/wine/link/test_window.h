@@ -1,5 +1,5 @@
-// A window that shows nothing: it collects what is echoed and runs a handler on request.
 #pragma once
+// A window that shows nothing: it collects what is echoed and runs a handler on request.
 
 #include <windows.h>
 

@@ -178,8 +178,9 @@ TEST_F(ControlTest, UnattendedRunsTakeTheirAnswers) {
     answer(L"msgbox", L"ok");
     answer(L"depth", L"12");
     answer(L"Burst", L"0");
-    EXPECT_TRUE(run("#MSGBOX ready\n@depth=input(\"How deep\")\n#DIALOG\ncheck(\"Burst\")\n"
-                    "#ENDDIALOG\nset %depth"));
+    EXPECT_TRUE(
+        run("#MSGBOX ready\n@depth=input(\"How deep\")\n#DIALOG\ncheck(\"Burst\")\n"
+            "#ENDDIALOG\nset %depth"));
     EXPECT_NE(link_.takeWork().find("WriteString \"set 12\""), std::string::npos);
     EXPECT_FALSE(run("#DIALOG\nmode=select(\"Mode\",\"a\")\n#ENDDIALOG"));
     EXPECT_NE(lastRun().find("No answer was set for mode"), std::string::npos) << lastRun();

@@ -1,5 +1,5 @@
-// A Preprocessor on a double of the link, and a double of a host's words.
 #pragma once
+// A Preprocessor on a double of the link, and a double of a host's words.
 
 #include <gtest/gtest.h>
 

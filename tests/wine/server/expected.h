@@ -1,5 +1,5 @@
-// The classes that the library must have, from class_table.txt.
 #pragma once
+// The classes that the library must have, from class_table.txt.
 
 #include <windows.h>
 

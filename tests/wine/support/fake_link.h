@@ -1,5 +1,5 @@
-// The instrument link as a double: one log of all calls, scripted answers, a hook inside each call.
 #pragma once
+// The instrument link as a double: one log of all calls, scripted answers, a hook inside each call.
 
 #include <deque>
 #include <functional>

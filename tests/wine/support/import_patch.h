@@ -1,5 +1,5 @@
-// Makes the platform fail for one loaded library, so that the product needs no seam for tests.
 #pragma once
+// Makes the platform fail for one loaded library, so that the product needs no seam for tests.
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// KelUtils.dll as a host sees it that does without registration: loaded from the build folder.
 #pragma once
+// KelUtils.dll as a host sees it that does without registration: loaded from the build folder.
 
 #include <windows.h>
 
