@@ -187,3 +187,32 @@ test_runs_without_a_connection() {
     kelrun 1 "$(script ver.kel 'ver\n')"
     expect "$errors" 'kelrun: ver.kel stopped on an error (neither --port nor --tcp was given)'
 }
+
+# Prints the blocks of a language in a page, each followed by a line of its own.
+blocks() { awk -v fence="\`\`\`$1" '$0 == "```" && on { on = 0; print "-- end" } on; $0 == fence { on = 1 }' "$2"; }
+
+# Prints the text blocks that follow blocks of a language.
+blocks_after() {
+    awk -v fence="\`\`\`$1" '$0 == fence { due = 1 } $0 == "```" && on { on = 0; print "-- end" } on
+        $0 == "```text" && due { on = 1; due = 0 }' "$2"
+}
+
+# Every JScript client in the documents prints what the block after it says.
+test_documented_clients() {
+    local page script=$folder/client.js count=0
+    for page in README.md docs/hosting.md; do
+        : >"$output"
+        while IFS= read -r line; do
+            if [[ $line == '-- end' ]]; then
+                wine cscript //nologo "$(windows_path "$script")" </dev/null 2>"$errors" | tr -d '\r' >>"$output"
+                printf -- '-- end\n' >>"$output"
+                : >"$script"
+                count=$((count + 1))
+            else
+                printf '%s\r\n' "$line" >>"$script"
+            fi
+        done < <(blocks js "$kel_root/$page")
+        blocks_after js "$kel_root/$page" | diff - "$output" >&2 || give_up "a client in $page prints something else"
+    done
+    ((count >= 4)) || give_up "only $count clients were found"
+}
