@@ -3,7 +3,6 @@
 
 #include <deque>
 #include <functional>
-#include <initializer_list>
 #include <span>
 #include <string>
 #include <vector>
@@ -13,8 +12,10 @@
 
 namespace kel::script {
 
-// Transcript, an entry a line: "> " a sent line, "! " an error, "#NAME a|b" a directive's call,
-// "name(a|b)" a function's call, "? title [kind caption=initial: choices -> target]" a question.
+// Transcript, an entry a line: a sent line in quotes, "! " an error, "#name a|b" a directive's
+// call, "name(a|b)" a function's call, "ask title [kind caption=initial: choices -> target]" a
+// question. Names of words are folded and end with their number; control characters are shown as
+// escapes.
 class ScriptBench : public Host, public Observer {
 public:
     using Parameters = std::span<const std::string>;
@@ -42,7 +43,6 @@ public:
     void diagnosed(const Diagnostic& diagnostic) override;
 
     std::string transcript;
-    std::string events;
     bool recordsEvents = false;
     std::deque<Answers> answers;  // to the next questions; cancelled when there are no more
     bool acceptsLines = true;
@@ -60,22 +60,14 @@ private:
 
     void event(const std::string& text);
     void countCall();
-    void write(std::string entry) { transcript += entry.append(1, '\n'); }
+    void write(std::string_view entry);
 
     std::string echoed_;
 };
 
 std::string join(std::span<const std::string> texts);
-std::string show(const Diagnostic& diagnostic);
 
-struct Case {
-    std::string script;
-    std::string transcript;
-    bool result = true;
-    std::vector<Answers> answers = {};
-};
-
-// Runs each case on a bench of its own.
-void expectRuns(std::initializer_list<Case> cases);
+// "script line:column severity message", a line each.
+std::string show(std::span<const Diagnostic> diagnostics);
 
 }  // namespace kel::script

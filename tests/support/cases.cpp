@@ -1,0 +1,73 @@
+#include "tests/support/cases.h"
+
+#include <algorithm>
+#include <fstream>
+#include <ostream>
+#include <stdexcept>
+#include <utility>
+
+namespace kel::test {
+namespace {
+
+constexpr std::string_view kLetters = "rntvb0\\ed";
+constexpr std::string_view kCharacters{"\r\n\t\v\b\0\\\x1b\x7f", 9};
+
+}  // namespace
+
+std::vector<Case> readCases(const char* path) {
+    std::ifstream file(path);
+    std::vector<Case> cases;
+    bool isInCase = false;
+    bool isDone = false;
+    int number = 0;
+    for (std::string line; std::getline(file, line);) {
+        ++number;
+        const bool wasInCase = std::exchange(isInCase, !line.empty() && !line.starts_with("# "));
+        if (!isInCase) continue;
+        if (!wasInCase) cases.emplace_back();
+        const bool isExpected = line[0] != '>' && line[0] != '?';
+        std::vector<Step>& steps = cases.back().steps;
+        if (!wasInCase || (isDone && !isExpected)) steps.push_back({number, {}, {}, {}});
+        isDone = isExpected;
+        const std::size_t start = std::min<std::size_t>(2, line.size());
+        if (isExpected) {
+            steps.back().expected += line + "\n";
+        } else if (line[0] == '?') {
+            steps.back().settings.push_back(unescaped(line.substr(start)));
+        } else {
+            steps.back().input += unescaped(line.substr(start)) + "\n";
+        }
+    }
+    if (cases.empty()) throw std::runtime_error(std::string("There are no cases in ") + path);
+    return cases;
+}
+
+void PrintTo(const Case& row, std::ostream* stream) {
+    *stream << "Line" << row.steps.front().line;
+}
+
+std::string escaped(std::string_view text) {
+    std::string shown;
+    for (const char character : text) {
+        const std::size_t known = kCharacters.find(character);
+        shown += known == kCharacters.npos || character == '\\'
+                     ? std::string(1, character)
+                     : std::string("\\") + kLetters[known];
+    }
+    return shown;
+}
+
+std::string unescaped(std::string_view text) {
+    std::string meant;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\\') {
+            meant += text[i];
+            continue;
+        }
+        const std::size_t known = kLetters.find(text.at(++i));
+        meant += kCharacters.at(known);
+    }
+    return meant;
+}
+
+}  // namespace kel::test

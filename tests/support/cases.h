@@ -1,0 +1,44 @@
+#pragma once
+// Cases that stand in a text file, so that they read as what they are.
+//
+//     # A remark.
+//     > what is done, a line or more
+//     ? a setting
+//     what is expected, a line or more
+//
+// Another ">" or "?" begins the next step of the case, an empty line or a remark ends the case.
+// Escapes stand for what no line shows: \r \n \t \v \b \0 \\, \e for ESC, \d for DEL.
+
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kel::test {
+
+struct Step {
+    int line = 0;
+
+    // Each line with its end.
+    std::string input;
+    std::vector<std::string> settings;
+
+    // Each line with its end, escapes as they stand.
+    std::string expected;
+};
+
+struct Case {
+    std::vector<Step> steps;
+};
+
+// Throws when there is no such file, or no case in it.
+std::vector<Case> readCases(const char* path);
+
+// Names a case by its line.
+void PrintTo(const Case& row, std::ostream* stream);
+
+// A text as the file shows it: control characters by their escapes.
+std::string escaped(std::string_view text);
+std::string unescaped(std::string_view text);
+
+}  // namespace kel::test
