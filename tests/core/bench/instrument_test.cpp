@@ -1,19 +1,20 @@
+// What the instrument answers stands in dialogues.txt; here is what needs a store, chance or a
+// count.
 #include "bench/instrument/instrument.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <string_view>
+
+#include "tests/support/cases.h"
 
 namespace kel::bench {
 namespace {
 
 using namespace std::chrono_literals;
-using namespace std::string_literals;
-
-constexpr std::string_view kBanner = "\r\nKel virtual field instrument, firmware 1.0\r\n>";
-constexpr std::string_view kThreeLineEnds = "\r\r\r";
 
 // An instrument with a clock that stands unless a test moves it.
 class Bench {
@@ -44,88 +45,58 @@ public:
     Instrument instrument;
 };
 
-InstrumentOptions atMidday() {
-    InstrumentOptions options;
-    options.clock = std::chrono::local_days{std::chrono::year{2024} / 3 / 9} + 12h;
-    return options;
+// "asleep, nothing due" or "awake, due in 5 ms".
+std::string stateOf(const Bench& bench) {
+    const auto due = bench.instrument.nextDue();
+    return std::string(bench.instrument.asleep() ? "asleep" : "awake") +
+           (due ? ", due in " + std::to_string((*due - bench.now) / 1ms) + " ms" : ", nothing due");
 }
 
-struct Dialogue {
-    const char* command;
-    const char* answer;
+class DialogueCase : public testing::TestWithParam<test::Case> {
+protected:
+    // Makes another instrument when a setting demands it.
+    void prepare(const test::Step& step) {
+        InstrumentOptions options;
+        options.clock = std::chrono::local_days{std::chrono::year{2024} / 3 / 9} + 12h;
+        for (const std::string& setting : step.settings) {
+            if (setting == "silent") options.silent = true;
+            if (setting.starts_with("slow "))
+                options.slow = std::chrono::milliseconds(std::stol(setting.substr(5)));
+        }
+        if (!bench_ || options.silent || options.slow.count() > 0) bench_.emplace(options);
+    }
+
+    // Does what a step says, and shows what is received.
+    std::string play(const test::Step& step) {
+        if (step.settings.empty()) return bench_->ask(step.input.substr(0, step.input.size() - 1));
+        std::string shown;
+        for (const std::string& setting : step.settings) {
+            const std::string_view bytes(step.input.data(), step.input.size() - 1);
+            if (setting == "state") return stateOf(*bench_);
+            if (setting == "drop") bench_->instrument.dropLine();
+            if (setting == "raw") shown += bench_->say(bytes);
+            if (setting.starts_with("later ")) {
+                shown += bench_->later(std::chrono::milliseconds(std::stol(setting.substr(6))));
+            }
+            for (std::size_t i = 0; setting == "cut" && i < bytes.size(); ++i)
+                shown += bench_->say(bytes.substr(i, 1));
+        }
+        return "\"" + shown + "\"";
+    }
+
+    std::optional<Bench> bench_;
 };
 
-TEST(InstrumentCommands, AreAnswered) {
-    Bench bench(atMidday());
-    const Dialogue dialogues[] = {
-        {"sernum", "Serial Number: D123."},
-        {"SerNum", "Serial Number: D123."},
-        {" get \t interval ", "600"},
-        {"set INTERVAL 0900", "OK"},
-        {"get interval", "900"},
-        {"set interval 1.5x", "ERROR: bad value, interval takes 1 to 86400"},
-        {"set interval 86401", "ERROR: bad value, interval takes 1 to 86400"},
-        {"set interval nan", "ERROR: bad value, interval takes 1 to 86400"},
-        {"set interval", "ERROR: missing value"},
-        {"get interval", "900"},
-        {"set depth 5", "ERROR: unknown setting"},
-        {"get", "ERROR: missing name"},
-        {"set recorder OFF", "OK"},
-        {"get recorder", "off"},
-        {"set station \"North mole 7\"", "OK"},
-        {"get station", "North mole 7"},
-        {"set station a>b", "ERROR: bad value, station takes 1 to 32 characters"},
-        {"pressoffset set  -1.250", "OK"},
-        {"pressoffset", "Pressure Offset: -1.250 dbar"},
-        {"pressoffset put 1", "ERROR: set expected"},
-        {"clock", "2024/03/09 12:00:00"},
-        {"clock set 2024/02/29 23:59:59", "OK"},
-        {"clock", "2024/02/29 23:59:59"},
-        {"clock set 2023/02/29 00:00:00", "ERROR: bad value, clock takes YYYY/MM/DD HH:MM:SS"},
-        {"clock set 2024/02/29T00:00:00", "ERROR: bad value, clock takes YYYY/MM/DD HH:MM:SS"},
-        {"sample", "2024/02/29 23:59:59 8.882 dbar 123.4 1.5 -0.8 deg"},
-        {"set declination -130", "OK"},
-        {"sample", "2024/02/29 23:59:59 8.882 dbar 353.4 1.5 -0.8 deg"},
-        {"defaults", "OK"},
-        {"get interval", "600"},
-        {"0M!", "ERROR: unknown command"},
-        {"?!", "ERROR: unknown command"},
-        {"SLEEPING", "ERROR: unknown command"},
-    };
-    for (const auto& [command, answer] : dialogues)
-        EXPECT_EQ(bench.ask(command), answer) << command;
+TEST_P(DialogueCase, IsHeldAsExpected) {
+    for (const test::Step& step : GetParam().steps) {
+        prepare(step);
+        EXPECT_EQ(test::escaped(play(step)) + "\n", step.expected) << "line " << step.line;
+    }
 }
 
-TEST(InstrumentCommands, DeploymentLocksTheSettingsAndRecords) {
-    Bench bench(atMidday());
-    const Dialogue before[] = {
-        {"halt", "ERROR: not deployed"},
-        {"set average 601", "OK"},
-        {"deploy", "ERROR: the average is longer than the interval"},
-        {"set burst 1200", "OK"},
-        {"set start 2024/03/09 11:59:59", "OK"},
-        {"deploy", "ERROR: the start has passed"},
-        {"set start 2024/03/09 12:10:00", "OK"},
-        {"deploy", "OK"},
-        {"deploy", "ERROR: deployed, halt first"},
-        {"set interval 5", "ERROR: deployed, halt first"},
-        {"defaults", "ERROR: deployed, halt first"},
-        {"erase", "ERROR: deployed, halt first"},
-        {"status", "Station: unnamed\r\nState: deployed, begins 2024/03/09 12:10:00\r\nRecords: 0"},
-    };
-    for (const auto& [command, answer] : before)
-        EXPECT_EQ(bench.ask(command), answer) << command;
-
-    bench.later(10min + 25min);
-    EXPECT_EQ(bench.ask("status"),
-              "Station: unnamed\r\nState: deployed since 2024/03/09 12:10:00\r\nRecords: 2");
-    EXPECT_EQ(bench.ask("halt"), "OK");
-    bench.later(1h);
-    EXPECT_EQ(bench.ask("status"), "Station: unnamed\r\nState: idle\r\nRecords: 2");
-    EXPECT_EQ(bench.say("erase\r"), "erase\r\n");
-    EXPECT_EQ(bench.later(2s), "OK\r\n>");
-    EXPECT_TRUE(bench.ask("status").ends_with("Records: 0"));
-}
+INSTANTIATE_TEST_SUITE_P(Instrument, DialogueCase,
+                         testing::ValuesIn(test::readCases(KEL_INSTRUMENT_DIALOGUES)),
+                         testing::PrintToStringParamName());
 
 TEST(InstrumentCommands, OnlySavedSettingsOutliveThePower) {
     InstrumentOptions options;
@@ -159,87 +130,6 @@ TEST(InstrumentLine, PromptAndAcknowledgementAreNeverPartOfOtherAnswers) {
     }
 }
 
-TEST(InstrumentLine, EditsAndEndsLines) {
-    const struct {
-        std::string received;
-        std::string sent;
-    } cases[] = {
-        {"\r", "\r\n>"},
-        {" \r", " \r\n>"},
-        {"\r\n\r\n", "\r\n>\r\n>"},
-        {"\n\n", "\r\n>\r\n>"},
-        {"\n\r", "\r\n>\r\n>"},
-        {"seX\br\x7frnum\r", "seX\b \br\b \brnum\r\nSerial Number: D123.\r\n>"},
-        {"\b\x1b\r", "\r\n>"},
-        {std::string(257, 'x') + "\r", std::string(257, 'x') + "\r\nERROR: line too long\r\n>"},
-        {"half\0"s, std::string(kBanner)},
-    };
-    for (const auto& [received, sent] : cases) {
-        EXPECT_EQ(Bench().say(received), sent) << received;
-        Bench split;
-        std::string pieces;
-        for (const char byte : received)
-            pieces += split.say({&byte, 1});
-        EXPECT_TRUE(pieces.ends_with(sent)) << received;
-        EXPECT_EQ(split.ask("get rate"), "2") << "after " << received;
-    }
-}
-
-TEST(InstrumentLine, SleepsUntilABreakOrThreeLineEnds) {
-    for (const auto& waker : {std::string(kThreeLineEnds), "\r\n\r\n\r\n"s, "x\0"s}) {
-        Bench bench;
-        EXPECT_EQ(bench.say("sleep\r\nsernum\r\r"), "sleep\r\nOK\r\n");
-        EXPECT_EQ(bench.later(1h), "");
-        EXPECT_EQ(bench.instrument.nextDue(), std::nullopt);
-        EXPECT_EQ(bench.say("x" + waker), "");
-        EXPECT_EQ(bench.later(299ms), "");
-        EXPECT_EQ(bench.say("lost\r"), "");
-        EXPECT_EQ(bench.instrument.nextDue(), bench.now + 1ms);
-        EXPECT_EQ(bench.later(1ms), kBanner);
-        EXPECT_EQ(bench.ask("get rate"), "2");
-    }
-}
-
-TEST(InstrumentLine, FallsAsleepWhenIdle) {
-    Bench bench;
-    bench.ask("set timeout 30");
-    bench.later(29s);
-    EXPECT_EQ(bench.ask("get timeout"), "30");
-    bench.say("half");
-    EXPECT_EQ(bench.instrument.nextDue(), bench.now + 30s);
-    bench.later(30s);
-    EXPECT_TRUE(bench.instrument.asleep());
-    bench.say(kThreeLineEnds);
-    EXPECT_EQ(bench.later(300ms), kBanner);
-    EXPECT_EQ(bench.ask("get rate"), "2");
-}
-
-TEST(InstrumentLine, MonitorsUntilALineEndOrABreak) {
-    for (const auto& [ender, reply] :
-         {std::pair{"x\r"s, "\r\n>"s}, std::pair{"\0"s, std::string(kBanner)}}) {
-        Bench bench;
-        EXPECT_EQ(bench.say("monitor\r"), "monitor\r\nOK\r\n");
-        EXPECT_EQ(bench.later(999ms), "");
-        const auto samples = bench.later(2001ms);
-        EXPECT_EQ(std::count(samples.begin(), samples.end(), '\n'), 3) << samples;
-        EXPECT_EQ(bench.say(ender), reply);
-        EXPECT_EQ(bench.later(1h), "");
-    }
-}
-
-TEST(InstrumentFaults, SlowAnswersComeOneAfterTheOther) {
-    InstrumentOptions options;
-    options.slow = 2500ms;
-    Bench bench(options);
-    EXPECT_EQ(bench.say("ver\rget rate\r"), "ver\r\n");
-    EXPECT_EQ(bench.later(2499ms), "");
-    EXPECT_TRUE(bench.later(1ms).ends_with(">get rate\r\n"));
-    EXPECT_EQ(bench.later(2499ms), "");
-    bench.instrument.dropLine();
-    EXPECT_EQ(bench.later(1ms), "");
-    EXPECT_EQ(bench.say("ver\r\0"s), kBanner) << "a break drops the answer under way";
-}
-
 TEST(InstrumentFaults, GarblesTheSameBytesForTheSameSeed) {
     InstrumentOptions options;
     const auto clean = Bench(options).ask("help");
@@ -267,14 +157,6 @@ TEST(InstrumentFaults, VanishesAfterTheLastAnswerWasTaken) {
     EXPECT_FALSE(bench.instrument.vanished());
     EXPECT_EQ(bench.instrument.take(bench.now), "get rate\r\n2\r\n>");
     EXPECT_TRUE(bench.instrument.vanished());
-}
-
-TEST(InstrumentFaults, SilentInstrumentStillObeys) {
-    InstrumentOptions options;
-    options.silent = true;
-    Bench bench(options);
-    EXPECT_EQ(bench.say("ver\rsleep\r"), "");
-    EXPECT_TRUE(bench.instrument.asleep());
 }
 
 }  // namespace
