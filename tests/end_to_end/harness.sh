@@ -34,6 +34,7 @@ instrument() {
         pty) transport=(--pty) ;;
         tcp) transport=(--tcp 0) ;;
     esac
+    rm -f -- "$folder/address" # of an earlier one
     become_detached "$KEL_VIRTUAL_INSTRUMENT" "${transport[@]}" --time-scale "$time_scale" \
         --parent $$ "$@" >"$folder/address" 2>"$folder/instrument" &
     at_exit end_process $!
