@@ -1,6 +1,7 @@
 #include "hosts/kelrun/model/dialogue_text.h"
 
 #include "hosts/kelrun/model/unicode.h"
+#include "hosts/kelrun/model/visible_text.h"
 
 namespace kel::kelrun {
 namespace {
@@ -9,20 +10,6 @@ constexpr std::string_view kErrorMark = "ERROR: ";
 
 // Nobody reads further, and an instrument that never ends a line must not fill the memory.
 constexpr std::size_t kLongestErrorLine = 4096;
-
-constexpr char16_t kReplacement = 0xFFFD;
-constexpr char16_t kFirstControlPicture = 0x2400;
-constexpr char16_t kDelete = 0x7F;
-constexpr char16_t kDeletePicture = 0x2421;
-constexpr char16_t kLastUpperControl = 0x9F;
-
-char16_t visible(char16_t character) {
-    if (character == u'\t') return character;
-    if (character < u' ') return static_cast<char16_t>(kFirstControlPicture + character);
-    if (character == kDelete) return kDeletePicture;
-    if (character > kDelete && character <= kLastUpperControl) return kReplacement;
-    return character;
-}
 
 }  // namespace
 

@@ -1,0 +1,49 @@
+#include "hosts/kelrun/model/diagnostic.h"
+
+#include <string_view>
+
+#include "hosts/kelrun/model/json.h"
+#include "hosts/kelrun/model/visible_text.h"
+
+namespace kel::kelrun {
+namespace {
+
+std::string place(const Diagnostic& diagnostic) {
+    std::string text = oneLine(diagnostic.file) + ':';
+    if (diagnostic.line > 0) {
+        text += std::to_string(diagnostic.line) + ':' + std::to_string(diagnostic.column) + ':';
+    }
+    return text + ' ';
+}
+
+std::string_view severity(const Diagnostic& diagnostic) {
+    return diagnostic.isError ? "error" : "warning";
+}
+
+}  // namespace
+
+std::string placeAndMessage(const Diagnostic& diagnostic) {
+    return place(diagnostic) + oneLine(diagnostic.message);
+}
+
+std::string compilerText(const Diagnostic& diagnostic) {
+    return place(diagnostic).append(severity(diagnostic)).append(": ") +
+           oneLine(diagnostic.message);
+}
+
+std::string toJson(std::span<const Diagnostic> diagnostics) {
+    std::string text = "[";
+    for (const Diagnostic& diagnostic : diagnostics) {
+        text += text.size() > 1 ? ",\n" : "\n";
+        text += JsonObject()
+                    .add("file", diagnostic.file)
+                    .add("line", static_cast<long long>(diagnostic.line))
+                    .add("column", static_cast<long long>(diagnostic.column))
+                    .add("severity", severity(diagnostic))
+                    .add("message", diagnostic.message)
+                    .text();
+    }
+    return text + "\n]\n";
+}
+
+}  // namespace kel::kelrun

@@ -1,0 +1,107 @@
+#include "hosts/kelrun/model/transcript.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "hosts/kelrun/model/unicode.h"
+
+namespace kel::kelrun {
+namespace {
+
+constexpr std::u16string_view kErrorMark = u"\r\nERROR: ";
+
+// An instrument that never ends a line must not fill the memory.
+constexpr std::size_t kLongestReceived = 4096;
+
+// True when one of the texts is the beginning of the other.
+bool agree(std::u16string_view left, std::u16string_view right) {
+    const std::size_t size = std::min(left.size(), right.size());
+    return left.substr(0, size) == right.substr(0, size);
+}
+
+// Size of the longest end of the text that may be the beginning of a mark.
+std::size_t sizeOfBegunMark(std::u16string_view text) {
+    std::size_t size = std::min(text.size(), kErrorMark.size() - 1);
+    while (!kErrorMark.starts_with(text.substr(text.size() - size)))
+        --size;
+    return size;
+}
+
+}  // namespace
+
+void Transcript::lineStarted(std::string_view file, std::size_t line) {
+    finishShown();
+    file_ = file;
+    line_ = line;
+    write("line", file == script_ ? toUtf8(source_.line(line)) : std::string());
+}
+
+void Transcript::sent(std::string_view text) {
+    finishShown();
+    write("sent", text);
+}
+
+void Transcript::errorFound(std::string_view file, std::size_t line, std::u16string_view message) {
+    file_ = file;
+    line_ = line;
+    expected_.emplace_back(message);
+}
+
+// The stream collects what it shows: an error may stand in the middle of a piece, or in two.
+void Transcript::shown(std::u16string_view piece) {
+    undecided_ += piece;
+    while (!expected_.empty()) {
+        const std::size_t mark = undecided_.find(kErrorMark);
+        const std::size_t decided =
+            mark != std::u16string::npos ? mark : undecided_.size() - sizeOfBegunMark(undecided_);
+        receive(std::u16string_view(undecided_).substr(0, decided));
+        undecided_.erase(0, decided);
+        if (mark == std::u16string::npos) return;
+
+        const auto message = std::u16string_view(undecided_).substr(kErrorMark.size());
+        while (!expected_.empty() && !agree(expected_.front(), message))
+            expected_.pop_front();
+        if (expected_.empty()) break;
+        const std::size_t size = kErrorMark.size() + expected_.front().size();
+        if (undecided_.size() < size) return;
+        finishReceived();
+        write("echo", toUtf8(std::u16string_view(undecided_).substr(0, size)));
+        undecided_.erase(0, size);
+        expected_.pop_front();
+    }
+    receive(std::exchange(undecided_, {}));
+}
+
+void Transcript::ended(int exitCode, std::string_view words) {
+    finishShown();
+    write_(entry("result", words).add("code", exitCode).text() + '\n');
+}
+
+void Transcript::receive(std::u16string_view text) {
+    for (const char16_t character : text) {
+        received_ += character;
+        if (character == u'\n' || received_.size() == kLongestReceived) finishReceived();
+    }
+}
+
+void Transcript::finishReceived() {
+    if (!received_.empty()) write("received", toUtf8(std::exchange(received_, {})));
+}
+
+void Transcript::finishShown() {
+    receive(std::exchange(undecided_, {}));
+    finishReceived();
+}
+
+void Transcript::write(std::string_view kind, std::string_view text) {
+    write_(entry(kind, text).text() + '\n');
+}
+
+JsonObject Transcript::entry(std::string_view kind, std::string_view text) const {
+    JsonObject object;
+    object.add("ms", now_()).add("kind", kind).add("text", text).add("file", file_);
+    object.add("line", static_cast<long long>(line_));
+    return object;
+}
+
+}  // namespace kel::kelrun
