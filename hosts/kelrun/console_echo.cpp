@@ -5,14 +5,16 @@
 
 namespace kel::kelrun {
 
-ConsoleEcho::ConsoleEcho(bool errorsOnly)
-    : errorsOnly_(errorsOnly), output_(errorsOnly ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE) {}
+ConsoleEcho::ConsoleEcho(bool errorsOnly, Transcript* transcript)
+    : errorsOnly_(errorsOnly),
+      transcript_(transcript),
+      output_(errorsOnly ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE) {}
 
 void ConsoleEcho::finish() {
     if (errorsOnly_) {
         output_.write(errors_.finish());
     } else if (!text_.atLineStart()) {
-        show(L"\n");
+        show(u"\n");
     }
 }
 
@@ -22,7 +24,7 @@ LRESULT ConsoleEcho::handle(UINT message, WPARAM first, LPARAM second) noexcept 
             return TRUE;  // the end is the only place there is
         case EM_REPLACESEL:
             try {
-                if (second) show(reinterpret_cast<const wchar_t*>(second));
+                if (second) take(reinterpret_cast<const char16_t*>(second));
             } catch (const std::exception&) {
                 outOfMemory_ = true;
             }
@@ -32,8 +34,13 @@ LRESULT ConsoleEcho::handle(UINT message, WPARAM first, LPARAM second) noexcept 
     }
 }
 
-void ConsoleEcho::show(std::wstring_view text) {
-    const std::string readable = text_.next(std::u16string(text.begin(), text.end()));
+void ConsoleEcho::take(std::u16string_view text) {
+    show(text);
+    if (transcript_) transcript_->shown(text);
+}
+
+void ConsoleEcho::show(std::u16string_view text) {
+    const std::string readable = text_.next(text);
     output_.write(errorsOnly_ ? errors_.next(readable) : readable);
 }
 

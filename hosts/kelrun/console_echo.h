@@ -1,11 +1,13 @@
 #pragma once
-// The echo window of the stream: what it is given to show goes to standard output.
+// The echo window of the stream: what it is given to show goes to standard output, and into the
+// transcript.
 
 #include <string_view>
 
 #include "hosts/kelrun/console_output.h"
 #include "hosts/kelrun/message_window.h"
 #include "hosts/kelrun/model/dialogue_text.h"
+#include "hosts/kelrun/model/transcript.h"
 
 namespace kel::kelrun {
 
@@ -13,7 +15,8 @@ namespace kel::kelrun {
 class ConsoleEcho final : public MessageWindow {
 public:
     // `errorsOnly` leaves the dialogue out, and shows on standard error what went wrong.
-    explicit ConsoleEcho(bool errorsOnly);
+    // `transcript` may be null; else it is given all texts, and must outlive this.
+    ConsoleEcho(bool errorsOnly, Transcript* transcript);
 
     // Ends the line that is being shown, so that other words begin a new one.
     void finish();
@@ -23,9 +26,11 @@ public:
 
 private:
     LRESULT handle(UINT message, WPARAM first, LPARAM second) noexcept override;
-    void show(std::wstring_view text);
+    void take(std::u16string_view text);
+    void show(std::u16string_view text);
 
     bool errorsOnly_;
+    Transcript* transcript_;
     ConsoleOutput output_;
     DialogueText text_;
     ErrorLines errors_;

@@ -2,13 +2,17 @@
 
 #include <chrono>
 #include <cstdio>
+#include <optional>
 #include <string>
+#include <vector>
 
-#include "com/text.h"
+#include "hosts/kelrun/check.h"
 #include "hosts/kelrun/error_text.h"
-#include "hosts/kelrun/model/prologue.h"
+#include "hosts/kelrun/model/visible_text.h"
+#include "hosts/kelrun/preprocessor.h"
 #include "hosts/kelrun/script_file.h"
 #include "hosts/kelrun/session.h"
+#include "hosts/kelrun/transcript_file.h"
 
 namespace kel::kelrun {
 namespace {
@@ -23,16 +27,14 @@ public:
     Apartment& operator=(const Apartment&) = delete;
 };
 
+// How the script ended, and why: nothing when there is no more to tell, or more than one line.
+struct Ending {
+    ExitCode code;
+    std::vector<std::string> reasons;
+};
+
 void say(ConsoleOutput& errors, const std::string& text) {
     errors.write("kelrun: " + text + "\n");
-}
-
-std::wstring prologueText(const Options& options) {
-    std::wstring text = com::widen(prologue(options.variables), CP_UTF8);
-    if (!fitsCodePage(text)) {
-        throw Failure(ExitCode::kUsage, "--var: a character is not in the user's code page");
-    }
-    return text;
 }
 
 std::string seconds(Clock::duration time) {
@@ -41,22 +43,26 @@ std::string seconds(Clock::duration time) {
     return text;
 }
 
-ExitCode runScript(Session& session, const std::wstring& prologue, const std::wstring& script) {
-    const bool ran = (prologue.empty() || session.run(prologue)) && !session.wasCancelled() &&
-                     session.run(script);
-    if (session.wasCancelled()) return ExitCode::kCancelled;
-    return ran ? ExitCode::kRan : ExitCode::kScriptFailed;
+// All that went wrong on the line on which a run ended; the first is the cause of the others.
+std::vector<std::string> endOfRun(const std::vector<Diagnostic>& wrong) {
+    std::vector<std::string> texts;
+    for (const Diagnostic& one : wrong) {
+        const Diagnostic& last = wrong.back();
+        if (one.line == last.line && one.file == last.file) texts.push_back(placeAndMessage(one));
+    }
+    return texts;
 }
 
 // A link that fails because its wait was interrupted has still been cancelled.
-ExitCode runReportingFailure(Session& session, const std::wstring& prologue,
-                             const std::wstring& script, ConsoleOutput& errors) {
+Ending runScript(Session& session, const Preprocessor& preprocessor, const std::wstring& script) {
     try {
-        return runScript(session, prologue, script);
+        const bool ran = session.run(script);
+        if (session.wasCancelled()) return {ExitCode::kCancelled, {}};
+        if (ran) return {ExitCode::kRan, {}};
+        return {ExitCode::kScriptFailed, endOfRun(preprocessor.lastRun())};
     } catch (const com::Error& error) {
-        session.finishDialogue();
-        say(errors, describe(error));
-        return session.wasCancelled() ? ExitCode::kCancelled : ExitCode::kScriptFailed;
+        return {session.wasCancelled() ? ExitCode::kCancelled : ExitCode::kScriptFailed,
+                {describe(error)}};
     }
 }
 
@@ -69,26 +75,69 @@ std::string endText(ExitCode code, const Options& options, const std::string& na
            (isConnected ? "" : " (neither --port nor --tcp was given)");
 }
 
+void printVariables(const Preprocessor& preprocessor, ConsoleOutput& errors) {
+    ConsoleOutput output(STD_OUTPUT_HANDLE);
+    for (const NamedText& variable : preprocessor.variables())
+        output.write(oneLine(variable.name) + '=' + oneLine(variable.value) + '\n');
+    if (output.isBroken()) say(errors, "the variables could not be shown to their end");
+}
+
+ExitCode runConnected(const Options& options, const ScriptFile& script,
+                      const Preprocessor& preprocessor, Transcript* transcript,
+                      ConsoleOutput& errors) {
+    Session session(options, preprocessor, transcript);
+    const auto start = Clock::now();
+    const Ending ending = runScript(session, preprocessor, script.text);
+    const std::string words = endText(ending.code, options, script.name, Clock::now() - start);
+
+    if (!session.finishDialogue()) say(errors, "the dialogue could not be shown to its end");
+    if (transcript) {
+        transcript->ended(static_cast<int>(ending.code),
+                          ending.reasons.empty() ? words : ending.reasons.front());
+    }
+    if (options.printVariables) printVariables(preprocessor, errors);
+    for (const std::string& reason : ending.reasons)
+        say(errors, reason);
+    if (ending.code != ExitCode::kRan || !options.quiet) say(errors, words);
+    return ending.code;
+}
+
+ExitCode runWithTranscript(const Options& options, const ScriptFile& script,
+                           const Preprocessor& preprocessor, ConsoleOutput& errors) {
+    if (options.transcript.empty()) {
+        return runConnected(options, script, preprocessor, nullptr, errors);
+    }
+    TranscriptFile file(options.transcript, preprocessor.scriptName(), script.text);
+    try {
+        const ExitCode code =
+            runConnected(options, script, preprocessor, &file.transcript(), errors);
+        if (file.isIncomplete()) say(errors, "the transcript could not be written to its end");
+        return code;
+    } catch (const Failure& failure) {
+        file.transcript().ended(static_cast<int>(failure.code()), failure.what());
+        throw;
+    }
+}
+
 }  // namespace
 
 ExitCode run(const Options& options, ConsoleOutput& errors) {
     const ScriptFile script = readScript(options.script);
-    const std::wstring prologue = prologueText(options);
     if (!fitsCodePage(script.text)) {
         say(errors, script.name + " holds characters outside the user's code page; they are lost");
     }
 
     const Apartment apartment;
-    Session session(options, script.folder);
-    const auto start = Clock::now();
-    const ExitCode code = runReportingFailure(session, prologue, script.text, errors);
-    const auto time = Clock::now() - start;
+    const Preprocessor preprocessor(options, script.folder);
+    if (options.check) return showCheck(options, script, preprocessor, errors);
 
-    if (!session.finishDialogue()) say(errors, "the dialogue could not be shown to its end");
-    if (code != ExitCode::kRan || !options.quiet) {
-        say(errors, endText(code, options, script.name, time));
+    const std::size_t count = showErrors(script, preprocessor, errors);
+    if (count > 0 && !options.keepGoing) {
+        say(errors, script.name + " was not started: it has " + std::to_string(count) +
+                        (count == 1 ? " error" : " errors") + " (--keep-going runs it anyway)");
+        return ExitCode::kScriptFailed;
     }
-    return code;
+    return runWithTranscript(options, script, preprocessor, errors);
 }
 
 }  // namespace kel::kelrun

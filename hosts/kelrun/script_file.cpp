@@ -3,11 +3,11 @@
 #include <windows.h>
 
 #include <filesystem>
-#include <memory>
 #include <stdexcept>
 
 #include "com/text.h"
 #include "hosts/kelrun/error_text.h"
+#include "hosts/kelrun/file_handle.h"
 #include "hosts/kelrun/model/failure.h"
 #include "hosts/kelrun/model/script_text.h"
 
@@ -16,12 +16,6 @@ namespace {
 
 // Far above any script; text, lines and records of one must fit into a 32-bit process together.
 constexpr DWORD kLargestFile = 64 * 1024 * 1024;
-
-struct CloseFile {
-    using pointer = HANDLE;
-    void operator()(HANDLE handle) const { CloseHandle(handle); }
-};
-using FileHandle = std::unique_ptr<HANDLE, CloseFile>;
 
 class Reader {
 public:
@@ -103,7 +97,7 @@ ScriptFile readScript(const std::string& path) {
             std::move(text)};
 }
 
-bool fitsCodePage(const std::wstring& text) {
+bool fitsCodePage(std::wstring_view text) {
     if (GetACP() == CP_UTF8 || text.empty()) return true;
     BOOL isReplaced = FALSE;
     WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, text.data(), static_cast<int>(text.size()),

@@ -2,6 +2,7 @@
 // The script to run, from its file.
 
 #include <string>
+#include <string_view>
 
 namespace kel::kelrun {
 
@@ -16,6 +17,6 @@ struct ScriptFile {
 ScriptFile readScript(const std::string& path);
 
 // True when nothing of the text is lost in the user's code page, in which scripts run.
-bool fitsCodePage(const std::wstring& text);
+bool fitsCodePage(std::wstring_view text);
 
 }  // namespace kel::kelrun

@@ -7,8 +7,6 @@
 namespace kel::kelrun {
 namespace {
 
-constexpr char kPreprocessor[] = "KelUtils.Preprocessor";
-constexpr char kPreprocessorRemedy[] = "run regsvr32 KelUtils.dll";
 constexpr char kLinkRemedy[] =
     "register the instrument link's library with regsvr32, or choose another with --link";
 
@@ -18,25 +16,23 @@ long handleNumber(HWND window) {
 
 }  // namespace
 
-Session::Session(const Options& options)
-    : preprocessor_(create<IPreprocessorControl>(kPreprocessor, kPreprocessorRemedy)),
+Session::Session(const com::ComPtr<IPreprocessorControl>& preprocessor, const Options& options,
+                 Transcript* transcript)
+    : preprocessor_(preprocessor),
       communicator_(create<IKelCommunicator>(options.link, kLinkRemedy)),
       cancel_(preprocessor_),
-      echo_(options.quiet),
-      connection_(options) {}
+      echo_(options.quiet, transcript),
+      connection_(options) {
+    if (transcript) events_.emplace(preprocessor_, *transcript);
+}
 
 // The components are there when this begins, so the destructor parts them if it fails.
-Session::Session(const Options& options, std::wstring_view scriptFolder) : Session(options) {
+Session::Session(const Options& options, const Preprocessor& preprocessor, Transcript* transcript)
+    : Session(preprocessor.control(), options, transcript) {
     const auto& stream = connection_.stream();
     com::check(stream->put_EchoWindow(handleNumber(echo_.window())), stream);
     com::check(stream->put_IdleProcessing(VARIANT_TRUE), stream);
     com::check(communicator_->put_Port(stream.Get()), communicator_);
-
-    const com::Bstr scriptPath(options.scriptPath ? com::widen(*options.scriptPath, CP_UTF8)
-                                                  : std::wstring(scriptFolder));
-    const com::Bstr systemPath(com::widen(options.systemPath, CP_UTF8));
-    com::check(preprocessor_->put_ScriptPath(scriptPath.get()), preprocessor_);
-    com::check(preprocessor_->put_SystemPath(systemPath.get()), preprocessor_);
     com::check(preprocessor_->put_Communicator(communicator_.Get()), preprocessor_);
     com::check(communicator_->put_Preprocessor(preprocessor_.Get()), communicator_);
 }

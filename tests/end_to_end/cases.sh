@@ -1,6 +1,6 @@
 # The tests: each function test_... is one. Tables have a row for each run.
 
-readonly firmware='Kel virtual field instrument, firmware 1.0'
+readonly tab=$'\t' firmware='Kel virtual field instrument, firmware 1.0'
 
 # The example script, command by command with its answers.
 expect_deployment() {
@@ -26,21 +26,86 @@ test_deploys_over_tcp() {
 }
 
 test_stops_failing_scripts() {
-    local text message
+    local text place message path
     instrument tcp
-    while IFS='|' read -r text message; do
-        kelrun 1 "$(script fails.kel "$text")" "${connection[@]}"
+    while IFS='|' read -r text place message; do
+        path=$(script fails.kel "$text")
+        kelrun 1 "$path" "${connection[@]}"
         expect "$output" "ERROR: $message"
-        expect "$errors" 'kelrun: fails.kel stopped on an error'
-        kelrun 1 "$(script fails.kel "$text")" "${connection[@]}" --quiet
+        expect "$errors" "kelrun: $path:$place: $message" 'kelrun: fails.kel stopped on an error'
+        kelrun 1 "$path" "${connection[@]}" --quiet
         [[ ! -s $output ]] || give_up "a dialogue in spite of --quiet"
         expect "$errors" "ERROR: $message" 'kelrun: fails.kel stopped on an error'
     done <<'ROWS'
-ver\n%nosuch|Variable not found: nosuch
-@x=nosuch()|Unknown function: nosuch
-#NOSUCH|Unknown preprocessor directive: NOSUCH
-ver\n@x y|Invalid expression 'x y'
+ver\n%nosuch|2:2|Variable not found: nosuch
+@x=nosuch()|1:4|Unknown function: nosuch
+#NOSUCH|1:1|Unknown preprocessor directive: NOSUCH
 ROWS
+}
+
+test_checks_scripts_without_running_them() {
+    local path text='"([^"\\[:cntrl:]]|\\(["\\nrt]|u00[0-9a-f]{2}))*"' object
+    path=$(script wrong.kel 'ver\r\n\t@ü y"\001\\\\\nset ü %depth %given')
+    kelrun 1 "$path" --check --port COM99 --var given=1
+    diff "$output" - >&2 <<LINES || give_up "not what the check was to show"
+$path:2:4: error: Invalid expression 'ü y"␁\\\\'
+$tab@ü y"␁\\\\
+$tab  ^
+$path:3:8: warning: Variable not found: depth
+set ü %depth %given
+       ^
+LINES
+    [[ ! -s $errors ]] || give_up "words beside the check"
+    kelrun 1 "$path" --check --json
+    object="\\{\"file\":$text,\"line\":[0-9]+,\"column\":[0-9]+,\"severity\":$text,\"message\":$text\\}"
+    diff <(sed -E "s/^$object(,?)$/object\\7/" "$output") <(printf '[\nobject,\nobject,\nobject\n]\n') >&2 || give_up "no JSON"
+    grep -qF '"line":2,"column":4,"severity":"error","message":"Invalid expression '"'"'ü y\"\u0001\\\\' "$output" || give_up "no message"
+    kelrun 0 "$(script warned.kel '#IF x == "1"')" --check
+}
+
+test_does_not_start_scripts_with_errors() {
+    local path
+    instrument tcp
+    path=$(script wrong.kel 'ver\n#MSGBOX "x\n%nosuch\n')
+    kelrun 1 "$path" "${connection[@]}"
+    expect "$errors" "$path:2:9: error: Unterminated string" '#MSGBOX "x' '        ^' \
+        'kelrun: wrong.kel was not started: it has 1 error (...'
+    ! grep -q warning "$errors" && [[ ! -s $output ]] || give_up "more than the error"
+    kelrun 1 "$path" "${connection[@]}" --keep-going
+    expect "$output" 'ERROR: Unterminated string' "$firmware" 'ERROR: Variable not found: nosuch'
+}
+
+test_answers_questions() {
+    local path
+    path=$(script asks.kel '#MSGBOX "Ready?"\n@depth=input("How deep", "")\n@rig=select("Rig", "a", "b c")\n')
+    kelrun 0 "$path" --answer msgbox=ok --answer 'depth=12' --answer 'Rig=b c' --print-variables
+    expect "$output" depth=12 'rig=b c'
+    kelrun 1 "$path" --answer msgbox=ok
+    expect "$errors" "kelrun: $path:2:1: No answer was set for depth"
+    kelrun 1 "$path"
+    expect "$errors" "kelrun: $path:1:1: No answer was set for msgbox"
+}
+
+test_prints_variables_also_of_a_failed_run() {
+    kelrun 1 "$(script fails.kel '@x="1"\n@a=x\n%nosuch\n')" --print-variables --var 'url=http://"x"' \
+        --var $'two=1\n2' --quiet
+    diff "$output" - >&2 <<<$'url=http://"x"\ntwo=1␊2\nx=1\na=1' || give_up "other variables"
+}
+
+test_writes_a_transcript() {
+    local inner transcript=$folder/transcript
+    instrument tcp
+    inner=$(script inner.kel '\n@x="1"\n%nosuch\n')
+    kelrun 1 "$(script outer.kel 'ver\n#RUNSCRIPT inner.kel\n')" "${connection[@]}" \
+        --transcript "$(windows_path "$transcript")"
+    [[ $(grep -cE '^\{"ms":[0-9]+,"kind":"[a-z]+","text":.*,"file":.*,"line":[0-9]+(,"code":1)?\}$' "$transcript") == \
+        $(wc -l <"$transcript") ]] || give_up "a line of another form"
+    sed -E 's/.*"kind":"([a-z]+)","text":"(.*)","file":".*[\\](.*)","line":([0-9]+)/\1 \3:\4 \2/' "$transcript" >"$output"
+    expect "$output" 'line outer.kel:1 ver}' "received outer.kel:1 $firmware\\r\\n}" 'sent outer.kel:1 ver}' \
+        'line outer.kel:2 #RUNSCRIPT inner.kel}' 'line inner.kel:2 }' 'line inner.kel:3 }' \
+        'echo inner.kel:3 \r\nERROR: Variable not found: nosuch}' 'result inner.kel:3 ...'
+    kelrun 2 "$inner" --transcript "$(windows_path "$folder/none/transcript")"
+    expect_only_error "kelrun: Z:..."
 }
 
 test_refuses_wrong_usage_and_unreadable_files() {
@@ -53,8 +118,8 @@ test_refuses_wrong_usage_and_unreadable_files() {
     done <<'ROWS'
 which script?|
 there is no option --prot|a.kel --prot COM3
---var a: a value cannot hold //|"$(script a.kel ver)" --var a=http://x
---var: a character is not in|"$(script a.kel ver)" --var a=漢
+--var a: a character is not in|"$(script a.kel ver)" --var a=漢
+--answer a: a character is not in|"$(script a.kel ver)" --answer a=漢
 Z:|"$missing"
 Z:|"$(windows_path "$folder/folder.kel")"
 Z:|"$(script half.kel '\0377\0376v')"
@@ -63,7 +128,7 @@ ROWS
     kelrun 2 "$missing"
     expect_only_error "kelrun: $missing cannot be read: there is no such file"
     kelrun 0 --help
-    expect "$output" 'usage: kelrun SCRIPT [OPTIONS]'
+    expect "$output" 'usage: kelrun SCRIPT [OPTIONS]...'
 }
 
 test_reports_what_it_cannot_connect_to() {
@@ -99,7 +164,7 @@ test_cancels_at_the_first_interrupt() {
 # before it opens, when the script looks no more whether it was cancelled.
 test_ends_at_the_second_interrupt() {
     instrument tcp
-    start_kelrun "$(script box.kel '#MSGBOX (SERIALNUMBER())\n')" "${connection[@]}"
+    start_kelrun "$(script box.kel '#MSGBOX (SERIALNUMBER())\n')" "${connection[@]}" --interactive
     wait_until "the instrument's answer" grep -q 'Serial Number' "$output"
     wait_until "the end" interrupt_again
     finish_kelrun

@@ -26,13 +26,22 @@ void setBaudRate(Options& options, std::string_view value) {
     }
 }
 
-void addVariable(Options& options, std::string_view value) {
+NamedText readNamed(std::string_view option, std::string_view value) {
     const std::size_t equals = value.find('=');
-    if (equals == std::string_view::npos) {
-        refuse("--var: '" + std::string(value) + "' is not NAME=VALUE");
+    if (equals == std::string_view::npos || equals == 0) {
+        refuse(std::string(option) + ": '" + std::string(value) + "' is not NAME=VALUE");
     }
-    options.variables.push_back(
-        {std::string(value.substr(0, equals)), std::string(value.substr(equals + 1))});
+    return {std::string(value.substr(0, equals)), std::string(value.substr(equals + 1))};
+}
+
+template <auto member>
+void setText(Options& options, std::string_view value) {
+    options.*member = std::string(value);
+}
+
+template <bool Options::*member>
+void setFlag(Options& options, std::string_view) {
+    options.*member = true;
 }
 
 struct Option {
@@ -45,24 +54,36 @@ struct Option {
 
 // A new option is a new row: parsing and --help follow.
 constexpr Option kOptions[] = {
-    {"--port", "NAME", "serial port of the instrument, such as COM3",
-     [](Options& options, std::string_view value) { options.port = value; }},
+    {"--port", "NAME", "serial port of the instrument, such as COM3", setText<&Options::port>},
     {"--baud", "RATE", "its speed in bits a second; 9600 unless given", setBaudRate},
-    {"--tcp", "HOST:PORT", "instrument behind a network gateway",
-     [](Options& options, std::string_view value) { options.tcp = value; }},
+    {"--tcp", "HOST:PORT", "instrument behind a network gateway", setText<&Options::tcp>},
     {"--link", "PROGID", "instrument link; BenchLink.Communicator unless given",
-     [](Options& options, std::string_view value) { options.link = value; }},
-    {"--var", "NAME=VALUE", "sets a script variable; may be given several times", addVariable,
+     setText<&Options::link>},
+    {"--var", "NAME=VALUE", "sets a script variable; may be given several times",
+     [](Options& options, std::string_view value) {
+         options.variables.push_back(readNamed("--var", value));
+     },
      true},
+    {"--answer", "NAME=VALUE", "answers a question; msgbox=ok answers message boxes",
+     [](Options& options, std::string_view value) {
+         options.answers.push_back(readNamed("--answer", value));
+     },
+     true},
+    {"--interactive", "", "shows message boxes instead", setFlag<&Options::interactive>},
     {"--script-path", "P", "where scripts look for scripts; else SCRIPT's folder",
-     [](Options& options, std::string_view value) { options.scriptPath = value; }},
-    {"--system-path", "P", "where they look next",
-     [](Options& options, std::string_view value) { options.systemPath = value; }},
-    {"--quiet", "", "shows errors only",
-     [](Options& options, std::string_view) { options.quiet = true; }},
-    {"--help", "", "this text", [](Options& options, std::string_view) { options.help = true; }},
-    {"--version", "", "the version",
-     [](Options& options, std::string_view) { options.version = true; }},
+     setText<&Options::scriptPath>},
+    {"--system-path", "P", "where they look next", setText<&Options::systemPath>},
+    {"--check", "", "shows the script's errors and warnings; runs nothing",
+     setFlag<&Options::check>},
+    {"--json", "", "does so as JSON", setFlag<&Options::json>},
+    {"--keep-going", "", "runs a script in spite of its errors", setFlag<&Options::keepGoing>},
+    {"--print-variables", "", "shows all variables after the run",
+     setFlag<&Options::printVariables>},
+    {"--transcript", "FILE", "writes what happens to a file, as JSON Lines",
+     setText<&Options::transcript>},
+    {"--quiet", "", "shows errors only", setFlag<&Options::quiet>},
+    {"--help", "", "this text", setFlag<&Options::help>},
+    {"--version", "", "the version", setFlag<&Options::version>},
 };
 
 const Option& findOption(std::string_view name) {
@@ -142,13 +163,12 @@ Options parseOptions(std::span<const std::string> arguments) {
     if (options.script.empty()) refuse("which script?");
     if (!options.port.empty() && !options.tcp.empty())
         refuse("--port and --tcp exclude each other");
+    if (options.json && !options.check) refuse("--json goes with --check");
     return options;
 }
 
 std::string helpText() {
-    std::string text =
-        "Runs an instrument command script on a connected instrument.\n\n"
-        "usage: kelrun SCRIPT [OPTIONS]\n\n";
+    std::string text = "usage: kelrun SCRIPT [OPTIONS]   (runs an instrument command script)\n";
     for (const Option& option : kOptions) {
         std::string line = "  " + std::string(option.name);
         if (!option.parameter.empty()) line.append(" ").append(option.parameter);
@@ -156,9 +176,8 @@ std::string helpText() {
         text.append(line).append(option.help).append("\n");
     }
     return text +
-           "\nWithout --port and --tcp nothing can be sent: the first line to send fails.\n"
            "The dialogue goes to standard output, all else to standard error, in UTF-8.\n"
-           "Ctrl+C cancels the script before its next line; again, it ends kelrun at once.\n\n"
+           "Ctrl+C cancels the script before its next line; again, it ends kelrun at once.\n"
            "Exit codes: 0 the script ran to its end, 1 it failed, 2 wrong usage or file\n"
            "unreadable, 3 no connection, 4 cancelled, 5 a component is not registered.\n";
 }

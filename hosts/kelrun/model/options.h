@@ -8,7 +8,8 @@
 
 namespace kel::kelrun {
 
-struct Variable {
+// A variable, or the answer to a question.
+struct NamedText {
     std::string name;
     std::string value;
 };
@@ -19,9 +20,16 @@ struct Options {
     long baudRate = 9600;
     std::string tcp;  // HOST:PORT, not yet taken apart; empty for none
     std::string link = "BenchLink.Communicator";
-    std::vector<Variable> variables;
+    std::vector<NamedText> variables;
+    std::vector<NamedText> answers;
     std::optional<std::string> scriptPath;
     std::string systemPath;
+    std::string transcript;  // path; empty for none
+    bool check = false;      // nothing is run
+    bool json = false;       // of a check
+    bool keepGoing = false;
+    bool interactive = false;
+    bool printVariables = false;
     bool quiet = false;
     bool help = false;     // nothing else counts
     bool version = false;  // nothing else counts

@@ -7,7 +7,6 @@
 
 #include "hosts/kelrun/model/address.h"
 #include "hosts/kelrun/model/failure.h"
-#include "hosts/kelrun/model/prologue.h"
 
 namespace kel::kelrun {
 namespace {
@@ -26,9 +25,29 @@ std::string failureOf(Call&& call) {
 }
 
 TEST(KelrunOptions, ReadsEveryOption) {
-    const auto options = parseOptions(
-        Arguments{"--port", "COM3", "--baud=115200", "a.kel", "--link", "Some.Link", "--var", "a=1",
-                  "--var=b=x=y", "--script-path", "C:\\s", "--system-path", "D:\\", "--quiet"});
+    const auto options = parseOptions(Arguments{"--port",
+                                                "COM3",
+                                                "--baud=115200",
+                                                "a.kel",
+                                                "--link",
+                                                "Some.Link",
+                                                "--var",
+                                                "a=1",
+                                                "--var=b=x=y",
+                                                "--answer",
+                                                "q=",
+                                                "--script-path",
+                                                "C:\\s",
+                                                "--system-path",
+                                                "D:\\",
+                                                "--transcript",
+                                                "t",
+                                                "--check",
+                                                "--json",
+                                                "--keep-going",
+                                                "--interactive",
+                                                "--print-variables",
+                                                "--quiet"});
     EXPECT_EQ(options.script, "a.kel");
     EXPECT_EQ(options.port, "COM3");
     EXPECT_EQ(options.baudRate, 115200);
@@ -38,7 +57,11 @@ TEST(KelrunOptions, ReadsEveryOption) {
     EXPECT_EQ(options.variables[1].value, "x=y");
     EXPECT_EQ(options.scriptPath, "C:\\s");
     EXPECT_EQ(options.systemPath, "D:\\");
-    EXPECT_TRUE(options.quiet);
+    ASSERT_EQ(options.answers.size(), 1u);
+    EXPECT_EQ(options.answers[0].name + options.answers[0].value, "q");
+    EXPECT_EQ(options.transcript, "t");
+    EXPECT_TRUE(options.check && options.json && options.keepGoing && options.interactive);
+    EXPECT_TRUE(options.printVariables && options.quiet);
     EXPECT_EQ(parseOptions(Arguments{"--tcp", "h:1", "--", "-odd.kel"}).script, "-odd.kel");
     EXPECT_TRUE(parseOptions(Arguments{"a.kel", "--help", "--nonsense"}).help);
 }
@@ -63,6 +86,8 @@ TEST(KelrunOptions, RefusesWrongUsageWithItsReason) {
         {{"a", "--baud", "0"}, "2 --baud: '0' is no rate"},
         {{"a", "--baud", "99999999999"}, "2 --baud: '99999999999' is no rate"},
         {{"a", "--var", "name"}, "2 --var: 'name' is not NAME=VALUE"},
+        {{"a", "--answer", "=ok"}, "2 --answer: '=ok' is not NAME=VALUE"},
+        {{"a", "--json"}, "2 --json goes with --check"},
     };
     for (const auto& row : cases) {
         const std::string failure = failureOf([&] { parseOptions(row.arguments); });
@@ -78,32 +103,6 @@ TEST(KelrunOptions, HelpFitsAScreenAndNamesEveryExitCode) {
         EXPECT_LT(line.size(), 80u) << line;
     for (const char* code : {"codes: 0 ", "1 it failed", "2 wrong", "3 no", "4 cancelled", "5 a "})
         EXPECT_NE(help.find(code), std::string::npos) << code;
-}
-
-TEST(KelrunPrologue, WritesVariablesThatTheLanguageCanWrite) {
-    EXPECT_EQ(prologue({}), "");
-    EXPECT_EQ(prologue(std::vector<Variable>{{"place", "Pier 7 (east) %x '1'"}, {"_2", ""}}),
-              "@place=\"Pier 7 (east) %x '1'\"\n@_2=\"\"\n");
-    const struct {
-        Variable variable;
-        const char* reason;
-    } cases[] = {
-        {{"", "1"}, "a name is"},
-        {{"a-b", "1"}, "a name is"},
-        {{"a b", "1"}, "a name is"},
-        {{std::string(129, 'a'), "1"}, "a name is"},
-        {{"a", "say \"x\""}, "a double quote"},
-        {{"a", "http://x"}, "//, which begins a comment"},
-        {{"a", "1\r2"}, "a line end"},
-        {{"a", "1\n2"}, "a line end"},
-    };
-    for (const auto& row : cases) {
-        const std::string failure =
-            failureOf([&] { prologue(std::vector<Variable>{{row.variable}}); });
-        EXPECT_EQ(failure.find("2 --var " + row.variable.name + ": "), 0u) << failure;
-        EXPECT_NE(failure.find(row.reason), std::string::npos) << failure;
-    }
-    EXPECT_EQ(failureOf([] { prologue(std::vector<Variable>{{std::string(128, 'a'), "1"}}); }), "");
 }
 
 TEST(KelrunAddress, TakesHostAndPortApart) {

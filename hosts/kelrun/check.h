@@ -1,0 +1,21 @@
+#pragma once
+// What is found in a script before it runs, shown as compilers do.
+
+#include "hosts/kelrun/console_output.h"
+#include "hosts/kelrun/model/failure.h"
+#include "hosts/kelrun/model/options.h"
+#include "hosts/kelrun/preprocessor.h"
+#include "hosts/kelrun/script_file.h"
+
+namespace kel::kelrun {
+
+// All that the check finds, on standard output. Tells on `errors` when it could not be shown.
+// Throws com::Error.
+ExitCode showCheck(const Options& options, const ScriptFile& script,
+                   const Preprocessor& preprocessor, ConsoleOutput& errors);
+
+// Shows the errors, not the warnings, on standard error; gives their number. Throws com::Error.
+std::size_t showErrors(const ScriptFile& script, const Preprocessor& preprocessor,
+                       ConsoleOutput& errors);
+
+}  // namespace kel::kelrun
