@@ -14,6 +14,13 @@ constexpr std::string_view kCharacters{"\r\n\t\v\b\0\\\x1b\x7f", 9};
 
 }  // namespace
 
+std::string Step::text() const {
+    std::string text;
+    for (const std::string& line : lines)
+        text += (&line == &lines.front() ? "" : "\n") + line;
+    return text;
+}
+
 std::vector<Case> readCases(const char* path) {
     std::ifstream file(path);
     std::vector<Case> cases;
@@ -35,7 +42,7 @@ std::vector<Case> readCases(const char* path) {
         } else if (line[0] == '?') {
             steps.back().settings.push_back(unescaped(line.substr(start)));
         } else {
-            steps.back().input += unescaped(line.substr(start)) + "\n";
+            steps.back().lines.push_back(unescaped(line.substr(start)));
         }
     }
     if (cases.empty()) throw std::runtime_error(std::string("There are no cases in ") + path);

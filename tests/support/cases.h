@@ -19,12 +19,14 @@ namespace kel::test {
 struct Step {
     int line = 0;
 
-    // Each line with its end.
-    std::string input;
+    std::vector<std::string> lines;
     std::vector<std::string> settings;
 
     // Each line with its end, escapes as they stand.
     std::string expected;
+
+    // The lines with an end between them.
+    std::string text() const;
 };
 
 struct Case {

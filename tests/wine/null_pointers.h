@@ -1,5 +1,5 @@
 #pragma once
-// Calls every member of a dual interface without anything: whoever has a result must refuse it.
+// Calls every member of a dual interface without a place for one of its results: it must refuse.
 
 #include <gtest/gtest.h>
 #include <windows.h>
@@ -13,28 +13,33 @@
 
 namespace kel::test {
 
-// One member, called with zeros of the right size; expects E_POINTER when it has an out parameter.
+// One member, called with zeros of the right size once for each out parameter, which has no place
+// while the others have.
 inline void callWithNothing(IDispatch* object, ITypeInfo* type, const FUNCDESC& function) {
-    std::vector<VARTYPE> types;
-    std::vector<VARIANT> values(static_cast<std::size_t>(function.cParams));
-    std::vector<VARIANT*> arguments;
-    bool hasResult = false;
-    for (int i = 0; i < function.cParams; ++i) {
-        const ELEMDESC& parameter = function.lprgelemdescParam[i];
-        const VARTYPE kind = parameter.tdesc.vt;
-        hasResult |= (parameter.paramdesc.wParamFlags & PARAMFLAG_FOUT) != 0;
-        types.push_back(kind == VT_PTR ? VARTYPE{VT_I4} : kind);
-        arguments.push_back(&values[i]);
-    }
-    if (!hasResult) return;
+    const std::size_t count = static_cast<std::size_t>(function.cParams);
     com::Bstr name;
-    UINT count = 0;
-    type->GetNames(function.memid, name.put(), 1, &count);
-    VARIANT code{};
-    EXPECT_EQ(DispCallFunc(object, function.oVft, CC_STDCALL, VT_ERROR, function.cParams,
-                           types.data(), arguments.data(), &code),
-              S_OK);
-    EXPECT_EQ(code.scode, E_POINTER) << com::narrow(name.view());
+    UINT names = 0;
+    type->GetNames(function.memid, name.put(), 1, &names);
+    const auto isOut = [&](std::size_t i) {
+        return function.lprgelemdescParam[i].paramdesc.wParamFlags & PARAMFLAG_FOUT;
+    };
+    for (std::size_t missing = 0; missing < count; ++missing) {
+        if (!isOut(missing)) continue;
+        std::vector<VARTYPE> types;
+        std::vector<VARIANT> places(count), values(count);
+        std::vector<VARIANT*> arguments;
+        for (std::size_t i = 0; i < count; ++i) {
+            const VARTYPE kind = function.lprgelemdescParam[i].tdesc.vt;
+            types.push_back(kind == VT_PTR ? VARTYPE{VT_I4} : kind);
+            if (isOut(i) && i != missing) values[i].byref = &places[i];
+            arguments.push_back(&values[i]);
+        }
+        VARIANT code{};
+        EXPECT_EQ(DispCallFunc(object, function.oVft, CC_STDCALL, VT_ERROR, function.cParams,
+                               types.data(), arguments.data(), &code),
+                  S_OK);
+        EXPECT_EQ(code.scode, E_POINTER) << com::narrow(name.view()) << " " << missing;
+    }
 }
 
 // `object` is the dual interface itself, as its QueryInterface gives it.

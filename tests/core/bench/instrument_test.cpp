@@ -68,10 +68,10 @@ protected:
 
     // Does what a step says, and shows what is received.
     std::string play(const test::Step& step) {
-        if (step.settings.empty()) return bench_->ask(step.input.substr(0, step.input.size() - 1));
+        const std::string bytes = step.text();
+        if (step.settings.empty()) return bench_->ask(bytes);
         std::string shown;
         for (const std::string& setting : step.settings) {
-            const std::string_view bytes(step.input.data(), step.input.size() - 1);
             if (setting == "state") return stateOf(*bench_);
             if (setting == "drop") bench_->instrument.dropLine();
             if (setting == "raw") shown += bench_->say(bytes);

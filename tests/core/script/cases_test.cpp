@@ -39,7 +39,7 @@ std::string show(const Step& step, ScriptBench& bench) {
     bench.recordsEvents = asks("events");
     for (const std::string& setting : step.settings)
         apply(setting, bench);
-    const std::string script = step.input.substr(0, step.input.size() - 1);
+    const std::string script = step.text();
     if (asks("check")) return show(bench.session.check(script, "s")) + bench.transcript;
 
     const bool result = bench.session.run(script, "s");
@@ -54,7 +54,7 @@ class ScriptCase : public testing::TestWithParam<test::Case> {};
 TEST_P(ScriptCase, ShowsWhatIsExpected) {
     ScriptBench bench;
     for (const Step& step : GetParam().steps)
-        EXPECT_EQ(show(step, bench), step.expected) << "line " << step.line << "\n" << step.input;
+        EXPECT_EQ(show(step, bench), step.expected) << "line " << step.line << "\n" << step.text();
 }
 
 INSTANTIATE_TEST_SUITE_P(Scripts, ScriptCase, testing::ValuesIn(test::readCases(KEL_SCRIPT_CASES)),

@@ -1,57 +1,9 @@
 // Runs the cases of cases.txt, each on a preprocessor of its own.
+#include "tests/support/cases.h"
 #include "tests/wine/script/preprocessor_fixture.h"
 
 namespace kel::test {
 namespace {
-
-struct Case {
-    int line = 0;
-    std::string script;
-    std::vector<std::string> settings;
-    std::string result;
-    std::string calls;
-};
-
-void PrintTo(const Case& row, std::ostream* stream) {
-    *stream << "Line" << row.line;
-}
-
-std::vector<Case> readCases() {
-    std::vector<Case> cases;
-    int number = 0;
-    bool isOpen = false;
-    for (const std::string& line : resourceLines(L"cases")) {
-        ++number;
-        if (line.empty() || line.starts_with("# ")) {
-            isOpen = false;
-            continue;
-        }
-        if (!isOpen) cases.emplace_back().line = number;
-        isOpen = true;
-        Case& row = cases.back();
-        const std::string rest = line.substr(std::min<std::size_t>(2, line.size()));
-        if (line[0] == '>') {
-            row.script += rest + "\n";
-        } else if (line[0] == '?') {
-            row.settings.push_back(rest);
-        } else if (row.result.empty()) {
-            row.result = line;
-        } else {
-            row.calls += line + "\n";
-        }
-    }
-    return cases;
-}
-
-std::wstring unescaped(std::string_view text) {
-    std::wstring all = com::widen(text);
-    for (const auto& [mark, character] : {std::pair(L"\\r", L"\r"), {L"\\n", L"\n"}}) {
-        for (auto at = all.find(mark); at != all.npos; at = all.find(mark)) {
-            all.replace(at, 2, character);
-        }
-    }
-    return all;
-}
 
 class ScriptCase : public PreprocessorTest, public testing::WithParamInterface<Case> {
 protected:
@@ -62,7 +14,7 @@ protected:
         if (name == "baud") {
             link_.baudRate = std::stol(value);
         } else if (name == "reply") {
-            link_.reply = unescaped(value);
+            link_.reply = com::widen(value);
         } else if (name == "sdi12") {
             link_.isSdi12 = true;
         } else if (name == "radio") {
@@ -81,13 +33,15 @@ protected:
 };
 
 TEST_P(ScriptCase, DoesOnTheLink) {
-    for (const std::string& setting : GetParam().settings)
-        apply(setting);
-    EXPECT_EQ(run(GetParam().script) ? "true" : "false", GetParam().result) << GetParam().script;
-    EXPECT_EQ(link_.takeWork(), GetParam().calls) << GetParam().script;
+    for (const Step& step : GetParam().steps) {
+        for (const std::string& setting : step.settings)
+            apply(setting);
+        const std::string result = run(step.text()) ? "true\n" : "false\n";
+        EXPECT_EQ(result + link_.takeWork(), step.expected) << step.text();
+    }
 }
 
-INSTANTIATE_TEST_SUITE_P(Scripts, ScriptCase, testing::ValuesIn(readCases()),
+INSTANTIATE_TEST_SUITE_P(Scripts, ScriptCase, testing::ValuesIn(readCases(KEL_SCRIPT_CASES)),
                          testing::PrintToStringParamName());
 
 }  // namespace

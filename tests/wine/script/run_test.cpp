@@ -13,12 +13,6 @@ TEST_F(RunTest, YieldsBeforeEveryRecord) {
     EXPECT_EQ(link_.calls, std::vector<std::string>(4, "Sleep 1"));
 }
 
-TEST_F(RunTest, VariablesOutliveTheRun) {
-    EXPECT_TRUE(run("@Depth=12"));
-    EXPECT_TRUE(run("#IF DEPTH == 12\n#ELSE\nwrong\n#ENDIF"));
-    EXPECT_EQ(link_.takeWork(), "");
-}
-
 // From the first call to the last, on every way out.
 TEST_F(RunTest, ClaimsTheStreamFromStartToEnd) {
     const char* const scripts[] = {"line\n#WAIT\n@s=SERIALNUMBER()", "%missing", "#IF", "#NOBODY"};
@@ -89,16 +83,6 @@ TEST_F(RunTest, ScriptsRunFromScriptsAndFromForeignWords) {
     EXPECT_TRUE(run("#NEST\n#RUNSCRIPT kernel32.dll\n#IF a == 2\n@c=4\n#ENDIF\n@d=a"));
     EXPECT_FALSE(isReading());
     EXPECT_EQ(link_.takeWork(), "Link.RunCommandFile \"C:\\windows\\system32\\kernel32.dll\"\n");
-
-    // A script that runs itself comes to an end.
-    int depth = 0;
-    extension->onCall = [&](long, IFlatCollection*) -> Answer {
-        ++depth;
-        return {true, run("#NEST")};
-    };
-    EXPECT_FALSE(run("#NEST"));
-    EXPECT_EQ(depth, 32);
-    EXPECT_NE(link_.takeWork().find("nested too deeply"), std::string::npos);
 }
 
 TEST_F(RunTest, CancelStopsBeforeTheNextLine) {
@@ -118,17 +102,6 @@ TEST_F(RunTest, CancelStopsBeforeTheNextLine) {
     EXPECT_TRUE(isCancelled());
     EXPECT_TRUE(run("@a=1"));
     EXPECT_FALSE(isCancelled());
-}
-
-TEST_F(RunTest, ANestedRunDoesNotLoseACancel) {
-    const auto extension = install(L"NEST");
-    extension->onCall = [&](long, IFlatCollection*) -> Answer {
-        preprocessor_->Cancel();
-        EXPECT_FALSE(run("@a=1"));
-        return {};
-    };
-    EXPECT_FALSE(run("#NEST\n@b=1"));
-    EXPECT_TRUE(isCancelled());
 }
 
 TEST_F(RunTest, WaitsReactToACancel) {

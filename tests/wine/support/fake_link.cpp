@@ -2,6 +2,7 @@
 
 #include "com/object.h"
 #include "com/variant.h"
+#include "tests/support/cases.h"
 
 namespace kel::test {
 namespace {
@@ -173,19 +174,8 @@ FakeLink::FakeLink()
 
 std::string FakeLink::takeWork() {
     std::string work;
-    for (const std::string& call : calls) {
-        if (call == "Sleep 1") continue;
-        for (const char character : call) {
-            if (character == '\r') {
-                work += "\\r";
-            } else if (character == '\n') {
-                work += "\\n";
-            } else {
-                work += character;
-            }
-        }
-        work += '\n';
-    }
+    for (const std::string& call : calls)
+        if (call != "Sleep 1") work += escaped(call) + "\n";
     calls.clear();
     return work;
 }

@@ -26,8 +26,8 @@ public:
     // "Sleep 1" on its port. Fetching the port is not told.
     std::vector<std::string> calls;
 
-    // The same on one line each, without the pause before every script line; line ends inside are
-    // shown as \r and \n. Empties the log.
+    // The same on one line each, without the pause before every script line; control characters are
+    // shown as escapes. Empties the log.
     std::string takeWork();
 
     // Called inside each call that is told, before it is answered.
