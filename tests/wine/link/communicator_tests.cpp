@@ -5,7 +5,7 @@ namespace kel::bench::test {
 namespace {
 
 // Keeps the script that it is given.
-class PreprocessorDouble final : public com::Object<PreprocessorDouble, com::Plain<IPreprocessor>> {
+class PreprocessorDouble final : public com::Object<PreprocessorDouble, com::Dual<IPreprocessor>> {
 public:
     static constexpr com::ClassDescription kClass{};
 
@@ -19,131 +19,25 @@ public:
     }
     STDMETHODIMP get_ParentWindow(long*) override { return E_NOTIMPL; }
     STDMETHODIMP put_ParentWindow(long) override { return E_NOTIMPL; }
-    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                        UINT*) override {
-        return E_NOTIMPL;
-    }
 };
 
-class CommunicatorTest : public LinkTest {
-protected:
-    void TearDown() override {
-        communicator.Reset();
-        LinkTest::TearDown();
-    }
-
-    void connect(const Bstr& port) {
-        const auto stream = create<INetworkStream>(link::kNetworkStreamClass);
-        ASSERT_TRUE(connectTo(*stream.Get(), port));
-        stream->put_EchoWindow(window.number());
-        communicator = create<IKelCommunicator>(kCommunicatorClass);
-        ASSERT_EQ(communicator->put_Port(stream.Get()), S_OK);
-    }
-
-    bool send(const wchar_t* command, bool waitForOk = true) {
-        VARIANT_BOOL result = VARIANT_FALSE;
-        EXPECT_EQ(communicator->SendCommand(Bstr(std::wstring_view(command)).get(),
-                                            waitForOk ? 1 : 0, 30000, &result),
-                  S_OK);
-        return result == VARIANT_TRUE;
-    }
-
-    bool waitFor(const wchar_t* text, bool stopOnPrompt) {
-        VARIANT_BOOL result = VARIANT_FALSE;
-        EXPECT_EQ(communicator->WaitForString(Bstr(std::wstring_view(text)).get(), 30000,
-                                              stopOnPrompt ? 1 : 0, &result),
-                  S_OK);
-        return result == VARIANT_TRUE;
-    }
-
-    bool wakeUp() {
-        VARIANT_BOOL result = VARIANT_FALSE;
-        EXPECT_EQ(communicator->WakeUpInstrument(&result), S_OK);
-        return result == VARIANT_TRUE;
-    }
-
+TEST_F(ConnectedStreamTest, TheEndOfTheConnectionIsNoErrorOfACommand) {
+    const auto communicator = create<IKelCommunicator>(kCommunicatorClass);
+    ASSERT_EQ(communicator->put_Port(stream.Get()), S_OK);
     TestWindow window;
-    ComPtr<IKelCommunicator> communicator;
-};
-
-TEST_F(CommunicatorTest, CommandsAreAnsweredOneAfterTheOther) {
-    const InstrumentServer instrument({});
-    connect(instrument.port());
-    for (int i = 0; i < 20; ++i) {
-        EXPECT_TRUE(send(L"set station TOKYO")) << i;
-        EXPECT_FALSE(send(L"set TOKYO no such setting")) << i;
-    }
-    EXPECT_TRUE(send(L"sernum", false));
-    EXPECT_FALSE(waitFor(L"never said", true)) << "stops at the prompt";
-    EXPECT_TRUE(send(L"sernum", false));
-    EXPECT_TRUE(waitFor(L"D123", true));
-    EXPECT_TRUE(waitFor(L">", true));
-    EXPECT_NE(window.shown().find(L"Serial Number: D123.\r\n>"), std::wstring::npos);
-}
-
-TEST_F(CommunicatorTest, WakesASleepingInstrument) {
-    InstrumentOptions options;
-    options.asleep = true;
-    const InstrumentServer instrument(options, 4);
-    const TimeScale scale(L"4");
-    connect(instrument.port());
-    EXPECT_TRUE(wakeUp());
-    EXPECT_NE(window.shown().find(L"firmware"), std::wstring::npos);
-    EXPECT_TRUE(send(L"set station 7"));
-}
-
-TEST_F(CommunicatorTest, GivesASilentInstrumentUp) {
-    InstrumentOptions options;
-    options.silent = true;
-    const InstrumentServer instrument(options);
-    const TimeScale scale(L"100");
-    connect(instrument.port());
-    EXPECT_FALSE(wakeUp());
-    EXPECT_FALSE(send(L"set station 7"));
-}
-
-TEST_F(CommunicatorTest, TheEndOfTheConnectionIsNoError) {
-    TcpPeer peer;
-    connect(peer.port());
-    peer.accept();
     window.post([&] { peer.vanish(); });
-    EXPECT_FALSE(send(L"ver"));
-    EXPECT_FALSE(send(L"ver", false));
-    EXPECT_FALSE(wakeUp());
+    const Bstr command(L"ver");
+    for (const VARIANT_BOOL waits : {VARIANT_BOOL{1}, VARIANT_FALSE}) {
+        VARIANT_BOOL result = VARIANT_TRUE;
+        EXPECT_EQ(communicator->SendCommand(command.get(), waits, 30000, &result), S_OK);
+        EXPECT_EQ(result, VARIANT_FALSE);
+    }
+    VARIANT_BOOL awake = VARIANT_TRUE;
+    EXPECT_EQ(communicator->WakeUpInstrument(&awake), S_OK);
+    EXPECT_EQ(awake, VARIANT_FALSE);
 }
 
-TEST_F(CommunicatorTest, CommandsInSdi12FormAreUpperCaseAndNothingMore) {
-    TcpPeer peer;
-    connect(peer.port());
-    peer.accept();
-    ASSERT_EQ(communicator->put_SDI12Mode(1), S_OK);
-    EXPECT_TRUE(send(L"0m!", false));
-    ASSERT_EQ(communicator->put_SDI12Mode(VARIANT_FALSE), S_OK);
-    EXPECT_TRUE(send(L"ver", false));
-    EXPECT_EQ(peer.receive(7), "0M!ver\r");
-}
-
-TEST_F(CommunicatorTest, WithoutAPortNothingIsSent) {
-    communicator = create<IKelCommunicator>(kCommunicatorClass);
-    ComPtr<IKelStream> port;
-    EXPECT_EQ(communicator->get_Port(&port), S_OK);
-    EXPECT_EQ(port, nullptr);
-    EXPECT_FALSE(wakeUp());
-    EXPECT_FALSE(send(L"ver", false));
-    EXPECT_FALSE(waitFor(L">", true));
-    EXPECT_EQ(communicator->SendBreak(300), E_FAIL);
-    EXPECT_EQ(publishedError(), L"The link has no port");
-    VARIANT_BOOL result = VARIANT_TRUE;
-    EXPECT_EQ(communicator->RunCommandFile(Bstr(L"any").get(), &result), E_FAIL);
-    EXPECT_EQ(publishedError(), L"The link has no preprocessor");
-}
-
-class CommandFileTest : public CommunicatorTest {
+class CommandFileTest : public LinkTest {
 protected:
     void SetUp() override {
         communicator = create<IKelCommunicator>(kCommunicatorClass);
@@ -158,13 +52,15 @@ protected:
     }
     void TearDown() override {
         DeleteFileW(path.c_str());
-        CommunicatorTest::TearDown();
+        communicator.Reset();
+        LinkTest::TearDown();
     }
 
     HRESULT run(const std::wstring& file) {
         return communicator->RunCommandFile(Bstr(file).get(), &result);
     }
 
+    ComPtr<IKelCommunicator> communicator;
     ComPtr<IUnknown> owner;
     PreprocessorDouble* preprocessor = nullptr;
     std::wstring folder, path;

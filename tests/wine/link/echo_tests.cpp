@@ -1,4 +1,3 @@
-#include <functional>
 #include <thread>
 
 #include "tests/wine/link/connected_stream.h"
@@ -15,77 +14,6 @@ protected:
 
     TestWindow window;
 };
-
-struct Taker {
-    const char* name;
-    std::function<void(IKelStream&)> take;
-};
-
-void PrintTo(const Taker& taker, std::ostream* stream) {
-    *stream << taker.name;
-}
-
-class EveryTaker : public EchoTest, public testing::WithParamInterface<Taker> {};
-
-TEST_P(EveryTaker, EchoesEachByteExactlyOnce) {
-    peer.send("one\r\ntwo");
-    while (window.shown().size() < 8)
-        GetParam().take(*stream.Get());
-    EXPECT_EQ(window.shown(), L"one\r\ntwo");
-
-    long left = 0;
-    EXPECT_EQ(stream->get_BytesInReadBuffer(&left), S_OK);
-    EXPECT_EQ(stream->ClearReadBuffer(), S_OK);
-    EXPECT_EQ(window.shown(), L"one\r\ntwo");
-}
-
-VARIANT_BOOL ignored;
-
-INSTANTIATE_TEST_SUITE_P(
-    Members, EveryTaker,
-    testing::Values(Taker{"BytesInReadBuffer",
-                          [](IKelStream& stream) {
-                              long count;
-                              stream.get_BytesInReadBuffer(&count);
-                          }},
-                    Taker{"ReadByte",
-                          [](IKelStream& stream) {
-                              unsigned char byte;
-                              stream.ReadByte(0, &byte, &ignored);
-                          }},
-                    Taker{"ReadBuffer",
-                          [](IKelStream& stream) {
-                              VARIANT data;
-                              stream.ReadBuffer(8, 0, &data, &ignored);
-                              VariantClear(&data);
-                          }},
-                    Taker{"ReadString",
-                          [](IKelStream& stream) {
-                              Bstr line;
-                              stream.ReadString(0, line.put(), &ignored);
-                          }},
-                    Taker{"WaitForString",
-                          [](IKelStream& stream) {
-                              Bstr response;
-                              stream.WaitForString(Bstr(L"two").get(), 0, nullptr, response.put(),
-                                                   &ignored);
-                          }},
-                    Taker{"Sleep", [](IKelStream& stream) { stream.Sleep(1); }},
-                    Taker{"ClearReadBuffer", [](IKelStream& stream) { stream.ClearReadBuffer(); }}),
-    testing::PrintToStringParamName());
-
-TEST_F(EchoTest, WithoutAWindowBytesAreOnlyRead) {
-    ASSERT_EQ(stream->put_EchoWindow(0), S_OK);
-    arrive("quiet");
-    ASSERT_EQ(stream->put_EchoWindow(window.number()), S_OK);
-    EXPECT_EQ(waitFor(L"quiet", 0), (Outcome{true, "quiet"}));
-    EXPECT_EQ(window.shown(), L"");
-}
-
-TEST_F(EchoTest, ShowsNoNulsButEverythingAfterThem) {
-    arrive({"a\0b", 3});
-    EXPECT_EQ(window.shown(), L"ab");
-}
 
 TEST_F(EchoTest, ShowsTextsOfTheHostAndTheConnection) {
     EXPECT_EQ(stream->Echo(Bstr(L"\r\nERROR: ").get()), S_OK);
