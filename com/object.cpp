@@ -17,7 +17,7 @@ HRESULT ObjectCore::Inner::QueryInterface(REFIID iid, void** result) {
         return S_OK;
     }
     void* found = object_.findInterface(iid);
-    if (!found) return E_NOINTERFACE;
+    if (!found) return object_.findElsewhere(iid, result);
     *result = found;
     object_.controlling()->AddRef();
     return S_OK;
@@ -34,6 +34,10 @@ ULONG ObjectCore::Inner::Release() {
         delete &object_;
     }
     return references;
+}
+
+HRESULT ObjectCore::findElsewhere(REFIID, void**) {
+    return E_NOINTERFACE;
 }
 
 HRESULT classInfo(const ClassDescription& description, ITypeInfo** type) {

@@ -100,6 +100,10 @@ protected:
 
     virtual void* findInterface(REFIID iid) = 0;
 
+    // Asked for what findInterface does not know: gives an interface of another object, with the
+    // reference that the caller owns. By default there is none.
+    virtual HRESULT findElsewhere(REFIID iid, void** result);
+
 private:
     class Inner final : public IUnknown {
     public:
