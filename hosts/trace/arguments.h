@@ -1,0 +1,59 @@
+// Arguments of the link's members as values of the trace file.
+#pragma once
+
+#include <windows.h>
+
+#include <oleauto.h>
+
+#include <concepts>
+#include <string>
+#include <type_traits>
+
+#include "hosts/trace/model/json.h"
+#include "interfaces/KelUtils.h"
+
+namespace kel::trace {
+
+inline std::u16string toText(std::wstring_view text) {
+    return {text.begin(), text.end()};
+}
+
+inline std::wstring fromText(std::u16string_view text) {
+    return {text.begin(), text.end()};
+}
+
+Json toJson(long number);
+Json toJson(double number);
+Json toJson(unsigned char number);
+// True and false for the two values of automation, the number for others.
+Json toJson(VARIANT_BOOL truth);
+// Null stays null in results; as an argument it is the empty text.
+Json toJson(BSTR text);
+// Arrays of bytes in hexadecimal form; values that the file has no form for as type and text.
+Json toJson(const VARIANT& value);
+// The name of a traced object; "preprocessor" for one, "foreign" for every other object.
+Json toJson(IPreprocessor* preprocessor);
+Json toJson(IUnknown* object);
+
+// The way back, into a place that holds nothing. Throw std::invalid_argument or com::Error for what
+// toJson() does not give.
+void fromJson(const Json& json, long& number);
+void fromJson(const Json& json, double& number);
+void fromJson(const Json& json, unsigned char& number);
+void fromJson(const Json& json, VARIANT_BOOL& truth);
+void fromJson(const Json& json, BSTR& text);
+void fromJson(const Json& json, VARIANT& value);
+
+// Objects do not come back, unless a wrapper says how.
+[[noreturn]] void refuseObject();
+template <std::derived_from<IUnknown> Interface>
+void fromJson(const Json&, Interface*&) {
+    refuseObject();
+}
+
+// Results are pointers to values; objects and texts, which are pointers too, are arguments.
+template <class Argument>
+inline constexpr bool isResult = std::is_pointer_v<Argument> && !std::is_same_v<Argument, BSTR> &&
+                                 !std::is_base_of_v<IUnknown, std::remove_pointer_t<Argument>>;
+
+}  // namespace kel::trace

@@ -1,0 +1,51 @@
+// The link's general collection: its wrapper, and the container that a replay gives.
+#pragma once
+
+#include <vector>
+
+#include "com/variant.h"
+#include "hosts/trace/traced.h"
+
+namespace kel::trace {
+
+// Collections have nothing of the instrument: their calls are told and can fail on demand, but a
+// replay neither compares nor answers them.
+class CollectionWrapper final : public Traced<CollectionWrapper, ICollection> {
+public:
+    using Traced::Traced;
+
+    STDMETHODIMP get_Count(long* count) override {
+        return call<&ICollection::get_Count, Treatment::kLocal>("get_Count", count);
+    }
+    STDMETHODIMP get_Item(VARIANT index, VARIANT* item) override {
+        return call<&ICollection::get_Item, Treatment::kLocal>("get_Item", index, item);
+    }
+    STDMETHODIMP Add(VARIANT item) override {
+        return call<&ICollection::Add, Treatment::kLocal>("Add", item);
+    }
+    STDMETHODIMP Remove(VARIANT index) override {
+        return call<&ICollection::Remove, Treatment::kLocal>("Remove", index);
+    }
+    STDMETHODIMP get__NewEnum(IUnknown** enumerator) override {
+        return call<&ICollection::get__NewEnum, Treatment::kLocal>("get__NewEnum", enumerator);
+    }
+};
+
+class Container final : public com::Object<Container, com::Dual<ICollection>> {
+public:
+    static constexpr com::ClassDescription kClass{};
+
+    STDMETHODIMP get_Count(long* count) override;
+    STDMETHODIMP get_Item(VARIANT index, VARIANT* item) override;
+    STDMETHODIMP Add(VARIANT item) override;
+    STDMETHODIMP Remove(VARIANT index) override;
+    STDMETHODIMP get__NewEnum(IUnknown** enumerator) override;
+
+private:
+    // Throws com::Error for what is no index of an item.
+    std::vector<com::Variant>::iterator at(const VARIANT& index);
+
+    std::vector<com::Variant> items_;
+};
+
+}  // namespace kel::trace

@@ -1,0 +1,17 @@
+// The text that tells people where a replay left its recording.
+#pragma once
+
+#include <string>
+
+#include "hosts/trace/model/event.h"
+
+namespace kel::trace {
+
+// A call as one would write it: serial1.WriteString("start", false, 0).
+std::string describe(const Call& call);
+
+// `expected` is null when no further call was recorded there; `actual` is null when the call that
+// was expected did not come. `now` is where in the script the host is.
+std::string describeDifference(const Call* expected, const Call* actual, const Position& now);
+
+}  // namespace kel::trace

@@ -1,0 +1,131 @@
+#include "hosts/trace/model/event.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+
+#include "hosts/trace/model/unicode.h"
+
+namespace kel::trace {
+namespace {
+
+std::u16string hexadecimal(std::uint32_t code) {
+    char text[11];
+    std::snprintf(text, sizeof text, "0x%08lX", static_cast<unsigned long>(code));
+    return utf16(text);
+}
+
+std::uint32_t codeOf(const Json& json) {
+    const std::string text = json.utf8Text();
+    std::uint32_t code = 0;
+    const char* const end = text.data() + text.size();
+    if (!text.starts_with("0x") || std::from_chars(text.data() + 2, end, code, 16).ptr != end) {
+        throw std::invalid_argument("A result code is not hexadecimal");
+    }
+    return code;
+}
+
+// Adds the members of an event to an object.
+struct Teller {
+    Json::Object& members;
+
+    void operator()(const CallStarted& call) const {
+        members.push_back({"call", call.number});
+        members.push_back({"object", call.object});
+        members.push_back({"interface", call.interfaceName});
+        members.push_back({"method", call.method});
+        members.push_back({"in", call.in});
+        if (!call.isCompared) members.push_back({"compared", false});
+        if (call.position.line == 0) return;
+        members.push_back({"file", call.position.file});
+        members.push_back({"line", call.position.line});
+    }
+    void operator()(const CallEnded& call) const {
+        members.push_back({"return", call.number});
+        members.push_back({"result", hexadecimal(call.result)});
+        members.push_back({"out", call.out});
+        if (call.error) {
+            members.push_back({"error", Json::Object{{"description", call.error->description},
+                                                     {"source", call.error->source},
+                                                     {"interface", call.error->interfaceId}}});
+        }
+        if (call.lastError) {
+            members.push_back({"lastError", *call.lastError});
+        }
+    }
+    void operator()(const Shown& shown) const {
+        members.push_back({shown.isByCaller ? "echoed" : "received", shown.text});
+        members.push_back({"object", shown.object});
+    }
+    void operator()(const CallbackStarted& callback) const {
+        members.push_back({"script", callback.script});
+        members.push_back({"object", callback.object});
+    }
+    void operator()(const CallbackEnded& callback) const {
+        members.push_back({"scriptEnd", hexadecimal(callback.result)});
+    }
+};
+
+CallStarted callStarted(const Json& json) {
+    CallStarted call;
+    call.number = json.at("call").integer();
+    call.object = json.at("object").utf8Text();
+    call.interfaceName = json.at("interface").utf8Text();
+    call.method = json.at("method").utf8Text();
+    call.in = json.at("in").array();
+    call.isCompared = json.find("compared") == nullptr;
+    if (const Json* file = json.find("file")) {
+        call.position = {file->text(), json.at("line").integer()};
+    }
+    return call;
+}
+
+CallEnded callEnded(const Json& json) {
+    CallEnded call;
+    call.number = json.at("return").integer();
+    call.result = codeOf(json.at("result"));
+    call.out = json.at("out").array();
+    if (const Json* error = json.find("error")) {
+        call.error = {error->at("description").text(), error->at("source").text(),
+                      error->at("interface").utf8Text()};
+    }
+    if (const Json* code = json.find("lastError")) {
+        call.lastError = static_cast<std::uint32_t>(code->integer());
+    }
+    return call;
+}
+
+Shown shown(const Json& json, const Json& text, bool isByCaller) {
+    return {json.at("object").utf8Text(), text.text(), isByCaller};
+}
+
+}  // namespace
+
+std::string toLine(const Event& event) {
+    // Microseconds are all that the clock is good for.
+    Json::Object members{{"t", std::round(event.time * 1000) / 1000}};
+    std::visit(Teller{members}, event.what);
+    return write(members);
+}
+
+Event fromLine(std::string_view line) {
+    const Json json = readJson(line);
+    Event event;
+    event.time = json.at("t").number();
+    if (json.find("call")) {
+        event.what = callStarted(json);
+    } else if (json.find("return")) {
+        event.what = callEnded(json);
+    } else if (const Json* received = json.find("received")) {
+        event.what = shown(json, *received, false);
+    } else if (const Json* echoed = json.find("echoed")) {
+        event.what = shown(json, *echoed, true);
+    } else if (const Json* script = json.find("script")) {
+        event.what = CallbackStarted{json.at("object").utf8Text(), script->text()};
+    } else {
+        event.what = CallbackEnded{codeOf(json.at("scriptEnd"))};
+    }
+    return event;
+}
+
+}  // namespace kel::trace

@@ -1,0 +1,38 @@
+// Error info on its way through a traced call.
+#pragma once
+
+#include <windows.h>
+
+#include <oleauto.h>
+
+#include <optional>
+#include <string>
+
+#include "hosts/trace/invocation.h"
+#include "hosts/trace/model/event.h"
+
+namespace kel::trace {
+
+inline std::string guidText(const GUID& identifier) {
+    wchar_t text[39];
+    StringFromGUID2(identifier, text, sizeof text / sizeof text[0]);
+    return std::string(text, text + 38);
+}
+
+// What the called object published with its failure; nothing when it does not vouch for it.
+inline com::ComPtr<IErrorInfo> takeErrorInfo(HRESULT result, const Invocation& call) {
+    com::ComPtr<IErrorInfo> info;
+    com::ComPtr<ISupportErrorInfo> support;
+    IUnknown* const object = call.object.innerObject();
+    if (FAILED(result) && object && SUCCEEDED(object->QueryInterface(IID_PPV_ARGS(&support))) &&
+        support->InterfaceSupportsErrorInfo(call.interfaceId) == S_OK) {
+        GetErrorInfo(0, &info);
+    }
+    return info;
+}
+
+// Both throw com::Error.
+PublishedError publishedError(IErrorInfo& info);
+void publishAgain(HRESULT result, const std::optional<PublishedError>& error);
+
+}  // namespace kel::trace

@@ -1,0 +1,199 @@
+#include "hosts/trace/session.h"
+
+#include "com/text.h"
+#include "hosts/trace/KelTrace.h"
+#include "hosts/trace/arguments.h"
+#include "hosts/trace/model/difference.h"
+#include "hosts/trace/model/speed.h"
+#include "hosts/trace/model/trace_text.h"
+#include "hosts/trace/published_error.h"
+
+namespace kel::trace {
+namespace {
+
+constexpr wchar_t kSource[] = L"KelTrace";
+
+std::wstring widened(std::string_view text) {
+    return com::widen(text, CP_UTF8);
+}
+
+// Sets a variable for the time of a call.
+template <class Value>
+class Scoped {
+public:
+    Scoped(Value& place, Value value) : place_(place), before_(std::exchange(place, value)) {}
+    ~Scoped() { place_ = before_; }
+    Scoped(const Scoped&) = delete;
+    Scoped& operator=(const Scoped&) = delete;
+
+private:
+    Value& place_;
+    Value before_;
+};
+
+bool isCompared(Treatment treatment) {
+    return treatment == Treatment::kCompared || treatment == Treatment::kConnecting;
+}
+
+Rule ruleOf(Treatment treatment) {
+    if (isCompared(treatment)) return Rule::kCompared;
+    return treatment == Treatment::kState ? Rule::kState : Rule::kPolled;
+}
+
+}  // namespace
+
+Session::Session() : stage_(objects_) {}
+
+void Session::requireNothing() const {
+    if (recorder_ || replay_ || isClosed_) {
+        throw com::Error(E_UNEXPECTED, L"A session records once, or replays once");
+    }
+}
+
+void Session::record(const std::wstring& path) {
+    requireNothing();
+    recorder_.emplace(path);
+}
+
+void Session::replay(const std::wstring& path, double speed) {
+    requireNothing();
+    if (!objects_.isEmpty()) {
+        throw com::Error(E_UNEXPECTED, L"A replay begins before there is any traced object");
+    }
+    if (!isSpeed(speed)) throw com::Error(E_INVALIDARG, L"A speed is not below zero");
+    stage_.setSpeed(speed);
+    try {
+        replay_.emplace(readTrace(File::open(path).readAll()), stage_);
+    } catch (const std::invalid_argument& error) {
+        throw com::Error(HRESULT_FROM_WIN32(ERROR_INVALID_DATA),
+                         L"'" + path + L"' is no trace: " + widened(error.what()));
+    }
+}
+
+void Session::close() {
+    isClosed_ = true;
+    recorder_.reset();
+    if (FAILED(recordingFailure_)) {
+        throw com::Error(std::exchange(recordingFailure_, S_OK),
+                         L"The recording could not be written to its end");
+    }
+}
+
+std::string Session::difference() const {
+    return replay_ ? replay_->difference() : std::string();
+}
+
+std::size_t Session::callsLeft() const {
+    return replay_ ? replay_->callsLeft() : 0;
+}
+
+HRESULT Session::perform(const Invocation& call) noexcept {
+    // A call may drop the last object, and with it the session.
+    const std::shared_ptr<Session> alive = shared_from_this();
+    DWORD lastError = GetLastError();
+    const HRESULT result =
+        com::guard(call.interfaceId, kSource, [&] { return decide(call, lastError); });
+    SetLastError(lastError);
+    return result;
+}
+
+HRESULT Session::decide(const Invocation& call, DWORD& lastError) {
+    ++calls_;
+    if (const auto failure = failures_.next(call.interfaceName, call.method)) {
+        return fail(call, *failure);
+    }
+    if (!replay_ || call.treatment == Treatment::kLocal) return forward(call, lastError);
+    return answer(call, lastError);
+}
+
+CallStarted Session::started(const Invocation& call) const {
+    CallStarted started;
+    started.object = call.object.name();
+    started.method = call.method;
+    started.in = call.in();
+    started.position = position_;
+    started.number = calls_;
+    started.interfaceName = call.interfaceName;
+    started.isCompared = isCompared(call.treatment);
+    return started;
+}
+
+HRESULT Session::fail(const Invocation& call, HRESULT result) {
+    const long number = calls_;
+    const std::wstring text = L"Call " + std::to_wstring(number) + L" fails on demand: " +
+                              widened(describe(started(call)));
+    tell([&] { return started(call); });
+    tell([&] {
+        return CallEnded{
+            .number = number,
+            .result = static_cast<std::uint32_t>(result),
+            .error = PublishedError{toText(text), toText(kSource), guidText(call.interfaceId)}};
+    });
+    call.clear();
+    return com::publish(result, text, call.interfaceId, kSource);
+}
+
+HRESULT Session::forward(const Invocation& call, DWORD& lastError) {
+    const long number = calls_;
+    tell([&] { return started(call); });
+    const Scoped current(current_, &call);
+    SetLastError(lastError);
+    const HRESULT result = com::guard(call.interfaceId, kSource, call.forward);
+    lastError = GetLastError();
+
+    const com::ComPtr<IErrorInfo> info = takeErrorInfo(result, call);
+    tell([&] {
+        CallEnded ended{.number = number, .result = static_cast<std::uint32_t>(result)};
+        if (SUCCEEDED(result)) ended.out = call.out();
+        if (info) ended.error = publishedError(*info.Get());
+        if (call.treatment == Treatment::kConnecting) ended.lastError = lastError;
+        return ended;
+    });
+    if (FAILED(result)) SetErrorInfo(0, info.Get());
+    return result;
+}
+
+HRESULT Session::answer(const Invocation& call, DWORD& lastError) {
+    call.clear();
+    if (isClosed_) throw com::Error(CO_E_OBJNOTCONNECTED, L"The replay has been closed");
+    CallEnded ended;
+    try {
+        ended = replay_->call(started(call), ruleOf(call.treatment));
+    } catch (const Difference& difference) {
+        throw com::Error(KELTRACE_E_DIFFERENCE, widened(difference.what()));
+    }
+    const HRESULT result = static_cast<HRESULT>(ended.result);
+    if (ended.lastError) lastError = *ended.lastError;
+    if (!ended.out.empty()) call.give(ended.out);
+    if (FAILED(result)) publishAgain(result, ended.error);
+    return result;
+}
+
+// The host must not notice that its calls cannot be told: it hears of it from close().
+template <class MakeWhat>
+void Session::tell(MakeWhat&& makeWhat) noexcept {
+    if (!recorder_ || FAILED(recordingFailure_)) return;
+    try {
+        recorder_->write({0, makeWhat()});
+    } catch (...) {
+        recordingFailure_ = com::codeOfCurrentException();
+    }
+}
+
+void Session::tellShown(const TracedObject& object, const std::wstring& text) noexcept {
+    tell([&] {
+        const std::string_view method = current_ ? current_->method : "";
+        return Shown{object.name(), toText(text),
+                     method == "Echo" || method == "EchoConnectionInfo"};
+    });
+}
+
+void Session::tellScript(const std::string& object, std::wstring_view script) noexcept {
+    tell([&] { return CallbackStarted{object, toText(script)}; });
+}
+
+void Session::tellScriptEnd(HRESULT result) noexcept {
+    tell([&] { return CallbackEnded{static_cast<std::uint32_t>(result)}; });
+}
+
+}  // namespace kel::trace

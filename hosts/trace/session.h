@@ -1,0 +1,75 @@
+// The session: every call on a traced object goes through it.
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "hosts/trace/failure_plan.h"
+#include "hosts/trace/invocation.h"
+#include "hosts/trace/model/replay.h"
+#include "hosts/trace/object_table.h"
+#include "hosts/trace/recorder.h"
+#include "hosts/trace/stage.h"
+
+namespace kel::trace {
+
+// Lives as long as its traced objects. Of one thread, but calls nest: each one may run the host's
+// message loop.
+class Session : public std::enable_shared_from_this<Session> {
+public:
+    Session();
+
+    // Both throw com::Error, also when there is a recording or a replay already.
+    void record(const std::wstring& path);
+    void replay(const std::wstring& path, double speed);
+
+    // Ends recording or replay. Throws com::Error when not everything could be recorded.
+    void close();
+
+    bool isReplay() const { return replay_.has_value(); }
+
+    // Makes a call: counts it, lets it fail, answers it from the recording or forwards it, and
+    // tells it. Leaves the thread's last error and error info as the called object did.
+    HRESULT perform(const Invocation& call) noexcept;
+
+    // The echo of an object showed a text.
+    void tellShown(const TracedObject& object, const std::wstring& text) noexcept;
+
+    // The link runs a script, or ended it.
+    void tellScript(const std::string& object, std::wstring_view script) noexcept;
+    void tellScriptEnd(HRESULT result) noexcept;
+
+    ObjectTable& objects() { return objects_; }
+    FailurePlan& failures() { return failures_; }
+    void setPosition(Position position) { position_ = std::move(position); }
+    long callCount() const { return calls_; }
+    std::string difference() const;
+    std::size_t callsLeft() const;
+
+private:
+    HRESULT decide(const Invocation& call, DWORD& lastError);
+    HRESULT fail(const Invocation& call, HRESULT result);
+    HRESULT forward(const Invocation& call, DWORD& lastError);
+    HRESULT answer(const Invocation& call, DWORD& lastError);
+    void requireNothing() const;
+    CallStarted started(const Invocation& call) const;
+    template <class MakeWhat>
+    void tell(MakeWhat&& makeWhat) noexcept;
+
+    ObjectTable objects_;
+    FailurePlan failures_;
+    Position position_;
+    long calls_ = 0;
+    // The innermost call that is being forwarded.
+    const Invocation* current_ = nullptr;
+    std::optional<Recorder> recorder_;
+    HRESULT recordingFailure_ = S_OK;
+    LinkStage stage_;
+    std::optional<Replay> replay_;
+    bool isClosed_ = false;
+};
+
+}  // namespace kel::trace

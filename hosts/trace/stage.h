@@ -1,0 +1,29 @@
+// What a replay does to the traced objects and with the time.
+#pragma once
+
+#include "hosts/trace/model/replay.h"
+#include "hosts/trace/object_table.h"
+
+namespace kel::trace {
+
+class LinkStage final : public Stage {
+public:
+    explicit LinkStage(const ObjectTable& objects) : objects_(objects) {}
+
+    void setSpeed(double speed) { speed_ = speed; }
+
+    void show(const Shown& shown) override;
+    void runScript(const CallbackStarted& callback) override;
+    void wait(const std::string& object, double started, double recorded) override;
+    bool waitUntil(const std::string& object, double recorded,
+                   const std::function<bool()>& done) override;
+    double now() override;
+
+private:
+    bool runsMessages(const std::string& object) const;
+
+    const ObjectTable& objects_;
+    double speed_ = 0;
+};
+
+}  // namespace kel::trace

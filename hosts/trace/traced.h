@@ -1,0 +1,147 @@
+// The base of the wrappers: an interface of the link, one line a method.
+#pragma once
+
+#include <tuple>
+#include <utility>
+
+#include "com/object.h"
+#include "com/text.h"
+#include "hosts/trace/arguments.h"
+#include "hosts/trace/invocation.h"
+#include "hosts/trace/session.h"
+
+namespace kel::trace {
+
+// The names of the interfaces in recordings.
+template <class Interface>
+inline constexpr const char* kNameOf = nullptr;
+template <>
+inline constexpr const char* kNameOf<IKelStream> = "IKelStream";
+template <>
+inline constexpr const char* kNameOf<ISerialStream> = "ISerialStream";
+template <>
+inline constexpr const char* kNameOf<INetworkStream> = "INetworkStream";
+template <>
+inline constexpr const char* kNameOf<IKelCommunicator> = "IKelCommunicator";
+template <>
+inline constexpr const char* kNameOf<ICollection> = "ICollection";
+template <>
+inline constexpr const char* kNameOf<IFirmwareUploader> = "IFirmwareUploader";
+template <>
+inline constexpr const char* kNameOf<IPressureAccess> = "IPressureAccess";
+template <>
+inline constexpr const char* kNameOf<ICompassAccess> = "ICompassAccess";
+
+template <class Interface, class... Arguments>
+std::type_identity<Interface> interfaceOf(HRESULT (STDMETHODCALLTYPE Interface::*)(Arguments...));
+
+// The inner object answers for every interface that the wrapper does not have, and those calls are
+// not traced (IBinaryCommunicator, IRecorderAccess, event sources). Its way of being marshalled
+// would lead around the wrapper and is not offered.
+template <class Derived, class Interface, class... Bases>
+class Traced : public com::Object<Derived, com::Dual<Interface, Bases...>, com::Plain<ITraced>>,
+               public TracedObject {
+public:
+    static constexpr com::ClassDescription kClass{};
+
+    Traced(std::shared_ptr<Session> session, std::string name, IUnknown* inner)
+        : TracedObject(std::move(session), std::move(name), inner) {
+        if (inner) com::check(inner->QueryInterface(IID_PPV_ARGS(&typedInner_)));
+    }
+
+    IUnknown* wrapper() override { return this->controlling(); }
+    STDMETHODIMP_(TracedObject*) traced() override { return this; }
+
+protected:
+    // Null in a replay.
+    Interface* wrapped() const { return typedInner_.Get(); }
+
+    // The whole of a method that is told, answered or forwarded as it is.
+    template <auto method, Treatment treatment = Treatment::kCompared, class... Arguments>
+    HRESULT call(const char* name, Arguments... arguments) noexcept {
+        return guardedCall([&] { return invocation<method, treatment>(name, arguments...); });
+    }
+
+    // The same for a method that changes something of its invocation.
+    template <class MakeInvocation>
+    HRESULT guardedCall(MakeInvocation&& make) noexcept {
+        HRESULT result = S_OK;
+        DWORD lastError = GetLastError();
+        {
+            const com::KeepAlive alive(*this);
+            result = this->template guarded<Interface>([&] {
+                const Invocation made = make();
+                SetLastError(lastError);
+                const HRESULT code = session().perform(made);
+                lastError = GetLastError();
+                return code;
+            });
+        }
+        SetLastError(lastError);
+        return result;
+    }
+
+    template <auto method, Treatment treatment = Treatment::kCompared, class... Arguments>
+    Invocation invocation(const char* name, Arguments... arguments) {
+        using Declaring = typename decltype(interfaceOf(method))::type;
+        Invocation made{*this, __uuidof(Declaring), kNameOf<Declaring>, name, treatment, {}};
+        made.forward = [=, this] { return (wrapped()->*method)(arguments...); };
+        made.in = [=] {
+            Json::Array values;
+            (addArgument<Arguments>(values, arguments), ...);
+            return values;
+        };
+        made.out = [=] {
+            Json::Array values;
+            (addResult<Arguments>(values, arguments), ...);
+            return values;
+        };
+        made.clear = [=] { (clearResult<Arguments>(arguments), ...); };
+        made.give = [=](const Json::Array& values) {
+            [[maybe_unused]] std::size_t index = 0;
+            (giveResult<Arguments>(values, index, arguments), ...);
+        };
+        return made;
+    }
+
+    HRESULT findElsewhere(REFIID iid, void** result) override {
+        if (!innerObject() || iid == IID_IMarshal) return E_NOINTERFACE;
+        return innerObject()->QueryInterface(iid, result);
+    }
+
+private:
+    template <class Argument>
+    static void addArgument(Json::Array& values, Argument argument) {
+        if constexpr (std::is_same_v<Argument, BSTR>) {
+            values.push_back(toText(com::view(argument)));
+        } else if constexpr (!isResult<Argument>) {
+            values.push_back(toJson(argument));
+        }
+    }
+
+    template <class Argument>
+    static void addResult(Json::Array& values, Argument argument) {
+        if constexpr (isResult<Argument>) {
+            values.push_back(argument ? toJson(*argument) : Json());
+        }
+    }
+
+    template <class Argument>
+    static void clearResult(Argument argument) {
+        if constexpr (isResult<Argument>) {
+            if (argument) *argument = {};
+        }
+    }
+
+    template <class Argument>
+    static void giveResult(const Json::Array& values, std::size_t& index, Argument argument) {
+        if constexpr (isResult<Argument>) {
+            if (index == values.size()) throw std::invalid_argument("A recorded result is missing");
+            fromJson(values[index++], com::out(argument));
+        }
+    }
+
+    com::ComPtr<Interface> typedInner_;
+};
+
+}  // namespace kel::trace

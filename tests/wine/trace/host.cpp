@@ -1,0 +1,150 @@
+#include "tests/wine/trace/host.h"
+
+#include <fstream>
+#include <iterator>
+
+#include "tests/wine/support/import_patch.h"
+
+namespace kel::trace::test {
+namespace {
+
+HMODULE traceLibrary() {
+    static const HMODULE library = [] {
+        const std::wstring path = kel::test::kelUtilsPath();
+        const std::wstring folder = path.substr(0, path.rfind(L'\\'));
+        return LoadLibraryW((folder + L"\\..\\hosts\\trace\\KelTrace.dll").c_str());
+    }();
+    return library;
+}
+
+class SocketsForAll {
+public:
+    SocketsForAll() { WSAStartup(MAKEWORD(2, 2), &data_); }
+
+private:
+    WSADATA data_;
+};
+
+// Stands for the platform, which would find the bench's classes if they were registered.
+HRESULT WINAPI benchClassObject(REFCLSID identifier, DWORD, COSERVERINFO*, REFIID iid,
+                                void** result) {
+    const HMODULE library = GetModuleHandleW(bench::test::libraryPath().c_str());
+    return kel::test::exportOf<HRESULT WINAPI(REFCLSID, REFIID, void**)>(
+        library, "DllGetClassObject")(identifier, iid, result);
+}
+
+class BenchClasses {
+    const kel::test::ImportPatch patch_{traceLibrary(), "CoGetClassObject",
+                                        reinterpret_cast<void*>(&benchClassObject)};
+};
+
+}  // namespace
+
+Host::Host(IKelCommunicator* communicator, IKelStream* port)
+    : preprocessor(kel::test::create<IPreprocessorControl>(__uuidof(Preprocessor))),
+      link(communicator),
+      stream(port) {
+    EXPECT_EQ(stream->put_EchoWindow(window_.number()), S_OK);
+    EXPECT_EQ(stream->put_IdleProcessing(VARIANT_TRUE), S_OK);
+    EXPECT_EQ(link->put_Port(stream.Get()), S_OK);
+    EXPECT_EQ(link->put_Preprocessor(preprocessor.Get()), S_OK);
+    EXPECT_EQ(preprocessor->put_Communicator(link.Get()), S_OK);
+}
+
+Host::~Host() {
+    link->put_Preprocessor(nullptr);
+    preprocessor->put_Communicator(nullptr);
+    link->put_Port(nullptr);
+    stream->put_EchoWindow(0);
+}
+
+HRESULT Host::run(std::string_view script) {
+    VARIANT_BOOL result = VARIANT_FALSE;
+    const HRESULT code = preprocessor->PreprocessAndRun(Bstr(script).get(), &result);
+    ran = result != VARIANT_FALSE;
+    return code;
+}
+
+TraceTest::TraceTest() {
+    static const SocketsForAll sockets;
+    bench::test::callLibrary("DllCanUnloadNow");  // loads the library
+    wchar_t folder[MAX_PATH];
+    GetTempPathW(MAX_PATH, folder);
+    wchar_t path[MAX_PATH];
+    GetTempFileNameW(folder, L"kel", 0, path);
+    file = path;
+    session = newSession();
+}
+
+TraceTest::~TraceTest() {
+    endSession();
+    DeleteFileW(file.c_str());
+    const auto canUnload = kel::test::exportOf<HRESULT WINAPI()>(traceLibrary(), "DllCanUnloadNow");
+    EXPECT_EQ(canUnload(), S_OK) << "objects of KelTrace.dll are left";
+    EXPECT_EQ(bench::test::callLibrary("DllCanUnloadNow"), S_OK) << "objects of the link are left";
+}
+
+ComPtr<ITraceSession> TraceTest::newSession() {
+    ComPtr<IClassFactory> factory;
+    com::check(kel::test::exportOf<HRESULT WINAPI(REFCLSID, REFIID, void**)>(
+        traceLibrary(), "DllGetClassObject")(__uuidof(TraceSession), IID_PPV_ARGS(&factory)));
+    ComPtr<ITraceSession> made;
+    com::check(factory->CreateInstance(nullptr, IID_PPV_ARGS(&made)));
+    return made;
+}
+
+void TraceTest::startRecording() {
+    const BenchClasses classes;
+    ASSERT_EQ(session->Record(bstr(file).get()), S_OK);
+}
+
+void TraceTest::startReplay(double speed) {
+    session = newSession();
+    ASSERT_EQ(session->Replay(bstr(file).get(), speed), S_OK);
+}
+
+void TraceTest::startCounting() {
+    const BenchClasses classes;
+    ASSERT_EQ(session->FailCall(1000000, E_FAIL), S_OK);
+}
+
+void TraceTest::endSession() {
+    host.reset();
+    if (!session) return;
+    EXPECT_EQ(session->Close(), S_OK);
+    session.Reset();
+}
+
+ComPtr<IKelCommunicator> TraceTest::attach() {
+    ComPtr<IKelCommunicator> link;
+    if (FAILED(session->Attach(nullptr, &link))) {
+        const auto inner = bench::test::create<IKelCommunicator>(bench::test::kCommunicatorClass);
+        EXPECT_EQ(session->Attach(inner.Get(), &link), S_OK);
+    }
+    return link;
+}
+
+void TraceTest::connectHost(const Bstr& port) {
+    const auto stream = createStream<INetworkStream>(link::kNetworkStreamClass);
+    ASSERT_TRUE(bench::test::connectTo(*stream.Get(), port));
+    host = std::make_unique<Host>(attach().Get(), stream.Get());
+}
+
+std::string TraceTest::recording() const {
+    std::ifstream stream(com::narrow(file), std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+std::wstring TraceTest::difference() const {
+    Bstr text;
+    EXPECT_EQ(session->get_Difference(text.put()), S_OK);
+    return std::wstring(text.view());
+}
+
+long TraceTest::callsLeft() const {
+    long count = -1;
+    EXPECT_EQ(session->get_CallsLeft(&count), S_OK);
+    return count;
+}
+
+}  // namespace kel::trace::test

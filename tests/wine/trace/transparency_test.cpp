@@ -1,0 +1,175 @@
+#include "com/variant.h"
+#include "tests/wine/trace/host.h"
+
+namespace kel::trace::test {
+namespace {
+
+using TransparencyTest = TraceTest;
+
+template <class Interface>
+HRESULT asks(IUnknown* object) {
+    ComPtr<Interface> found;
+    return object->QueryInterface(IID_PPV_ARGS(&found));
+}
+
+TEST_F(TransparencyTest, ObjectsCreatedByIdentifierAreWrapped) {
+    startCounting();
+    long count = -1;
+    const auto serial = createStream<ISerialStream>(link::kSerialStreamClass);
+    const auto network = createStream<IKelStream>(link::kNetworkStreamClass);
+    const auto collection = createStream<ICollection>(link::kCollectionClass);
+    EXPECT_EQ(collection->Add(com::Variant(serial.Get()).get()), S_OK);
+    EXPECT_EQ(collection->get_Count(&count), S_OK);
+    EXPECT_EQ(count, 1);
+    EXPECT_EQ(session->get_CallCount(&count), S_OK);
+    EXPECT_EQ(count, 5) << "creations count";
+    EXPECT_EQ(asks<INetworkStream>(serial.Get()), E_NOINTERFACE);
+    EXPECT_EQ(asks<ISerialStream>(network.Get()), E_NOINTERFACE);
+    EXPECT_EQ(asks<IKelStream>(serial.Get()), S_OK);
+    collection->Remove(com::Variant(0L).get());
+}
+
+TEST_F(TransparencyTest, IdentitiesAreKept) {
+    startCounting();
+    const auto inner = bench::test::create<IKelCommunicator>(bench::test::kCommunicatorClass);
+    ComPtr<IKelCommunicator> link, again;
+    EXPECT_EQ(session->Attach(inner.Get(), &link), S_OK);
+    EXPECT_EQ(session->Attach(inner.Get(), &again), S_OK);
+    EXPECT_EQ(link, again);
+    EXPECT_EQ(asks<IBinaryCommunicator>(link.Get()), S_OK) << "passed on";
+    EXPECT_EQ(asks<IRecorderAccess>(link.Get()), E_NOINTERFACE);
+
+    ComPtr<IKelStream> port, innerPort;
+    auto stream = createStream<IKelStream>(link::kSerialStreamClass);
+    EXPECT_EQ(link->put_Port(stream.Get()), S_OK);
+    IKelStream* const known = stream.Get();
+    stream.Reset();
+    EXPECT_EQ(link->get_Port(&port), S_OK);
+    EXPECT_EQ(port.Get(), known);
+    EXPECT_EQ(inner->get_Port(&innerPort), S_OK);
+    EXPECT_NE(innerPort.Get(), known) << "the link has its own stream";
+    EXPECT_EQ(link->put_Port(nullptr), S_OK);
+    EXPECT_EQ(link->get_Port(&port), S_OK);
+    EXPECT_FALSE(port);
+
+    const auto preprocessor = kel::test::create<IPreprocessor>(__uuidof(Preprocessor));
+    ComPtr<IPreprocessor> given;
+    EXPECT_EQ(link->put_Preprocessor(preprocessor.Get()), S_OK);
+    EXPECT_EQ(link->get_Preprocessor(&given), S_OK);
+    EXPECT_EQ(given, preprocessor);
+    EXPECT_EQ(link->put_Preprocessor(nullptr), S_OK);
+}
+
+// A failing attempt tells why by the thread's last error, a failing call by its error info; a
+// replay tells the same.
+TEST_F(TransparencyTest, ReasonsSurvive) {
+    const auto fail = [this] {
+        const auto serial = createStream<ISerialStream>(link::kSerialStreamClass);
+        VARIANT_BOOL open = VARIANT_TRUE;
+        SetLastError(0);
+        EXPECT_EQ(serial->OpenPort(bstr(L"COM47").get(), 9600, &open), S_OK);
+        EXPECT_EQ(GetLastError(), ERROR_FILE_NOT_FOUND);
+        EXPECT_EQ(open, VARIANT_FALSE);
+        EXPECT_EQ(serial->OpenPort(bstr(L"COM47").get(), -1, &open), E_INVALIDARG);
+        const auto error = kel::test::takeError();
+        ASSERT_TRUE(error);
+        EXPECT_EQ(error->description, L"A baud rate is above zero");
+        EXPECT_EQ(error->source, L"BenchLink.SerialStream.1");
+        EXPECT_EQ(error->interfaceId, __uuidof(ISerialStream));
+        EXPECT_EQ(serial->OpenPort(bstr(L"COM47").get(), 9600, nullptr), E_POINTER);
+    };
+    startRecording();
+    fail();
+    endSession();
+    startReplay();
+    fail();
+    EXPECT_EQ(difference(), L"");
+}
+
+TEST_F(TransparencyTest, ValuesComeBack) {
+    TcpPeer peer;
+    const std::string sent("\x00\xFF\r\n\"\\\x81", 7);
+    const auto talk = [&](bool isReplay) {
+        const auto stream = createStream<INetworkStream>(link::kNetworkStreamClass);
+        ASSERT_TRUE(bench::test::connectTo(*stream.Get(), peer.port()));
+        if (!isReplay) peer.accept();
+        if (!isReplay) peer.send("Z" + sent + "line\r");
+        unsigned char byte = 0;
+        VARIANT_BOOL result = VARIANT_FALSE;
+        com::Variant data;
+        Bstr line;
+        EXPECT_EQ(stream->ReadByte(100000, &byte, &result), S_OK);
+        EXPECT_EQ(byte, 'Z');
+        EXPECT_EQ(stream->ReadBuffer(7, 100000, data.put(), &result), S_OK);
+        EXPECT_EQ(result, VARIANT_TRUE);
+        ASSERT_EQ(data.type(), VT_ARRAY | VT_UI1);
+        void* bytes = nullptr;
+        SafeArrayAccessData(data.get().parray, &bytes);
+        EXPECT_EQ(std::string(static_cast<char*>(bytes), 7), sent);
+        SafeArrayUnaccessData(data.get().parray);
+        EXPECT_EQ(stream->WriteBuffer(data.get(), 0, &result), S_OK);
+        EXPECT_EQ(stream->ReadString(100000, line.put(), &result), S_OK);
+        EXPECT_EQ(line.view(), L"line");
+
+        // The same late-bound.
+        DISPID member = 0;
+        wchar_t name[] = L"IsOpen";
+        LPOLESTR names = name;
+        EXPECT_EQ(stream->GetIDsOfNames(IID_NULL, &names, 1, 0, &member), S_OK);
+        com::Variant open;
+        DISPPARAMS none{};
+        EXPECT_EQ(stream->Invoke(member, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, open.put(),
+                                 nullptr, nullptr),
+                  S_OK);
+        EXPECT_EQ(open.get().boolVal, VARIANT_TRUE);
+    };
+    startRecording();
+    talk(false);
+    endSession();
+    peer.vanish();
+    startReplay();
+    talk(true);
+    EXPECT_EQ(difference(), L"");
+}
+
+TEST_F(TransparencyTest, TheEchoReachesTheHostsWindow) {
+    startRecording();
+    TestWindow first, second;
+    const auto inner = bench::test::create<IKelCommunicator>(bench::test::kCommunicatorClass);
+    ComPtr<IKelStream> innerPort;
+    {
+        ComPtr<IKelCommunicator> link;
+        EXPECT_EQ(session->Attach(inner.Get(), &link), S_OK);
+        const auto stream = createStream<IKelStream>(link::kNetworkStreamClass);
+        EXPECT_EQ(link->put_Port(stream.Get()), S_OK);
+        long window = -1;
+        EXPECT_EQ(stream->get_EchoWindow(&window), S_OK);
+        EXPECT_EQ(window, 0);
+        for (const TestWindow* each : {&first, &second}) {
+            EXPECT_EQ(stream->put_EchoWindow(each->number()), S_OK);
+            EXPECT_EQ(stream->get_EchoWindow(&window), S_OK);
+            EXPECT_EQ(window, each->number());
+            EXPECT_EQ(stream->Echo(bstr(L"a\x20AC\n").get()), S_OK);
+        }
+        EXPECT_EQ(inner->get_Port(&innerPort), S_OK);
+        EXPECT_EQ(innerPort->get_EchoWindow(&window), S_OK);
+        EXPECT_NE(window, second.number()) << "the link shows its texts in a window between";
+    }
+    EXPECT_EQ(innerPort->Echo(bstr(L"b").get()), S_OK);
+    EXPECT_EQ(first.shown(), L"a\x20AC\n");
+    EXPECT_EQ(second.shown(), L"a\x20AC\nb") << "also when the wrapper has gone";
+    EXPECT_NE(recording().find("\"echoed\":\"a\xE2\x82\xAC\\n\""), std::string::npos);
+}
+
+TEST_F(TransparencyTest, TheLastReferenceMayGoInsideACall) {
+    startRecording();
+    TestWindow window;
+    auto stream = createStream<IKelStream>(link::kNetworkStreamClass);
+    IKelStream* const called = stream.Get();
+    window.post([&] { stream.Reset(); });
+    EXPECT_EQ(called->Sleep(100), S_OK);
+    EXPECT_FALSE(stream);
+}
+
+}  // namespace
+}  // namespace kel::trace::test
