@@ -53,6 +53,12 @@ std::vector<std::string> endOfRun(const std::vector<Diagnostic>& wrong) {
     return texts;
 }
 
+// A failure of a component, which the preprocessor does not list among its errors.
+std::string reasonOf(const com::Error& error, const ScriptPlace& place) {
+    if (place.line == 0) return describe(error);
+    return placeAndMessage({place.file, place.line, 0, true, describe(error)});
+}
+
 // A link that fails because its wait was interrupted has still been cancelled.
 Ending runScript(Session& session, const Preprocessor& preprocessor, const std::wstring& script) {
     try {
@@ -62,7 +68,7 @@ Ending runScript(Session& session, const Preprocessor& preprocessor, const std::
         return {ExitCode::kScriptFailed, endOfRun(preprocessor.lastRun())};
     } catch (const com::Error& error) {
         return {session.wasCancelled() ? ExitCode::kCancelled : ExitCode::kScriptFailed,
-                {describe(error)}};
+                {reasonOf(error, session.place())}};
     }
 }
 

@@ -9,7 +9,7 @@
 namespace kel::kelrun {
 namespace {
 
-// The members of _IPreprocessorEvents that a transcript tells of.
+// The members of _IPreprocessorEvents that are listened to.
 enum EventMember : DISPID { kLineStarted = 3, kLineSent = 4, kErrorFound = 7 };
 
 // The arguments of an event, in the order of its declaration.
@@ -43,7 +43,7 @@ class Sink final : public com::Object<Sink, com::Plain<IDispatch>> {
 public:
     static constexpr com::ClassDescription kClass{};
 
-    explicit Sink(Transcript& transcript) : transcript_(transcript) {}
+    Sink(ScriptPlace& place, Transcript* transcript) : place_(place), transcript_(transcript) {}
 
     STDMETHODIMP GetTypeInfoCount(UINT* count) override {
         return guarded<IDispatch>([&] { com::out(count) = 0; });
@@ -56,26 +56,33 @@ public:
                         EXCEPINFO*, UINT*) override {
         const HRESULT code = guarded<IDispatch>([&] {
             if (!parameters) return E_INVALIDARG;
-            tell(member, Arguments(*parameters));
+            take(member, Arguments(*parameters));
             return S_OK;
         });
-        if (FAILED(code)) transcript_.lose();
+        if (FAILED(code) && transcript_) transcript_->lose();
         return code;
     }
 
 private:
-    void tell(DISPID member, const Arguments& arguments) {
+    void take(DISPID member, const Arguments& arguments) {
+        if (member == kLineStarted) {
+            place_ = {utf8(arguments.text(0)), arguments.number(1)};
+        }
+        if (transcript_) tell(*transcript_, member, arguments);
+    }
+
+    void tell(Transcript& transcript, DISPID member, const Arguments& arguments) const {
         switch (member) {
             case kLineStarted:
-                transcript_.lineStarted(utf8(arguments.text(0)), arguments.number(1));
+                transcript.lineStarted(place_.file, place_.line);
                 break;
             case kLineSent:
-                transcript_.sent(utf8(arguments.text(0)));
+                transcript.sent(utf8(arguments.text(0)));
                 break;
             case kErrorFound: {
                 const std::wstring message = arguments.text(3);
-                transcript_.errorFound(utf8(arguments.text(0)), arguments.number(1),
-                                       std::u16string(message.begin(), message.end()));
+                transcript.errorFound(utf8(arguments.text(0)), arguments.number(1),
+                                      std::u16string(message.begin(), message.end()));
                 break;
             }
             default:
@@ -83,17 +90,18 @@ private:
         }
     }
 
-    Transcript& transcript_;
+    ScriptPlace& place_;
+    Transcript* transcript_;
 };
 
 }  // namespace
 
 RunEvents::RunEvents(const com::ComPtr<IPreprocessorControl>& preprocessor,
-                     Transcript& transcript) {
+                     Transcript* transcript) {
     com::ComPtr<IConnectionPointContainer> container;
     com::check(preprocessor.As(&container), preprocessor);
     com::check(container->FindConnectionPoint(DIID__IPreprocessorEvents, &source_), container);
-    const auto sink = com::makeObject<Sink>(transcript);
+    const auto sink = com::makeObject<Sink>(place_, transcript);
     com::check(source_->Advise(sink->controlling(), &cookie_), source_);
 }
 

@@ -22,9 +22,8 @@ Session::Session(const com::ComPtr<IPreprocessorControl>& preprocessor, const Op
       communicator_(create<IKelCommunicator>(options.link, kLinkRemedy)),
       cancel_(preprocessor_),
       echo_(options.quiet, transcript),
-      connection_(options) {
-    if (transcript) events_.emplace(preprocessor_, *transcript);
-}
+      connection_(options),
+      events_(preprocessor_, transcript) {}
 
 // The components are there when this begins, so the destructor parts them if it fails.
 Session::Session(const Options& options, const Preprocessor& preprocessor, Transcript* transcript)

@@ -1,7 +1,6 @@
 #pragma once
 // Preprocessor, instrument link and stream, put together for a run and taken apart after it.
 
-#include <optional>
 #include <string_view>
 
 #include "hosts/kelrun/cancel.h"
@@ -31,6 +30,9 @@ public:
     // True when the user or the last script itself asked for the end.
     bool wasCancelled() const;
 
+    // The line that began last; line 0 when none has.
+    const ScriptPlace& place() const { return events_.place(); }
+
     // Ends the dialogue on the console. True when all of it was shown.
     bool finishDialogue();
 
@@ -43,7 +45,7 @@ private:
     CancelOnInterrupt cancel_;
     ConsoleEcho echo_;
     Connection connection_;
-    std::optional<RunEvents> events_;
+    RunEvents events_;
 };
 
 }  // namespace kel::kelrun

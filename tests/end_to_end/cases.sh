@@ -249,8 +249,9 @@ test_runs_without_a_connection() {
     expect_only_error 'kelrun: expressions.kel ran to its end (...'
     kelrun 0 "$(script expressions.kel '@x="1"\n')" --quiet
     [[ ! -s $errors ]] || give_up "closing words in spite of --quiet"
-    kelrun 1 "$(script ver.kel 'ver\n')"
-    expect "$errors" 'kelrun: ver.kel stopped on an error (neither --port nor --tcp was given)'
+    kelrun 1 "$(script ver.kel '@x="1"\nver\n')"
+    expect "$errors" "kelrun: $(windows_path "$folder/ver.kel"):2: The port is not open..." \
+        'kelrun: ver.kel stopped on an error (neither --port nor --tcp was given)'
 }
 
 # Prints the blocks of a language in a page, each followed by a line of its own.

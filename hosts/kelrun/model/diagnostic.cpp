@@ -10,9 +10,8 @@ namespace {
 
 std::string place(const Diagnostic& diagnostic) {
     std::string text = oneLine(diagnostic.file) + ':';
-    if (diagnostic.line > 0) {
-        text += std::to_string(diagnostic.line) + ':' + std::to_string(diagnostic.column) + ':';
-    }
+    if (diagnostic.line > 0) text += std::to_string(diagnostic.line) + ':';
+    if (diagnostic.column > 0) text += std::to_string(diagnostic.column) + ':';
     return text + ' ';
 }
 

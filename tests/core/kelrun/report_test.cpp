@@ -54,6 +54,7 @@ TEST(KelrunDiagnostic, IsWrittenForUsersAndForEditors) {
     EXPECT_EQ(placeAndMessage(hostile),
               "C:\\\"a\".kel:12:5: a\u241B[2J\t\"\\\u240D\u240A\u2421\u00FC");
     EXPECT_EQ(compilerText({"a", 1, 2, true, "m"}), "a:1:2: error: m");
+    EXPECT_EQ(compilerText({"a", 1, 0, false, "m"}), "a:1: warning: m");
     EXPECT_EQ(compilerText(nowhere), "b.kel: warning: odd");
     EXPECT_EQ(toJson({}), "[\n]\n");
     EXPECT_EQ(toJson(std::vector{hostile, nowhere}),
