@@ -16,8 +16,8 @@ constexpr std::string_view kCharacters{"\r\n\t\v\b\0\\\x1b\x7f", 9};
 
 std::string Step::text() const {
     std::string text;
-    for (const std::string& line : lines)
-        text += (&line == &lines.front() ? "" : "\n") + line;
+    for (const std::string& each : lines)
+        text += (&each == &lines.front() ? "" : "\n") + each;
     return text;
 }
 
