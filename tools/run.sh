@@ -9,7 +9,7 @@ read_run_arguments() {
             set -- "${1%%=*}" "${1#*=}" "${@:2}"
         fi
         case $1 in
-            --port | --tcp | --baud | --link | --var | --answer | --script-path | --system-path | --transcript)
+            --port | --tcp | --baud | --link | --var | --answer | --script-path | --system-path | --transcript | --record | --replay | --speed)
                 (($# > 1)) || usage_error "$1 needs a value"
                 read_run_option "$1" "$2"
                 shift
@@ -32,7 +32,7 @@ read_run_option() {
     case $1 in
         --port) if [[ $2 == */* ]]; then device=$2; else port=$2; fi ;;
         --tcp) tcp=$2 ;;
-        --script-path | --system-path | --transcript) options+=("$1" "$(windows_path "$2")") ;;
+        --script-path | --system-path | --transcript | --record | --replay) options+=("$1" "$(windows_path "$2")") ;;
         *) options+=("$1" "$2") ;;
     esac
 }

@@ -1,5 +1,6 @@
 #include "hosts/kelrun/run.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <optional>
@@ -31,6 +32,7 @@ public:
 struct Ending {
     ExitCode code;
     std::vector<std::string> reasons;
+    std::string words = {};
 };
 
 void say(ConsoleOutput& errors, const std::string& text) {
@@ -88,35 +90,53 @@ void printVariables(const Preprocessor& preprocessor, ConsoleOutput& errors) {
     if (output.isBroken()) say(errors, "the variables could not be shown to their end");
 }
 
-ExitCode runConnected(const Options& options, const ScriptFile& script,
-                      const Preprocessor& preprocessor, Transcript* transcript,
-                      ConsoleOutput& errors) {
-    Session session(options, preprocessor, transcript);
+Ending runConnected(const Options& options, const ScriptFile& script,
+                    const Preprocessor& preprocessor, const Trace& trace, Transcript* transcript,
+                    ConsoleOutput& errors) {
+    Session session(options, preprocessor, trace, transcript);
     const auto start = Clock::now();
-    const Ending ending = runScript(session, preprocessor, script.text);
-    const std::string words = endText(ending.code, options, script.name, Clock::now() - start);
-
+    Ending ending = runScript(session, preprocessor, script.text);
+    ending.words = endText(ending.code, options, script.name, Clock::now() - start);
     if (!session.finishDialogue()) say(errors, "the dialogue could not be shown to its end");
+    return ending;
+}
+
+// A run that is not the recorded one has failed, also when the script has not noticed.
+void closeTrace(Trace& trace, Ending& ending) {
+    for (const std::string& word : trace.close()) {
+        const bool isTold = std::ranges::any_of(ending.reasons, [&](const std::string& reason) {
+            return reason.find(word) != std::string::npos;
+        });
+        if (!isTold) ending.reasons.push_back(word);
+        if (ending.code == ExitCode::kRan) ending.code = ExitCode::kScriptFailed;
+    }
+}
+
+ExitCode runToEnd(const Options& options, const ScriptFile& script,
+                  const Preprocessor& preprocessor, Transcript* transcript, ConsoleOutput& errors) {
+    Trace trace(options);
+    Ending ending = runConnected(options, script, preprocessor, trace, transcript, errors);
+    closeTrace(trace, ending);
+
     if (transcript) {
         transcript->ended(static_cast<int>(ending.code),
-                          ending.reasons.empty() ? words : ending.reasons.front());
+                          ending.reasons.empty() ? ending.words : ending.reasons.front());
     }
     if (options.printVariables) printVariables(preprocessor, errors);
     for (const std::string& reason : ending.reasons)
         say(errors, reason);
-    if (ending.code != ExitCode::kRan || !options.quiet) say(errors, words);
+    if (ending.code != ExitCode::kRan || !options.quiet) say(errors, ending.words);
     return ending.code;
 }
 
 ExitCode runWithTranscript(const Options& options, const ScriptFile& script,
                            const Preprocessor& preprocessor, ConsoleOutput& errors) {
     if (options.transcript.empty()) {
-        return runConnected(options, script, preprocessor, nullptr, errors);
+        return runToEnd(options, script, preprocessor, nullptr, errors);
     }
     TranscriptFile file(options.transcript, preprocessor.scriptName(), script.text);
     try {
-        const ExitCode code =
-            runConnected(options, script, preprocessor, &file.transcript(), errors);
+        const ExitCode code = runToEnd(options, script, preprocessor, &file.transcript(), errors);
         if (file.isIncomplete()) say(errors, "the transcript could not be written to its end");
         return code;
     } catch (const Failure& failure) {

@@ -43,7 +43,8 @@ class Sink final : public com::Object<Sink, com::Plain<IDispatch>> {
 public:
     static constexpr com::ClassDescription kClass{};
 
-    Sink(ScriptPlace& place, Transcript* transcript) : place_(place), transcript_(transcript) {}
+    Sink(ScriptPlace& place, const Trace& trace, Transcript* transcript)
+        : place_(place), trace_(trace), transcript_(transcript) {}
 
     STDMETHODIMP GetTypeInfoCount(UINT* count) override {
         return guarded<IDispatch>([&] { com::out(count) = 0; });
@@ -67,6 +68,7 @@ private:
     void take(DISPID member, const Arguments& arguments) {
         if (member == kLineStarted) {
             place_ = {utf8(arguments.text(0)), arguments.number(1)};
+            trace_.setPosition(place_.file, static_cast<long>(place_.line));
         }
         if (transcript_) tell(*transcript_, member, arguments);
     }
@@ -91,17 +93,18 @@ private:
     }
 
     ScriptPlace& place_;
+    const Trace& trace_;
     Transcript* transcript_;
 };
 
 }  // namespace
 
-RunEvents::RunEvents(const com::ComPtr<IPreprocessorControl>& preprocessor,
+RunEvents::RunEvents(const com::ComPtr<IPreprocessorControl>& preprocessor, const Trace& trace,
                      Transcript* transcript) {
     com::ComPtr<IConnectionPointContainer> container;
     com::check(preprocessor.As(&container), preprocessor);
     com::check(container->FindConnectionPoint(DIID__IPreprocessorEvents, &source_), container);
-    const auto sink = com::makeObject<Sink>(place_, transcript);
+    const auto sink = com::makeObject<Sink>(place_, trace, transcript);
     com::check(source_->Advise(sink->controlling(), &cookie_), source_);
 }
 

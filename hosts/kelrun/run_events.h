@@ -10,6 +10,7 @@
 
 #include "com/error.h"
 #include "hosts/kelrun/model/transcript.h"
+#include "hosts/kelrun/trace.h"
 #include "interfaces/KelUtils.h"
 
 namespace kel::kelrun {
@@ -22,9 +23,10 @@ struct ScriptPlace {
 // Listens to the preprocessor while it lives.
 class RunEvents {
 public:
-    // `transcript` may be null; else it is told what happens, and must outlive this. Throws
+    // `transcript` may be null; else it is told what happens. Both must outlive this. Throws
     // com::Error.
-    RunEvents(const com::ComPtr<IPreprocessorControl>& preprocessor, Transcript* transcript);
+    RunEvents(const com::ComPtr<IPreprocessorControl>& preprocessor, const Trace& trace,
+              Transcript* transcript);
     ~RunEvents();
     RunEvents(const RunEvents&) = delete;
     RunEvents& operator=(const RunEvents&) = delete;

@@ -17,17 +17,19 @@ long handleNumber(HWND window) {
 }  // namespace
 
 Session::Session(const com::ComPtr<IPreprocessorControl>& preprocessor, const Options& options,
-                 Transcript* transcript)
+                 const Trace& trace, Transcript* transcript)
     : preprocessor_(preprocessor),
-      communicator_(create<IKelCommunicator>(options.link, kLinkRemedy)),
+      communicator_(
+          trace.link([&] { return create<IKelCommunicator>(options.link, kLinkRemedy); })),
       cancel_(preprocessor_),
       echo_(options.quiet, transcript),
       connection_(options),
-      events_(preprocessor_, transcript) {}
+      events_(preprocessor_, trace, transcript) {}
 
 // The components are there when this begins, so the destructor parts them if it fails.
-Session::Session(const Options& options, const Preprocessor& preprocessor, Transcript* transcript)
-    : Session(preprocessor.control(), options, transcript) {
+Session::Session(const Options& options, const Preprocessor& preprocessor, const Trace& trace,
+                 Transcript* transcript)
+    : Session(preprocessor.control(), options, trace, transcript) {
     const auto& stream = connection_.stream();
     com::check(stream->put_EchoWindow(handleNumber(echo_.window())), stream);
     com::check(stream->put_IdleProcessing(VARIANT_TRUE), stream);

@@ -16,9 +16,10 @@ namespace kel::kelrun {
 // Link and preprocessor refer to each other: the session parts them, on every way out.
 class Session {
 public:
-    // Connects. `transcript` may be null; else it is told what happens, and must outlive the
-    // session. Throws Failure, com::Error.
-    Session(const Options& options, const Preprocessor& preprocessor, Transcript* transcript);
+    // Connects. `transcript` may be null; else it is told what happens. It and `trace` must outlive
+    // the session. Throws Failure, com::Error.
+    Session(const Options& options, const Preprocessor& preprocessor, const Trace& trace,
+            Transcript* transcript);
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -38,7 +39,7 @@ public:
 
 private:
     Session(const com::ComPtr<IPreprocessorControl>& preprocessor, const Options& options,
-            Transcript* transcript);
+            const Trace& trace, Transcript* transcript);
 
     com::ComPtr<IPreprocessorControl> preprocessor_;
     com::ComPtr<IKelCommunicator> communicator_;

@@ -108,6 +108,27 @@ test_writes_a_transcript() {
     expect_only_error "kelrun: Z:..."
 }
 
+# A replay needs no instrument; a changed script is told where it leaves the recording.
+test_records_and_replays() {
+    local path recording dialogue=$folder/dialogue
+    recording=$(windows_path "$folder/recording")
+    instrument tcp
+    path=$(script ver.kel 'ver\n#WAIT 5\nsernum\n')
+    kelrun 0 "$path" "${connection[@]}" --record "$recording"
+    expect "$output" "$firmware" 'Serial Number: D123.'
+    cp -- "$output" "$dialogue"
+    end_process "$instrument_process"
+    kelrun 0 "$path" "${connection[@]}" --replay "$recording" --speed 0
+    diff "$dialogue" "$output" >&2 || give_up "another dialogue"
+    kelrun 1 "$(script ver.kel 'ver\n#WAIT 5\nstatus\n')" "${connection[@]}" --replay "$recording" --speed 0
+    expect "$errors" "kelrun: $path:3: The replay leaves its recording at $path, line 3: ..."
+    [[ $(wc -l <"$errors") == 2 ]] || give_up "the difference is told twice"
+    kelrun 1 "$(script ver.kel 'ver\n')" "${connection[@]}" --replay "$recording" --speed 0
+    expect "$errors" "kelrun: The replay leaves its recording at $path, line 1: ..."
+    kelrun 2 "$path" --replay "$path"
+    expect_only_error "kelrun: $path: ..."
+}
+
 test_refuses_wrong_usage_and_unreadable_files() {
     local missing arguments message
     missing=$(windows_path "$folder/missing.kel")

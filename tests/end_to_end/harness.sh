@@ -26,7 +26,8 @@ wait_until() {
     done
 }
 
-# Starts the virtual instrument with further options; sets `connection` to the options of kelrun.
+# Starts the virtual instrument with further options; sets `connection` to the options of kelrun,
+# and `instrument_process`.
 instrument() {
     local kind=$1 transport address
     shift
@@ -37,7 +38,8 @@ instrument() {
     rm -f -- "$folder/address" # of an earlier one
     become_detached "$KEL_VIRTUAL_INSTRUMENT" "${transport[@]}" --time-scale "$time_scale" \
         --parent $$ "$@" >"$folder/address" 2>"$folder/instrument" &
-    at_exit end_process $!
+    instrument_process=$!
+    at_exit end_process "$instrument_process"
     wait_until "the address of the instrument" grep -q . "$folder/address"
     address=$(head -n 1 -- "$folder/address")
     case $kind in

@@ -11,6 +11,7 @@ namespace kel::kelrun {
 namespace {
 
 constexpr long kHighestBaudRate = 4'000'000;
+constexpr double kHighestSpeed = 1e6;
 constexpr std::size_t kHelpColumn = 23;
 
 [[noreturn]] void refuse(std::string_view text) {
@@ -23,6 +24,15 @@ void setBaudRate(Options& options, std::string_view value) {
     if (error != std::errc() || end != value.data() + value.size() || options.baudRate < 1 ||
         options.baudRate > kHighestBaudRate) {
         refuse("--baud: '" + std::string(value) + "' is no rate");
+    }
+}
+
+void setSpeed(Options& options, std::string_view value) {
+    const auto [end, error] =
+        std::from_chars(value.data(), value.data() + value.size(), options.speed);
+    if (error != std::errc() || end != value.data() + value.size() ||
+        !(options.speed >= 0 && options.speed <= kHighestSpeed)) {
+        refuse("--speed: '" + std::string(value) + "' is no speed");
     }
 }
 
@@ -81,6 +91,9 @@ constexpr Option kOptions[] = {
      setFlag<&Options::printVariables>},
     {"--transcript", "FILE", "writes what happens to a file, as JSON Lines",
      setText<&Options::transcript>},
+    {"--record", "FILE", "writes all calls on the link to a file", setText<&Options::record>},
+    {"--replay", "FILE", "runs on such a file, without an instrument", setText<&Options::replay>},
+    {"--speed", "FACTOR", "how much faster than recorded; 0: without waiting", setSpeed},
     {"--quiet", "", "shows errors only", setFlag<&Options::quiet>},
     {"--help", "", "this text", setFlag<&Options::help>},
     {"--version", "", "the version", setFlag<&Options::version>},
@@ -163,6 +176,8 @@ Options parseOptions(std::span<const std::string> arguments) {
     if (options.script.empty()) refuse("which script?");
     if (!options.port.empty() && !options.tcp.empty())
         refuse("--port and --tcp exclude each other");
+    if (!options.record.empty() && !options.replay.empty())
+        refuse("--record and --replay exclude each other");
     if (options.json && !options.check) refuse("--json goes with --check");
     return options;
 }
@@ -176,7 +191,6 @@ std::string helpText() {
         text.append(line).append(option.help).append("\n");
     }
     return text +
-           "The dialogue goes to standard output, all else to standard error, in UTF-8.\n"
            "Ctrl+C cancels the script before its next line; again, it ends kelrun at once.\n"
            "Exit codes: 0 the script ran to its end, 1 it failed, 2 wrong usage or file\n"
            "unreadable, 3 no connection, 4 cancelled, 5 a component is not registered.\n";

@@ -25,6 +25,9 @@ struct Options {
     std::optional<std::string> scriptPath;
     std::string systemPath;
     std::string transcript;  // path; empty for none
+    std::string record;      // path; empty for none
+    std::string replay;      // path; empty for none
+    double speed = 1;        // of a replay; 0 for without waiting
     bool check = false;      // nothing is run
     bool json = false;       // of a check
     bool keepGoing = false;

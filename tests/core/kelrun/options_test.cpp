@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <sstream>
 
 #include "hosts/kelrun/model/address.h"
@@ -24,30 +25,16 @@ std::string failureOf(Call&& call) {
     return {};
 }
 
+Arguments split(const std::string& line) {
+    std::istringstream words(line);
+    return {std::istream_iterator<std::string>(words), {}};
+}
+
 TEST(KelrunOptions, ReadsEveryOption) {
-    const auto options = parseOptions(Arguments{"--port",
-                                                "COM3",
-                                                "--baud=115200",
-                                                "a.kel",
-                                                "--link",
-                                                "Some.Link",
-                                                "--var",
-                                                "a=1",
-                                                "--var=b=x=y",
-                                                "--answer",
-                                                "q=",
-                                                "--script-path",
-                                                "C:\\s",
-                                                "--system-path",
-                                                "D:\\",
-                                                "--transcript",
-                                                "t",
-                                                "--check",
-                                                "--json",
-                                                "--keep-going",
-                                                "--interactive",
-                                                "--print-variables",
-                                                "--quiet"});
+    const auto options = parseOptions(
+        split("--port COM3 --baud=115200 a.kel --link Some.Link --var a=1 --var=b=x=y --answer q= "
+              "--script-path C:\\s --system-path D:\\ --transcript t --record r --speed 0.5 "
+              "--check --json --keep-going --interactive --print-variables --quiet"));
     EXPECT_EQ(options.script, "a.kel");
     EXPECT_EQ(options.port, "COM3");
     EXPECT_EQ(options.baudRate, 115200);
@@ -59,7 +46,8 @@ TEST(KelrunOptions, ReadsEveryOption) {
     EXPECT_EQ(options.systemPath, "D:\\");
     ASSERT_EQ(options.answers.size(), 1u);
     EXPECT_EQ(options.answers[0].name + options.answers[0].value, "q");
-    EXPECT_EQ(options.transcript, "t");
+    EXPECT_EQ(options.transcript + options.record, "tr");
+    EXPECT_EQ(options.speed, 0.5);
     EXPECT_TRUE(options.check && options.json && options.keepGoing && options.interactive);
     EXPECT_TRUE(options.printVariables && options.quiet);
     EXPECT_EQ(parseOptions(Arguments{"--tcp", "h:1", "--", "-odd.kel"}).script, "-odd.kel");
@@ -87,6 +75,9 @@ TEST(KelrunOptions, RefusesWrongUsageWithItsReason) {
         {{"a", "--baud", "99999999999"}, "2 --baud: '99999999999' is no rate"},
         {{"a", "--var", "name"}, "2 --var: 'name' is not NAME=VALUE"},
         {{"a", "--answer", "=ok"}, "2 --answer: '=ok' is not NAME=VALUE"},
+        {{"a", "--speed", "-1"}, "2 --speed: '-1' is no speed"},
+        {{"a", "--speed", "nan"}, "2 --speed: 'nan' is no speed"},
+        {{"a", "--record", "f", "--replay", "f"}, "2 --record and --replay exclude each other"},
         {{"a", "--json"}, "2 --json goes with --check"},
     };
     for (const auto& row : cases) {

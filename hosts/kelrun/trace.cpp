@@ -1,0 +1,90 @@
+#include "hosts/kelrun/trace.h"
+
+#include "com/text.h"
+#include "hosts/kelrun/error_text.h"
+#include "hosts/kelrun/model/failure.h"
+
+namespace kel::kelrun {
+namespace {
+
+constexpr wchar_t kLibraryName[] = L"KelTrace.dll";
+
+// The library beside this program. It stays loaded: its objects may be used to the very end.
+HMODULE loadLibrary() {
+    std::wstring path(MAX_PATH, L'\0');
+    path.resize(GetModuleFileNameW(nullptr, path.data(), MAX_PATH));
+    path = path.substr(0, path.rfind(L'\\') + 1) + kLibraryName;
+    if (const HMODULE library = LoadLibraryW(path.c_str())) return library;
+    const DWORD error = GetLastError();
+    throw Failure(ExitCode::kNotRegistered,
+                  com::narrow(path, CP_UTF8) + " cannot be loaded: " + systemText(error));
+}
+
+com::ComPtr<ITraceSession> createSession() {
+    using GetClassObject = HRESULT(STDMETHODCALLTYPE*)(REFCLSID, REFIID, void**);
+    const auto getClassObject = reinterpret_cast<GetClassObject>(
+        reinterpret_cast<void*>(GetProcAddress(loadLibrary(), "DllGetClassObject")));
+    if (!getClassObject) throw com::lastError();
+    com::ComPtr<IClassFactory> factory;
+    com::check(getClassObject(__uuidof(TraceSession), IID_PPV_ARGS(&factory)));
+    com::ComPtr<ITraceSession> session;
+    com::check(factory->CreateInstance(nullptr, IID_PPV_ARGS(&session)), factory);
+    return session;
+}
+
+com::Bstr bstr(const std::string& text) {
+    return com::Bstr(com::widen(text, CP_UTF8));
+}
+
+}  // namespace
+
+Trace::Trace(const Options& options) : isReplay_(!options.replay.empty()) {
+    if (options.record.empty() && !isReplay_) return;
+    const std::string& path = isReplay_ ? options.replay : options.record;
+    session_ = createSession();
+    try {
+        com::check(isReplay_ ? session_->Replay(bstr(path).get(), options.speed)
+                             : session_->Record(bstr(path).get()),
+                   session_);
+    } catch (const com::Error& error) {
+        throw Failure(ExitCode::kUsage, path + ": " + describe(error));
+    }
+}
+
+com::ComPtr<IKelCommunicator> Trace::link(const Create& create) const {
+    if (!session_) return create();
+    const com::ComPtr<IKelCommunicator> inner = isReplay_ ? nullptr : create();
+    com::ComPtr<IKelCommunicator> link;
+    com::check(session_->Attach(inner.Get(), &link), session_);
+    return link;
+}
+
+void Trace::setPosition(const std::string& file, long line) const {
+    if (session_) com::check(session_->SetPosition(bstr(file).get(), line), session_);
+}
+
+std::vector<std::string> Trace::close() {
+    if (!session_) return {};
+    std::vector<std::string> words;
+    com::Bstr difference;
+    long left = 0;
+    if (isReplay_) {
+        com::check(session_->get_Difference(difference.put()), session_);
+        com::check(session_->get_CallsLeft(&left), session_);
+    }
+    if (!difference.view().empty()) {
+        words.push_back(com::narrow(difference.view(), CP_UTF8));
+    } else if (left > 0) {
+        words.push_back("the run ended before the recording: " + std::to_string(left) +
+                        " calls are left");
+    }
+    try {
+        com::check(session_->Close(), session_);
+    } catch (const com::Error& error) {
+        words.push_back("the recording is not complete: " + describe(error));
+    }
+    session_.Reset();
+    return words;
+}
+
+}  // namespace kel::kelrun
