@@ -42,7 +42,7 @@ finish_tests() {
 
 # Runs some tests of a build folder and counts them: run_ctest FOLDER WHAT [CTEST OPTIONS...]
 run_ctest() {
-    local folder=$kel_build/$1 what=$2 report=$kel_build/reports/$1-${2//[^a-z0-9]/-}.xml code=0 counts
+    local folder=$kel_build/$1 what=$2 report=$kel_build/reports/$1-${2//[^A-Za-z0-9]/-}.xml code=0 counts
     shift 2
     say "testing: $what"
     mkdir -p -- "${report%/*}"
