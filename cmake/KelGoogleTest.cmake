@@ -7,6 +7,3 @@ if(WIN32)
     target_sources(gtest INTERFACE "${PROJECT_SOURCE_DIR}/tests/support/newborn_threads.cpp")
 endif()
 
-# Parsing these takes most of the time that a test needs to compile.
-target_precompile_headers(gtest INTERFACE
-    <gtest/gtest.h> <functional> <map> <optional> <string> <string_view> <vector>)
