@@ -6,4 +6,3 @@ include(GoogleTest)
 if(WIN32)
     target_sources(gtest INTERFACE "${PROJECT_SOURCE_DIR}/tests/support/newborn_threads.cpp")
 endif()
-
