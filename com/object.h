@@ -1,3 +1,4 @@
+#pragma once
 // The base of every COM object: a component lists its interfaces and writes its methods.
 //
 //     class Counter final
@@ -10,7 +11,6 @@
 //         ...
 //
 //     com::createInstance<Counter>(outer, iid, result);
-#pragma once
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// Arguments of the link's members as values of the trace file.
 #pragma once
+// Arguments of the link's members as values of the trace file.
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// Class objects of our own for the classes of the link that KelUtils creates by identifier.
 #pragma once
+// Class objects of our own for the classes of the link that KelUtils creates by identifier.
 
 #include <memory>
 #include <vector>

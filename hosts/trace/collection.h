@@ -1,5 +1,5 @@
-// The link's general collection: its wrapper, and the container that a replay gives.
 #pragma once
+// The link's general collection: its wrapper, and the container that a replay gives.
 
 #include <vector>
 

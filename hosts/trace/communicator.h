@@ -1,5 +1,5 @@
-// The wrapper of the link itself.
 #pragma once
+// The wrapper of the link itself.
 
 #include "hosts/trace/preprocessor_relay.h"
 #include "hosts/trace/traced.h"

@@ -1,5 +1,5 @@
-// A window between the link and the host's echo window: what the link shows goes through it.
 #pragma once
+// A window between the link and the host's echo window: what the link shows goes through it.
 
 #include <windows.h>
 

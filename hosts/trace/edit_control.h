@@ -1,5 +1,5 @@
-// What a replay does with an echo window: appends texts, as the link did.
 #pragma once
+// What a replay does with an echo window: appends texts, as the link did.
 
 #include <windows.h>
 

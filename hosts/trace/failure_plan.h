@@ -1,5 +1,5 @@
-// Which call is to fail.
 #pragma once
+// Which call is to fail.
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// Files of the platform.
 #pragma once
+// Files of the platform.
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// One call on a traced object, as the session sees it.
 #pragma once
+// One call on a traced object, as the session sees it.
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// The kinds of objects that are wrapped.
 #pragma once
+// The kinds of objects that are wrapped.
 
 #include <windows.h>
 

@@ -1,5 +1,5 @@
-// The thread's message loop, run while a replay waits as the link once did.
 #pragma once
+// The thread's message loop, run while a replay waits as the link once did.
 
 #include <functional>
 

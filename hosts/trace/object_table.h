@@ -1,5 +1,5 @@
-// The living traced objects of a session.
 #pragma once
+// The living traced objects of a session.
 
 #include <map>
 #include <string>

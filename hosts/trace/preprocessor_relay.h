@@ -1,5 +1,5 @@
-// Stands between the link and the host's preprocessor, to tell which scripts the link runs.
 #pragma once
+// Stands between the link and the host's preprocessor, to tell which scripts the link runs.
 
 #include "com/object.h"
 #include "hosts/trace/session.h"

@@ -1,5 +1,5 @@
-// Error info on its way through a traced call.
 #pragma once
+// Error info on its way through a traced call.
 
 #include <windows.h>
 

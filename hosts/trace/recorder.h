@@ -1,5 +1,5 @@
-// Writes a trace file while calls happen.
 #pragma once
+// Writes a trace file while calls happen.
 
 #include <string>
 

@@ -1,5 +1,5 @@
-// The wrappers of the link's services: loading firmware, collecting pressures, the compass.
 #pragma once
+// The wrappers of the link's services: loading firmware, collecting pressures, the compass.
 
 #include "hosts/trace/kinds.h"
 #include "hosts/trace/traced.h"

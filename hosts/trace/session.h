@@ -1,5 +1,5 @@
-// The session: every call on a traced object goes through it.
 #pragma once
+// The session: every call on a traced object goes through it.
 
 #include <windows.h>
 

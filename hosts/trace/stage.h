@@ -1,5 +1,5 @@
-// What a replay does to the traced objects and with the time.
 #pragma once
+// What a replay does to the traced objects and with the time.
 
 #include "hosts/trace/model/replay.h"
 #include "hosts/trace/object_table.h"

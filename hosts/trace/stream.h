@@ -1,5 +1,5 @@
-// The wrappers of the link's streams.
 #pragma once
+// The wrappers of the link's streams.
 
 #include "com/text.h"
 #include "com/variant.h"

@@ -1,5 +1,5 @@
-// The component that hosts control a session with.
 #pragma once
+// The component that hosts control a session with.
 
 #include <memory>
 #include <optional>

@@ -1,5 +1,5 @@
-// The base of the wrappers: an interface of the link, one line a method.
 #pragma once
+// The base of the wrappers: an interface of the link, one line a method.
 
 #include <tuple>
 #include <utility>

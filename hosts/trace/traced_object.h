@@ -1,5 +1,5 @@
-// What a session knows of every object that it wraps.
 #pragma once
+// What a session knows of every object that it wraps.
 
 #include <windows.h>
 

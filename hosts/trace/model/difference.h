@@ -1,5 +1,5 @@
-// The text that tells people where a replay left its recording.
 #pragma once
+// The text that tells people where a replay left its recording.
 
 #include <string>
 

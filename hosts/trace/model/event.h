@@ -1,5 +1,5 @@
-// What a trace file tells, one event a line.
 #pragma once
+// What a trace file tells, one event a line.
 
 #include <cstdint>
 #include <optional>

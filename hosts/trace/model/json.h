@@ -1,5 +1,5 @@
-// Values of the trace file: JSON, written on one line.
 #pragma once
+// Values of the trace file: JSON, written on one line.
 
 #include <concepts>
 #include <cstdint>

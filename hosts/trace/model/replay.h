@@ -1,5 +1,5 @@
-// Compares the calls of a run with a recording and plays what the recording tells.
 #pragma once
+// Compares the calls of a run with a recording and plays what the recording tells.
 
 #include <cstddef>
 #include <functional>

@@ -1,5 +1,5 @@
-// How long a replay takes for what a recording took.
 #pragma once
+// How long a replay takes for what a recording took.
 
 #include <cmath>
 

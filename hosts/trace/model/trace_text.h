@@ -1,5 +1,5 @@
-// The trace file as a whole: a header line, then events.
 #pragma once
+// The trace file as a whole: a header line, then events.
 
 #include <stdexcept>
 #include <string>

@@ -1,5 +1,5 @@
-// Between the texts of the border (UTF-16, not always well formed) and those of the file (UTF-8).
 #pragma once
+// Between the texts of the border (UTF-16, not always well formed) and those of the file (UTF-8).
 
 #include <cstddef>
 #include <string>

@@ -1,5 +1,5 @@
-// A host of KelUtils with a trace session, over the bench's link.
 #pragma once
+// A host of KelUtils with a trace session, over the bench's link.
 
 #include "tests/wine/link/connected_stream.h"
 
