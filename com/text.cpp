@@ -44,7 +44,7 @@ std::string narrow(std::wstring_view text, UINT codePage) {
 
 Bstr::Bstr(std::wstring_view text) : text_(allocate(text.data(), text.size())) {}
 
-Bstr::Bstr(std::string_view text) : Bstr(widen(text)) {}
+Bstr::Bstr(std::string_view text, UINT codePage) : Bstr(widen(text, codePage)) {}
 
 Bstr::Bstr(const Bstr& other)
     : text_(other.text_ ? allocate(other.text_, SysStringLen(other.text_)) : nullptr) {}

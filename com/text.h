@@ -33,7 +33,7 @@ class Bstr {
 public:
     Bstr() = default;
     explicit Bstr(std::wstring_view text);
-    explicit Bstr(std::string_view text);
+    explicit Bstr(std::string_view text, UINT codePage = CP_ACP);
     Bstr(const Bstr& other);
     Bstr(Bstr&& other) noexcept : text_(other.release()) {}
     Bstr& operator=(Bstr other) noexcept;

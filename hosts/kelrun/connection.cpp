@@ -51,10 +51,6 @@ std::string reasonText(DWORD code) {
     return code == ERROR_SUCCESS ? text : text + " (error " + std::to_string(code) + ")";
 }
 
-com::Bstr bstr(const std::string& text) {
-    return com::Bstr(com::widen(text, CP_UTF8));
-}
-
 // Calls a member that opens a stream. Throws Failure, with the thread's last error, when it says
 // that it could not.
 template <class Stream, class Open>
@@ -71,8 +67,8 @@ void open(const com::ComPtr<Stream>& stream, const std::string& where, Open&& ca
 com::ComPtr<IKelStream> connectTo(const std::string& tcp) {
     const Address address = parseAddress(tcp);
     auto stream = create<INetworkStream>(link::kNetworkStreamClass, kNetworkStream);
-    const com::Bstr host = bstr(address.host);
-    const com::Bstr port = bstr(address.port);
+    const com::Bstr host(address.host, CP_UTF8);
+    const com::Bstr port(address.port, CP_UTF8);
     open(stream, tcp,
          [&](VARIANT_BOOL* isOpen) { return stream->ConnectTo(host.get(), port.get(), isOpen); });
     return stream;
@@ -81,7 +77,7 @@ com::ComPtr<IKelStream> connectTo(const std::string& tcp) {
 com::ComPtr<IKelStream> openPort(const std::string& port, long baudRate) {
     auto stream = create<ISerialStream>(link::kSerialStreamClass, kSerialStream);
     if (port.empty()) return stream;
-    const com::Bstr name = bstr(port);
+    const com::Bstr name(port, CP_UTF8);
     open(stream, port,
          [&](VARIANT_BOOL* isOpen) { return stream->OpenPort(name.get(), baudRate, isOpen); });
     return stream;

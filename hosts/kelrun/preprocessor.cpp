@@ -12,10 +12,6 @@ namespace {
 constexpr char kProgramIdentifier[] = "KelUtils.Preprocessor";
 constexpr char kRemedy[] = "run regsvr32 KelUtils.dll";
 
-com::Bstr bstr(const std::string& text) {
-    return com::Bstr(com::widen(text, CP_UTF8));
-}
-
 std::string utf8(std::wstring_view text) {
     return com::narrow(text, CP_UTF8);
 }
@@ -61,8 +57,8 @@ void pass(const std::vector<NamedText>& texts, const std::string& option,
           const com::ComPtr<IPreprocessorControl>& control,
           HRESULT (STDMETHODCALLTYPE IPreprocessorControl::*put)(BSTR, BSTR)) {
     for (const NamedText& text : texts) {
-        const com::Bstr name = bstr(text.name);
-        const com::Bstr value = bstr(text.value);
+        const com::Bstr name(text.name, CP_UTF8);
+        const com::Bstr value(text.value, CP_UTF8);
         if (!fitsCodePage(name.view()) || !fitsCodePage(value.view())) {
             throw Failure(ExitCode::kUsage, option + " " + text.name +
                                                 ": a character is not in the user's code page");
@@ -76,10 +72,10 @@ void pass(const std::vector<NamedText>& texts, const std::string& option,
 Preprocessor::Preprocessor(const Options& options, std::wstring_view scriptFolder)
     : control_(create<IPreprocessorControl>(kProgramIdentifier, kRemedy)), script_(options.script) {
     const com::Bstr scriptPath =
-        options.scriptPath ? bstr(*options.scriptPath) : com::Bstr(scriptFolder);
+        options.scriptPath ? com::Bstr(*options.scriptPath, CP_UTF8) : com::Bstr(scriptFolder);
     com::check(control_->put_ScriptPath(scriptPath.get()), control_);
-    com::check(control_->put_SystemPath(bstr(options.systemPath).get()), control_);
-    com::check(control_->put_ScriptName(bstr(script_).get()), control_);
+    com::check(control_->put_SystemPath(com::Bstr(options.systemPath, CP_UTF8).get()), control_);
+    com::check(control_->put_ScriptName(com::Bstr(script_, CP_UTF8).get()), control_);
     com::check(control_->put_Unattended(com::variantBool(!options.interactive)), control_);
     pass(options.variables, "--var", control_, &IPreprocessorControl::put_Variable);
     pass(options.answers, "--answer", control_, &IPreprocessorControl::SetAnswer);

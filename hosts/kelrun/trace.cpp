@@ -32,10 +32,6 @@ com::ComPtr<ITraceSession> createSession() {
     return session;
 }
 
-com::Bstr bstr(const std::string& text) {
-    return com::Bstr(com::widen(text, CP_UTF8));
-}
-
 }  // namespace
 
 Trace::Trace(const Options& options) : isReplay_(!options.replay.empty()) {
@@ -43,8 +39,8 @@ Trace::Trace(const Options& options) : isReplay_(!options.replay.empty()) {
     const std::string& path = isReplay_ ? options.replay : options.record;
     session_ = createSession();
     try {
-        com::check(isReplay_ ? session_->Replay(bstr(path).get(), options.speed)
-                             : session_->Record(bstr(path).get()),
+        com::check(isReplay_ ? session_->Replay(com::Bstr(path, CP_UTF8).get(), options.speed)
+                             : session_->Record(com::Bstr(path, CP_UTF8).get()),
                    session_);
     } catch (const com::Error& error) {
         throw Failure(ExitCode::kUsage, path + ": " + describe(error));
@@ -60,7 +56,7 @@ com::ComPtr<IKelCommunicator> Trace::link(const Create& create) const {
 }
 
 void Trace::setPosition(const std::string& file, long line) const {
-    if (session_) com::check(session_->SetPosition(bstr(file).get(), line), session_);
+    if (session_) com::check(session_->SetPosition(com::Bstr(file, CP_UTF8).get(), line), session_);
 }
 
 std::vector<std::string> Trace::close() {

@@ -6,9 +6,12 @@
 #include <oleauto.h>
 
 #include <concepts>
+#include <stdexcept>
 #include <string>
 #include <type_traits>
 
+#include "com/error.h"
+#include "com/text.h"
 #include "hosts/trace/model/json.h"
 #include "interfaces/KelUtils.h"
 
@@ -55,5 +58,35 @@ void fromJson(const Json&, Interface*&) {
 template <class Argument>
 inline constexpr bool isResult = std::is_pointer_v<Argument> && !std::is_same_v<Argument, BSTR> &&
                                  !std::is_base_of_v<IUnknown, std::remove_pointer_t<Argument>>;
+
+template <class Argument>
+void addArgument(Json::Array& values, Argument argument) {
+    if constexpr (std::is_same_v<Argument, BSTR>) {
+        values.push_back(toText(com::view(argument)));
+    } else if constexpr (!isResult<Argument>) {
+        values.push_back(toJson(argument));
+    }
+}
+
+template <class Argument>
+void addResult(Json::Array& values, Argument argument) {
+    if constexpr (isResult<Argument>) values.push_back(argument ? toJson(*argument) : Json());
+}
+
+template <class Argument>
+void clearResult(Argument argument) {
+    if constexpr (isResult<Argument>) {
+        if (argument) *argument = {};
+    }
+}
+
+// Takes the next recorded value for a result. Throws std::invalid_argument when there is none.
+template <class Argument>
+void giveResult(const Json::Array& values, std::size_t& index, Argument argument) {
+    if constexpr (isResult<Argument>) {
+        if (index == values.size()) throw std::invalid_argument("A recorded result is missing");
+        fromJson(values[index++], com::out(argument));
+    }
+}
 
 }  // namespace kel::trace

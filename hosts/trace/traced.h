@@ -1,7 +1,7 @@
 #pragma once
 // The base of the wrappers: an interface of the link, one line a method.
 
-#include <tuple>
+#include <functional>
 #include <utility>
 
 #include "com/object.h"
@@ -35,6 +35,33 @@ inline constexpr const char* kNameOf<ICompassAccess> = "ICompassAccess";
 template <class Interface, class... Arguments>
 std::type_identity<Interface> interfaceOf(HRESULT (STDMETHODCALLTYPE Interface::*)(Arguments...));
 
+// Parts of an invocation that methods of the same form share, whatever class they are of.
+template <class Interface, class... Arguments>
+void setForward(Invocation& made, Interface* object,
+                HRESULT (STDMETHODCALLTYPE Interface::*method)(Arguments...),
+                Arguments... arguments) {
+    made.forward = [=] { return (object->*method)(arguments...); };
+}
+
+template <class... Arguments>
+void setArguments(Invocation& made, Arguments... arguments) {
+    made.in = [=] {
+        Json::Array values;
+        (addArgument<Arguments>(values, arguments), ...);
+        return values;
+    };
+    made.out = [=] {
+        Json::Array values;
+        (addResult<Arguments>(values, arguments), ...);
+        return values;
+    };
+    made.clear = [=] { (clearResult<Arguments>(arguments), ...); };
+    made.give = [=](const Json::Array& values) {
+        [[maybe_unused]] std::size_t index = 0;
+        (giveResult<Arguments>(values, index, arguments), ...);
+    };
+}
+
 // The inner object answers for every interface that the wrapper does not have, and those calls are
 // not traced (IBinaryCommunicator, IRecorderAccess, event sources). Its way of being marshalled
 // would lead around the wrapper and is not offered.
@@ -63,8 +90,7 @@ protected:
     }
 
     // The same for a method that changes something of its invocation.
-    template <class MakeInvocation>
-    HRESULT guardedCall(MakeInvocation&& make) noexcept {
+    HRESULT guardedCall(const std::function<Invocation()>& make) noexcept {
         HRESULT result = S_OK;
         DWORD lastError = GetLastError();
         {
@@ -85,22 +111,8 @@ protected:
     Invocation invocation(const char* name, Arguments... arguments) {
         using Declaring = typename decltype(interfaceOf(method))::type;
         Invocation made{*this, __uuidof(Declaring), kNameOf<Declaring>, name, treatment, {}};
-        made.forward = [=, this] { return (wrapped()->*method)(arguments...); };
-        made.in = [=] {
-            Json::Array values;
-            (addArgument<Arguments>(values, arguments), ...);
-            return values;
-        };
-        made.out = [=] {
-            Json::Array values;
-            (addResult<Arguments>(values, arguments), ...);
-            return values;
-        };
-        made.clear = [=] { (clearResult<Arguments>(arguments), ...); };
-        made.give = [=](const Json::Array& values) {
-            [[maybe_unused]] std::size_t index = 0;
-            (giveResult<Arguments>(values, index, arguments), ...);
-        };
+        setForward<Declaring, Arguments...>(made, wrapped(), method, arguments...);
+        setArguments<Arguments...>(made, arguments...);
         return made;
     }
 
@@ -110,37 +122,6 @@ protected:
     }
 
 private:
-    template <class Argument>
-    static void addArgument(Json::Array& values, Argument argument) {
-        if constexpr (std::is_same_v<Argument, BSTR>) {
-            values.push_back(toText(com::view(argument)));
-        } else if constexpr (!isResult<Argument>) {
-            values.push_back(toJson(argument));
-        }
-    }
-
-    template <class Argument>
-    static void addResult(Json::Array& values, Argument argument) {
-        if constexpr (isResult<Argument>) {
-            values.push_back(argument ? toJson(*argument) : Json());
-        }
-    }
-
-    template <class Argument>
-    static void clearResult(Argument argument) {
-        if constexpr (isResult<Argument>) {
-            if (argument) *argument = {};
-        }
-    }
-
-    template <class Argument>
-    static void giveResult(const Json::Array& values, std::size_t& index, Argument argument) {
-        if constexpr (isResult<Argument>) {
-            if (index == values.size()) throw std::invalid_argument("A recorded result is missing");
-            fromJson(values[index++], com::out(argument));
-        }
-    }
-
     com::ComPtr<Interface> typedInner_;
 };
 

@@ -8,7 +8,7 @@
 namespace kel::kelrun {
 namespace {
 
-constexpr std::u16string_view kErrorMark = u"\r\nERROR: ";
+constexpr std::u16string_view kEchoedErrorMark = u"\r\nERROR: ";
 
 // An instrument that never ends a line must not fill the memory.
 constexpr std::size_t kLongestReceived = 4096;
@@ -21,8 +21,8 @@ bool agree(std::u16string_view left, std::u16string_view right) {
 
 // Size of the longest end of the text that may be the beginning of a mark.
 std::size_t sizeOfBegunMark(std::u16string_view text) {
-    std::size_t size = std::min(text.size(), kErrorMark.size() - 1);
-    while (!kErrorMark.starts_with(text.substr(text.size() - size)))
+    std::size_t size = std::min(text.size(), kEchoedErrorMark.size() - 1);
+    while (!kEchoedErrorMark.starts_with(text.substr(text.size() - size)))
         --size;
     return size;
 }
@@ -51,18 +51,18 @@ void Transcript::errorFound(std::string_view file, std::size_t line, std::u16str
 void Transcript::shown(std::u16string_view piece) {
     undecided_ += piece;
     while (!expected_.empty()) {
-        const std::size_t mark = undecided_.find(kErrorMark);
+        const std::size_t mark = undecided_.find(kEchoedErrorMark);
         const std::size_t decided =
             mark != std::u16string::npos ? mark : undecided_.size() - sizeOfBegunMark(undecided_);
         receive(std::u16string_view(undecided_).substr(0, decided));
         undecided_.erase(0, decided);
         if (mark == std::u16string::npos) return;
 
-        const auto message = std::u16string_view(undecided_).substr(kErrorMark.size());
+        const auto message = std::u16string_view(undecided_).substr(kEchoedErrorMark.size());
         while (!expected_.empty() && !agree(expected_.front(), message))
             expected_.pop_front();
         if (expected_.empty()) break;
-        const std::size_t size = kErrorMark.size() + expected_.front().size();
+        const std::size_t size = kEchoedErrorMark.size() + expected_.front().size();
         if (undecided_.size() < size) return;
         finishReceived();
         write("echo", toUtf8(std::u16string_view(undecided_).substr(0, size)));

@@ -3,7 +3,6 @@
 namespace kel::kelrun {
 namespace {
 
-constexpr char32_t kReplacement = 0xFFFD;
 constexpr char32_t kFirstBeyond16Bits = 0x10000;
 constexpr char32_t kLastCharacter = 0x10FFFF;
 
@@ -83,7 +82,7 @@ std::string toUtf8(std::u16string_view text) {
         if (isHighSurrogate(character) && i + 1 < text.size() && isLowSurrogate(text[i + 1])) {
             character = kFirstBeyond16Bits + ((character - 0xD800) << 10) + (text[++i] - 0xDC00);
         } else if (isHighSurrogate(character) || isLowSurrogate(character)) {
-            character = kReplacement;
+            character = kReplacementCharacter;
         }
         appendUtf8(result, character);
     }

@@ -7,6 +7,9 @@
 
 namespace kel::kelrun {
 
+// Stands for what is no character.
+inline constexpr char16_t kReplacementCharacter = 0xFFFD;
+
 // Half of a pair without its other half becomes the replacement character.
 std::string toUtf8(std::u16string_view text);
 

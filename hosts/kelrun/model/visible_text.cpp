@@ -7,7 +7,6 @@
 namespace kel::kelrun {
 namespace {
 
-constexpr char16_t kReplacement = 0xFFFD;
 constexpr char16_t kFirstControlPicture = 0x2400;
 constexpr char16_t kDelete = 0x7F;
 constexpr char16_t kDeletePicture = 0x2421;
@@ -19,12 +18,12 @@ char16_t visible(char16_t character) {
     if (character == u'\t') return character;
     if (character < u' ') return static_cast<char16_t>(kFirstControlPicture + character);
     if (character == kDelete) return kDeletePicture;
-    if (character > kDelete && character <= kLastUpperControl) return kReplacement;
+    if (character > kDelete && character <= kLastUpperControl) return kReplacementCharacter;
     return character;
 }
 
 std::string oneLine(std::string_view text) {
-    std::u16string readable = toUtf16(text).value_or(std::u16string(1, kReplacement));
+    std::u16string readable = toUtf16(text).value_or(std::u16string(1, kReplacementCharacter));
     std::ranges::transform(readable, readable.begin(), visible);
     return toUtf8(readable);
 }
