@@ -5,7 +5,7 @@
 
 #include "interfaces/KelUtils.h"
 #include "tests/wine/support/fake_link.h"
-#include "tests/wine/support/kel_utils.h"
+#include "tests/wine/support/library.h"
 
 namespace kel::test {
 namespace {
@@ -50,7 +50,7 @@ class Outer final : public IUnknown {
 public:
     Outer() {
         ComPtr<IClassFactory> factory;
-        com::check(classObject(CLSID_Preprocessor, IID_PPV_ARGS(&factory)));
+        com::check(kelUtils().classObject(CLSID_Preprocessor, IID_PPV_ARGS(&factory)));
         com::check(factory->CreateInstance(this, IID_PPV_ARGS(&inner)));
         references = 0;
     }
@@ -78,7 +78,7 @@ private:
 };
 
 TEST(Object, InterfacesLeadToEachOther) {
-    const auto object = create<IUnknown>(CLSID_Preprocessor);
+    const auto object = kelUtils().create<IUnknown>(CLSID_Preprocessor);
     expectOneIdentity(object.Get(), object.Get());
 }
 
@@ -111,7 +111,7 @@ TEST(Object, InsideAnotherItKeepsTheOtherAliveWhileItRuns) {
 }
 
 TEST(Object, TellsItsClass) {
-    const auto object = create<IProvideClassInfo2>(CLSID_Preprocessor);
+    const auto object = kelUtils().create<IProvideClassInfo2>(CLSID_Preprocessor);
     ComPtr<ITypeInfo> type;
     ASSERT_EQ(object->GetClassInfo(&type), S_OK);
     TYPEATTR* attributes = nullptr;

@@ -37,7 +37,7 @@ TEST_F(ConnectedStreamTest, TheEndOfTheConnectionIsNoErrorOfACommand) {
     EXPECT_EQ(awake, VARIANT_FALSE);
 }
 
-class CommandFileTest : public LinkTest {
+class CommandFileTest : public testing::Test {
 protected:
     void SetUp() override {
         communicator = create<IKelCommunicator>(kCommunicatorClass);
@@ -53,7 +53,6 @@ protected:
     void TearDown() override {
         DeleteFileW(path.c_str());
         communicator.Reset();
-        LinkTest::TearDown();
     }
 
     HRESULT run(const std::wstring& file) {
@@ -88,7 +87,7 @@ TEST_F(CommandFileTest, ReadsEveryEncodingAndLeavesLineEnds) {
 TEST_F(CommandFileTest, NamesAFileThatItCannotRead) {
     for (const std::wstring& bad : {folder, folder + L"missing.kel", folder + L"no\\such.kel"}) {
         EXPECT_HRESULT_FAILED(run(bad));
-        EXPECT_NE(publishedError().find(bad), std::wstring::npos);
+        EXPECT_NE(kel::test::takeError().value().description.find(bad), std::wstring::npos);
         EXPECT_EQ(result, VARIANT_FALSE);
     }
     EXPECT_EQ(preprocessor->script, L"");

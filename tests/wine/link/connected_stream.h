@@ -1,9 +1,9 @@
 #pragma once
 // A network stream with its peer, for tests of what all streams do.
 
-#include "tests/wine/link/link_library.h"
-#include "tests/wine/link/tcp_peer.h"
-#include "tests/wine/link/test_window.h"
+#include "tests/wine/support/bench_link.h"
+#include "tests/wine/support/tcp_peer.h"
+#include "tests/wine/support/test_window.h"
 
 namespace kel::bench::test {
 
@@ -19,14 +19,11 @@ struct Outcome {
     bool operator==(const Outcome&) const = default;
 };
 
-class ConnectedStreamTest : public LinkTest {
+class ConnectedStreamTest : public testing::Test {
 protected:
     void SetUp() override { connect(); }
 
-    void TearDown() override {
-        stream.Reset();
-        LinkTest::TearDown();
-    }
+    void TearDown() override { stream.Reset(); }
 
     void connect() {
         stream = create<INetworkStream>(link::kNetworkStreamClass);

@@ -88,7 +88,7 @@ TEST_F(EchoTest, TheLogFileGetsWhatIsReceived) {
     DeleteFileW(path);
 
     EXPECT_HRESULT_FAILED(stream->put_LogFile(Bstr(std::wstring_view(folder)).get()));
-    EXPECT_NE(publishedError().find(folder), std::wstring::npos);
+    EXPECT_NE(kel::test::takeError().value().description.find(folder), std::wstring::npos);
 }
 
 }  // namespace

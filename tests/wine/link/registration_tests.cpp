@@ -1,6 +1,6 @@
 #include <optional>
 
-#include "tests/wine/link/link_library.h"
+#include "tests/wine/support/bench_link.h"
 
 namespace kel::bench::test {
 namespace {
@@ -13,10 +13,10 @@ constexpr wchar_t kCommunicator[] =
     L"CLSID\\{4D0F6B1C-92E7-4A53-B81E-63C50A7DF298}\\InprocServer32";
 
 // Its own HKEY_CLASSES_ROOT, empty at first.
-class RegistrationTest : public LinkTest {
+class RegistrationTest : public testing::Test {
 protected:
     void SetUp() override {
-        callLibrary("DllCanUnloadNow");
+        kel::test::benchLink();
         RegDeleteTreeW(HKEY_CURRENT_USER, kSandbox);
         HKEY sandbox = nullptr;
         ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, kSandbox, &sandbox), ERROR_SUCCESS);
@@ -26,7 +26,10 @@ protected:
     void TearDown() override {
         RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr);
         RegDeleteTreeW(HKEY_CURRENT_USER, kSandbox);
-        LinkTest::TearDown();
+    }
+
+    static HRESULT call(const char* entryPoint) {
+        return kel::test::exportOf<HRESULT WINAPI()>(kel::test::benchLink().module(), entryPoint)();
     }
 
     static std::optional<std::wstring> read(const wchar_t* key, const wchar_t* name = nullptr) {
@@ -46,8 +49,8 @@ protected:
 };
 
 TEST_F(RegistrationTest, WritesItsClassesAndNoInterfaces) {
-    ASSERT_EQ(callLibrary("DllRegisterServer"), S_OK);
-    EXPECT_EQ(read(kSerial), libraryPath());
+    ASSERT_EQ(call("DllRegisterServer"), S_OK);
+    EXPECT_EQ(read(kSerial), kel::test::benchLink().path());
     EXPECT_EQ(read(kSerial, L"ThreadingModel"), L"Apartment");
     EXPECT_EQ(read(kProgram), L"{4D0F6B1C-92E7-4A53-B81E-63C50A7DF298}");
     EXPECT_EQ(read(L"BenchLink.Communicator\\CurVer"), L"BenchLink.Communicator.1");
@@ -55,22 +58,22 @@ TEST_F(RegistrationTest, WritesItsClassesAndNoInterfaces) {
         HKEY key = nullptr;
         EXPECT_EQ(RegOpenKeyW(HKEY_CLASSES_ROOT, foreign, &key), ERROR_FILE_NOT_FOUND);
     }
-    ASSERT_EQ(callLibrary("DllUnregisterServer"), S_OK);
+    ASSERT_EQ(call("DllUnregisterServer"), S_OK);
     EXPECT_EQ(read(kSerial), std::nullopt);
     EXPECT_EQ(read(kProgram), std::nullopt);
-    EXPECT_EQ(callLibrary("DllUnregisterServer"), S_OK);
+    EXPECT_EQ(call("DllUnregisterServer"), S_OK);
 }
 
 TEST_F(RegistrationTest, LeavesForeignClassesAlone) {
     write(kSerial, L"\"C:\\Link\\RealLink.dll\"");
     write(kNetwork, L"D:\\elsewhere\\benchlink.DLL");
-    ASSERT_EQ(callLibrary("DllRegisterServer"), S_OK);
+    ASSERT_EQ(call("DllRegisterServer"), S_OK);
     EXPECT_EQ(read(kSerial), L"\"C:\\Link\\RealLink.dll\"");
     EXPECT_EQ(read(L"BenchLink.SerialStream\\CLSID"), std::nullopt);
-    EXPECT_EQ(read(kNetwork), libraryPath()) << "an older copy is replaced";
+    EXPECT_EQ(read(kNetwork), kel::test::benchLink().path()) << "an older copy is replaced";
 
     write(kNetwork, L"D:\\elsewhere\\BenchLink.dll");
-    ASSERT_EQ(callLibrary("DllUnregisterServer"), S_OK);
+    ASSERT_EQ(call("DllUnregisterServer"), S_OK);
     EXPECT_EQ(read(kSerial), L"\"C:\\Link\\RealLink.dll\"");
     EXPECT_EQ(read(kNetwork), L"D:\\elsewhere\\BenchLink.dll") << "serves from another file";
     EXPECT_EQ(read(kCommunicator), std::nullopt);

@@ -44,7 +44,7 @@ TEST_F(StreamTest, AFailedConnectionLeavesThePresentOneAndTellsWhy) {
     EXPECT_EQ(waitFor(L"still", 0), (Outcome{false, ""})) << "a new connection starts empty";
 }
 
-TEST_F(LinkTest, ASerialPortThatIsMissingIsToldByTheLastError) {
+TEST(LinkTest, ASerialPortThatIsMissingIsToldByTheLastError) {
     const auto serial = create<ISerialStream>(link::kSerialStreamClass);
     VARIANT_BOOL result = VARIANT_TRUE;
     for (const wchar_t* name : {L"COM77", L"COM77:", L"", L"C:\\windows\\win.ini"}) {
@@ -54,7 +54,7 @@ TEST_F(LinkTest, ASerialPortThatIsMissingIsToldByTheLastError) {
     }
 }
 
-TEST_F(LinkTest, NullPointersAreRefused) {
+TEST(LinkTest, NullPointersAreRefused) {
     kel::test::expectNullPointersRefused(create<INetworkStream>(link::kNetworkStreamClass).Get());
     kel::test::expectNullPointersRefused(create<ISerialStream>(link::kSerialStreamClass).Get());
     kel::test::expectNullPointersRefused(create<ICollection>(link::kCollectionClass).Get());
@@ -67,7 +67,7 @@ TEST_F(LinkTest, NullPointersAreRefused) {
     EXPECT_EQ(binary->CreatePacket(&packet), E_NOTIMPL);
 }
 
-TEST_F(LinkTest, TheCollectionEnumerates) {
+TEST(LinkTest, TheCollectionEnumerates) {
     const auto collection = create<ICollection>(link::kCollectionClass);
     for (const long number : {10L, 30L})
         collection->Add(com::Variant(number).get());

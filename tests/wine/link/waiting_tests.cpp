@@ -42,7 +42,7 @@ TEST_F(WaitingTest, AHandlerMayReleaseTheStream) {
     IKelStream* last = stream.Detach();
     window.post([&] { last->Release(); });
     EXPECT_EQ(last->Sleep(20), S_OK);
-    EXPECT_EQ(callLibrary("DllCanUnloadNow"), S_OK);
+    EXPECT_EQ(kel::test::benchLink().canUnloadNow(), S_OK);
 }
 
 TEST_F(WaitingTest, AHandlerMayCloseThePort) {

@@ -52,7 +52,8 @@ BSTR WINAPI allocateFew(const OLECHAR* text, UINT size) {
 }
 
 TEST_F(FailureTest, AnyFailingTextAllocationEndsTheRun) {
-    const ImportPatch patch(kelUtils(), "SysAllocStringLen", reinterpret_cast<void*>(allocateFew));
+    const ImportPatch patch(kelUtils().module(), "SysAllocStringLen",
+                            reinterpret_cast<void*>(allocateFew));
     constexpr std::wstring_view script = L"@d=DATE()\nline %d\n#WAIT 1\n#WAKEUP";
     bool sawOutOfMemory = false;
     bool sawReport = false;

@@ -22,7 +22,7 @@ HRESULT FakeExtension::FunctionHandler(IKelCommunicator*, long number, IFlatColl
 }
 
 PreprocessorTest::PreprocessorTest()
-    : preprocessor_(create<IPreprocessorControl>(CLSID_Preprocessor)) {
+    : preprocessor_(kelUtils().create<IPreprocessorControl>(CLSID_Preprocessor)) {
     com::check(preprocessor_->put_Communicator(link_.communicator()));
 }
 

@@ -10,7 +10,7 @@
 
 #include "com/object.h"
 #include "tests/wine/support/fake_link.h"
-#include "tests/wine/support/kel_utils.h"
+#include "tests/wine/support/library.h"
 
 namespace kel::test {
 

@@ -127,10 +127,10 @@ TEST_F(RunTest, TheLinkAndTheLastReferenceMayGoMeanwhile) {
         if (!preprocessor_) return;
         com::check(preprocessor_->put_Communicator(nullptr));
         preprocessor_.Reset();
-        EXPECT_EQ(canUnloadNow(), S_FALSE);
+        EXPECT_EQ(kelUtils().canUnloadNow(), S_FALSE);
     };
     EXPECT_TRUE(run("one\n#WAIT\n@d=DATE()\ntwo"));
-    EXPECT_EQ(canUnloadNow(), S_OK);
+    EXPECT_EQ(kelUtils().canUnloadNow(), S_OK);
     EXPECT_NE(link_.takeWork().find("WriteString \"two\" 0"), std::string::npos);
 }
 

@@ -3,7 +3,7 @@
 #include "com/object.h"
 #include "interfaces/KelUtils.h"
 #include "tests/wine/server/expected.h"
-#include "tests/wine/support/kel_utils.h"
+#include "tests/wine/support/library.h"
 
 namespace kel::test {
 namespace {
@@ -12,7 +12,7 @@ using com::ComPtr;
 
 ComPtr<IClassFactory> factoryOf(REFCLSID identifier) {
     ComPtr<IClassFactory> factory;
-    EXPECT_EQ(classObject(identifier, IID_PPV_ARGS(&factory)), S_OK);
+    EXPECT_EQ(kelUtils().classObject(identifier, IID_PPV_ARGS(&factory)), S_OK);
     return factory;
 }
 
@@ -25,22 +25,23 @@ TEST(ClassObject, OnlyTheClassesOfTheTableHaveAFactory) {
         SCOPED_TRACE(row.name);
         const bool isCreatable = row.registryScript != 0;
         ComPtr<IClassFactory> factory;
-        EXPECT_EQ(classObject(row.identifier, IID_PPV_ARGS(&factory)),
+        EXPECT_EQ(kelUtils().classObject(row.identifier, IID_PPV_ARGS(&factory)),
                   isCreatable ? S_OK : CLASS_E_CLASSNOTAVAILABLE);
         EXPECT_EQ(factory != nullptr, isCreatable);
     }
     void* result = &result;
-    EXPECT_EQ(classObject(IID_IUnknown, IID_IClassFactory, &result), CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(kelUtils().classObject(IID_IUnknown, IID_IClassFactory, &result),
+              CLASS_E_CLASSNOTAVAILABLE);
     EXPECT_EQ(result, nullptr);
-    EXPECT_EQ(classObject(CLSID_Preprocessor, IID_IDispatch, &result), E_NOINTERFACE);
-    EXPECT_EQ(classObject(CLSID_Preprocessor, IID_IClassFactory, nullptr), E_POINTER);
+    EXPECT_EQ(kelUtils().classObject(CLSID_Preprocessor, IID_IDispatch, &result), E_NOINTERFACE);
+    EXPECT_EQ(kelUtils().classObject(CLSID_Preprocessor, IID_IClassFactory, nullptr), E_POINTER);
 }
 
 TEST(ClassObject, IsMadeOnceAndDoesNotLockTheLibrary) {
     const ComPtr<IClassFactory> first = factoryOf(CLSID_Preprocessor);
     EXPECT_EQ(first.Get(), factoryOf(CLSID_Preprocessor).Get());
     EXPECT_NE(first.Get(), factoryOf(CLSID_KelTerminal).Get());
-    EXPECT_EQ(canUnloadNow(), S_OK);
+    EXPECT_EQ(kelUtils().canUnloadNow(), S_OK);
 }
 
 TEST(ClassFactory, RefusesWhatItCannotGive) {
@@ -54,7 +55,7 @@ TEST(ClassFactory, RefusesWhatItCannotGive) {
     result = &result;
     EXPECT_EQ(factory->CreateInstance(nullptr, IID_IOleObject, &result), E_NOINTERFACE);
     EXPECT_EQ(result, nullptr);
-    EXPECT_EQ(canUnloadNow(), S_OK);
+    EXPECT_EQ(kelUtils().canUnloadNow(), S_OK);
 }
 
 TEST(ClassFactory, UnbuiltClassesSayWhichTheyAre) {
@@ -78,15 +79,15 @@ TEST(CanUnload, CountsObjectsAndLocks) {
     const ComPtr<IClassFactory> factory = factoryOf(CLSID_Preprocessor);
     ComPtr<IUnknown> object;
     ASSERT_EQ(factory->CreateInstance(nullptr, IID_PPV_ARGS(&object)), S_OK);
-    EXPECT_EQ(canUnloadNow(), S_FALSE);
+    EXPECT_EQ(kelUtils().canUnloadNow(), S_FALSE);
     EXPECT_EQ(factory->LockServer(TRUE), S_OK);
     object.Reset();
-    EXPECT_EQ(canUnloadNow(), S_FALSE);
+    EXPECT_EQ(kelUtils().canUnloadNow(), S_FALSE);
     EXPECT_EQ(factory->LockServer(TRUE), S_OK);
     EXPECT_EQ(factory->LockServer(FALSE), S_OK);
-    EXPECT_EQ(canUnloadNow(), S_FALSE);
+    EXPECT_EQ(kelUtils().canUnloadNow(), S_FALSE);
     EXPECT_EQ(factory->LockServer(FALSE), S_OK);
-    EXPECT_EQ(canUnloadNow(), S_OK);
+    EXPECT_EQ(kelUtils().canUnloadNow(), S_OK);
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 
 #include "com/error.h"
 #include "com/text.h"
-#include "tests/wine/support/kel_utils.h"
+#include "tests/wine/support/library.h"
 
 namespace kel::test {
 

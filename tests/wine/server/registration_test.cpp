@@ -8,7 +8,7 @@
 #include "interfaces/KelUtils.h"
 #include "tests/wine/server/expected.h"
 #include "tests/wine/support/import_patch.h"
-#include "tests/wine/support/kel_utils.h"
+#include "tests/wine/support/library.h"
 
 namespace kel::test {
 namespace {
@@ -116,11 +116,11 @@ protected:
     HKEY root_ = nullptr;
 };
 
-HRESULT registerServer(HMODULE library = kelUtils()) {
+HRESULT registerServer(HMODULE library = kelUtils().module()) {
     return exportOf<HRESULT WINAPI()>(library, "DllRegisterServer")();
 }
 
-HRESULT unregisterServer(HMODULE library = kelUtils()) {
+HRESULT unregisterServer(HMODULE library = kelUtils().module()) {
     return exportOf<HRESULT WINAPI()>(library, "DllUnregisterServer")();
 }
 
@@ -131,7 +131,7 @@ public:
         : folder_(std::filesystem::temp_directory_path() /
                   (folderName + std::to_wstring(GetCurrentProcessId()))) {
         std::filesystem::create_directories(folder_);
-        std::filesystem::copy_file(kelUtilsPath(), path());
+        std::filesystem::copy_file(kelUtils().path(), path());
     }
     ~LibraryCopy() {
         if (library_) FreeLibrary(library_);
@@ -156,7 +156,7 @@ TEST_F(Registration, WritesEveryKeyAndTakesItBack) {
     RegCloseKey(stale);
     for (int round = 0; round < 2; ++round) {
         ASSERT_EQ(registerServer(), S_OK);
-        EXPECT_EQ(registered(), expected(kelUtilsPath()));
+        EXPECT_EQ(registered(), expected(kelUtils().path()));
     }
     for (int round = 0; round < 2; ++round) {
         EXPECT_EQ(unregisterServer(), S_OK);
@@ -215,7 +215,7 @@ HRESULT WINAPI refuseTypeLibrary(ITypeLib*, LPOLESTR, LPOLESTR) {
 }
 
 TEST_F(Registration, GivesTheFailureOfTheTypeLibrary) {
-    const ImportPatch patch(kelUtils(), "RegisterTypeLib",
+    const ImportPatch patch(kelUtils().module(), "RegisterTypeLib",
                             reinterpret_cast<void*>(refuseTypeLibrary));
     EXPECT_EQ(registerServer(), TYPE_E_REGISTRYACCESS);
 }

@@ -4,16 +4,16 @@
 
 #include "com/text.h"
 #include "tests/wine/server/expected.h"
-#include "tests/wine/support/kel_utils.h"
+#include "tests/wine/support/library.h"
 
 namespace kel::test {
 namespace {
 
 std::string registryScript(int id) {
-    const HRSRC resource = FindResourceW(kelUtils(), MAKEINTRESOURCEW(id), L"REGISTRY");
+    const HRSRC resource = FindResourceW(kelUtils().module(), MAKEINTRESOURCEW(id), L"REGISTRY");
     if (!resource) return {};
-    return {static_cast<const char*>(LockResource(LoadResource(kelUtils(), resource))),
-            SizeofResource(kelUtils(), resource)};
+    return {static_cast<const char*>(LockResource(LoadResource(kelUtils().module(), resource))),
+            SizeofResource(kelUtils().module(), resource)};
 }
 
 BOOL CALLBACK note(HMODULE, const wchar_t*, wchar_t* name, LONG_PTR found) {
@@ -32,7 +32,7 @@ TEST(Resources, EveryClassHasItsScriptAndThereIsOneThatIsNeverRun) {
             << row.name;
     }
     std::set<int> found;
-    EnumResourceNamesW(kelUtils(), L"REGISTRY", note, reinterpret_cast<LONG_PTR>(&found));
+    EnumResourceNamesW(kelUtils().module(), L"REGISTRY", note, reinterpret_cast<LONG_PTR>(&found));
     EXPECT_EQ(found, expected);
     EXPECT_EQ(registryScript(116), registryScript(118));
 }
@@ -40,8 +40,8 @@ TEST(Resources, EveryClassHasItsScriptAndThereIsOneThatIsNeverRun) {
 TEST(Resources, ToolboxBitmapsShowSomething) {
     for (const int id : {101, 157, 162}) {
         SCOPED_TRACE(id);
-        const HANDLE bitmap =
-            LoadImageW(kelUtils(), MAKEINTRESOURCEW(id), IMAGE_BITMAP, 0, 0, LR_CREATEDIBSECTION);
+        const HANDLE bitmap = LoadImageW(kelUtils().module(), MAKEINTRESOURCEW(id), IMAGE_BITMAP, 0,
+                                         0, LR_CREATEDIBSECTION);
         DIBSECTION section = {};
         ASSERT_NE(GetObjectW(bitmap, sizeof section, &section), 0);
         EXPECT_EQ(section.dsBm.bmWidth, 16);
@@ -53,7 +53,7 @@ TEST(Resources, ToolboxBitmapsShowSomething) {
 }
 
 TEST(Resources, VersionIsTold) {
-    const std::wstring path = kelUtilsPath();
+    const std::wstring path = kelUtils().path();
     std::string data(GetFileVersionInfoSizeW(path.c_str(), nullptr), '\0');
     ASSERT_TRUE(GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(data.size()), data.data()));
     void* value = nullptr;
@@ -66,7 +66,7 @@ TEST(Resources, VersionIsTold) {
 }
 
 TEST(Exports, AreTheFourEntryPoints) {
-    const auto base = reinterpret_cast<const char*>(kelUtils());
+    const auto base = reinterpret_cast<const char*>(kelUtils().module());
     const auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(
         base + reinterpret_cast<const IMAGE_DOS_HEADER*>(base)->e_lfanew);
     const auto* exports = reinterpret_cast<const IMAGE_EXPORT_DIRECTORY*>(

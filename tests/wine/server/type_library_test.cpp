@@ -5,7 +5,7 @@
 #include "com/text.h"
 #include "interfaces/KelUtils.h"
 #include "tests/wine/server/expected.h"
-#include "tests/wine/support/kel_utils.h"
+#include "tests/wine/support/library.h"
 
 namespace kel::test {
 namespace {
@@ -109,7 +109,7 @@ std::string interfacesOf(ITypeInfo* coclass) {
 
 class TypeLibrary : public testing::Test {
 protected:
-    TypeLibrary() { com::check(LoadTypeLibEx(kelUtilsPath().c_str(), REGKIND_NONE, &library_)); }
+    TypeLibrary() { com::check(LoadTypeLibEx(kelUtils().path().c_str(), REGKIND_NONE, &library_)); }
 
     std::vector<ComPtr<ITypeInfo>> types() {
         std::vector<ComPtr<ITypeInfo>> all(library_->GetTypeInfoCount());

@@ -10,7 +10,8 @@ class FailureTest : public TraceTest {
 protected:
     // Runs the script on a double of the link, whose calls are counted too.
     HRESULT run(IKelCommunicator* link) {
-        const auto preprocessor = kel::test::create<IPreprocessorControl>(__uuidof(Preprocessor));
+        const auto preprocessor =
+            kel::test::kelUtils().create<IPreprocessorControl>(__uuidof(Preprocessor));
         preprocessor->put_Communicator(link);
         VARIANT_BOOL result = VARIANT_FALSE;
         return preprocessor->PreprocessAndRun(Bstr(std::string_view(kScript)).get(), &result);

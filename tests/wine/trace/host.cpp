@@ -8,40 +8,21 @@
 namespace kel::trace::test {
 namespace {
 
-HMODULE traceLibrary() {
-    static const HMODULE library = [] {
-        const std::wstring path = kel::test::kelUtilsPath();
-        const std::wstring folder = path.substr(0, path.rfind(L'\\'));
-        return LoadLibraryW((folder + L"\\..\\hosts\\trace\\KelTrace.dll").c_str());
-    }();
-    return library;
-}
-
-class SocketsForAll {
-public:
-    SocketsForAll() { WSAStartup(MAKEWORD(2, 2), &data_); }
-
-private:
-    WSADATA data_;
-};
-
 // Stands for the platform, which would find the bench's classes if they were registered.
 HRESULT WINAPI benchClassObject(REFCLSID identifier, DWORD, COSERVERINFO*, REFIID iid,
                                 void** result) {
-    const HMODULE library = GetModuleHandleW(bench::test::libraryPath().c_str());
-    return kel::test::exportOf<HRESULT WINAPI(REFCLSID, REFIID, void**)>(
-        library, "DllGetClassObject")(identifier, iid, result);
+    return kel::test::benchLink().classObject(identifier, iid, result);
 }
 
 class BenchClasses {
-    const kel::test::ImportPatch patch_{traceLibrary(), "CoGetClassObject",
+    const kel::test::ImportPatch patch_{kel::test::kelTrace().module(), "CoGetClassObject",
                                         reinterpret_cast<void*>(&benchClassObject)};
 };
 
 }  // namespace
 
 Host::Host(IKelCommunicator* communicator, IKelStream* port)
-    : preprocessor(kel::test::create<IPreprocessorControl>(__uuidof(Preprocessor))),
+    : preprocessor(kel::test::kelUtils().create<IPreprocessorControl>(__uuidof(Preprocessor))),
       link(communicator),
       stream(port) {
     EXPECT_EQ(stream->put_EchoWindow(window_.number()), S_OK);
@@ -66,8 +47,6 @@ HRESULT Host::run(std::string_view script) {
 }
 
 TraceTest::TraceTest() {
-    static const SocketsForAll sockets;
-    bench::test::callLibrary("DllCanUnloadNow");  // loads the library
     wchar_t folder[MAX_PATH];
     GetTempPathW(MAX_PATH, folder);
     wchar_t path[MAX_PATH];
@@ -79,18 +58,10 @@ TraceTest::TraceTest() {
 TraceTest::~TraceTest() {
     endSession();
     DeleteFileW(file.c_str());
-    const auto canUnload = kel::test::exportOf<HRESULT WINAPI()>(traceLibrary(), "DllCanUnloadNow");
-    EXPECT_EQ(canUnload(), S_OK) << "objects of KelTrace.dll are left";
-    EXPECT_EQ(bench::test::callLibrary("DllCanUnloadNow"), S_OK) << "objects of the link are left";
 }
 
 ComPtr<ITraceSession> TraceTest::newSession() {
-    ComPtr<IClassFactory> factory;
-    com::check(kel::test::exportOf<HRESULT WINAPI(REFCLSID, REFIID, void**)>(
-        traceLibrary(), "DllGetClassObject")(__uuidof(TraceSession), IID_PPV_ARGS(&factory)));
-    ComPtr<ITraceSession> made;
-    com::check(factory->CreateInstance(nullptr, IID_PPV_ARGS(&made)));
-    return made;
+    return kel::test::kelTrace().create<ITraceSession>(__uuidof(TraceSession));
 }
 
 void TraceTest::startRecording() {

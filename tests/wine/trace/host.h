@@ -5,7 +5,7 @@
 
 #include "hosts/trace/KelTrace.h"
 #include "tests/wine/support/fake_link.h"
-#include "tests/wine/support/kel_utils.h"
+#include "tests/wine/support/library.h"
 
 namespace kel::trace::test {
 
@@ -42,7 +42,6 @@ private:
     TestWindow window_;
 };
 
-// Every test must leave no object of KelTrace.dll and of the link behind.
 class TraceTest : public testing::Test {
 protected:
     TraceTest();

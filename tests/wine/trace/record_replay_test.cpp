@@ -164,7 +164,7 @@ TEST_F(RecordReplayTest, AReplayCanBeCancelled) {
 
 TEST_F(RecordReplayTest, TellsWhatIsNoTrace) {
     EXPECT_EQ(session->Replay(bstr(file).get(), 0), HRESULT_FROM_WIN32(ERROR_INVALID_DATA));
-    EXPECT_NE(bench::test::publishedError().find(L"is no trace: The trace is empty"),
+    EXPECT_NE(kel::test::takeError().value().description.find(L"is no trace: The trace is empty"),
               std::wstring::npos);
     EXPECT_EQ(session->Replay(bstr(file + L"x").get(), 0),
               HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));

@@ -52,7 +52,7 @@ TEST_F(TransparencyTest, IdentitiesAreKept) {
     EXPECT_EQ(link->get_Port(&port), S_OK);
     EXPECT_FALSE(port);
 
-    const auto preprocessor = kel::test::create<IPreprocessor>(__uuidof(Preprocessor));
+    const auto preprocessor = kel::test::kelUtils().create<IPreprocessor>(__uuidof(Preprocessor));
     ComPtr<IPreprocessor> given;
     EXPECT_EQ(link->put_Preprocessor(preprocessor.Get()), S_OK);
     EXPECT_EQ(link->get_Preprocessor(&given), S_OK);

@@ -1,4 +1,4 @@
-#include "tests/wine/support/kel_utils.h"
+#include "tests/wine/support/library.h"
 
 #include <sstream>
 #include <stdexcept>
@@ -15,36 +15,52 @@ std::wstring fileOf(HMODULE module) {
 
 }  // namespace
 
-HMODULE kelUtils() {
-    static const HMODULE library = [] {
-        // This program stands in <build>/tests/wine/<room>.
-        const std::wstring program = fileOf(nullptr);
-        const std::wstring folder = program.substr(0, program.rfind(L'\\'));
-        const std::wstring path = folder + L"\\..\\..\\..\\server\\KelUtils.dll";
-        const HMODULE loaded = LoadLibraryW(path.c_str());
-        if (!loaded) throw com::lastError();
-        return loaded;
-    }();
-    return library;
+Library::Library(const wchar_t* path) {
+    // This program stands in <build>/tests/wine/<room>.
+    const std::wstring program = fileOf(nullptr);
+    const std::wstring folder = program.substr(0, program.rfind(L'\\'));
+    module_ = LoadLibraryW((folder + L"\\..\\..\\..\\" + path).c_str());
+    if (!module_) throw com::lastError();
+    loaded().push_back(this);
 }
 
-std::wstring kelUtilsPath() {
-    return fileOf(kelUtils());
+std::wstring Library::path() const {
+    return fileOf(module_);
 }
 
-void* exportOf(HMODULE library, const char* name) {
-    const FARPROC function = GetProcAddress(library, name);
+void* exportOf(HMODULE module, const char* name) {
+    const FARPROC function = GetProcAddress(module, name);
     if (!function) throw std::runtime_error(std::string("There is no export ") + name);
     return reinterpret_cast<void*>(function);
 }
 
-HRESULT classObject(REFCLSID identifier, REFIID iid, void** result) {
-    return exportOf<HRESULT WINAPI(REFCLSID, REFIID, void**)>(kelUtils(), "DllGetClassObject")(
+HRESULT Library::classObject(REFCLSID identifier, REFIID iid, void** result) const {
+    return exportOf<HRESULT WINAPI(REFCLSID, REFIID, void**)>(module_, "DllGetClassObject")(
         identifier, iid, result);
 }
 
-HRESULT canUnloadNow() {
-    return exportOf<HRESULT WINAPI()>(kelUtils(), "DllCanUnloadNow")();
+HRESULT Library::canUnloadNow() const {
+    return exportOf<HRESULT WINAPI()>(module_, "DllCanUnloadNow")();
+}
+
+std::vector<const Library*>& Library::loaded() {
+    static std::vector<const Library*> libraries;
+    return libraries;
+}
+
+const Library& kelUtils() {
+    static const Library library(L"server\\KelUtils.dll");
+    return library;
+}
+
+const Library& benchLink() {
+    static const Library library(L"bench\\link\\BenchLink.dll");
+    return library;
+}
+
+const Library& kelTrace() {
+    static const Library library(L"hosts\\trace\\KelTrace.dll");
+    return library;
 }
 
 std::vector<std::string> resourceLines(const wchar_t* name) {

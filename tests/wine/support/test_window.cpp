@@ -1,4 +1,4 @@
-#include "tests/wine/link/test_window.h"
+#include "tests/wine/support/test_window.h"
 
 #include <utility>
 

@@ -1,4 +1,4 @@
-#include "tests/wine/link/tcp_peer.h"
+#include "tests/wine/support/tcp_peer.h"
 
 #include <gtest/gtest.h>
 
