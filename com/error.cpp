@@ -63,6 +63,11 @@ Error lastError() {
     return Error(error == ERROR_SUCCESS ? E_FAIL : HRESULT_FROM_WIN32(error));
 }
 
+std::wstring textOfCurrentException() {
+    publishCurrentException(GUID_NULL, nullptr);
+    return takePublished().description;
+}
+
 HRESULT codeOfCurrentException() noexcept {
     try {
         throw;

@@ -66,6 +66,9 @@ Value& out(Value* result) {
     return *result;
 }
 
+// What the exception that is being handled tells a user; the platform's text where it has none.
+std::wstring textOfCurrentException();
+
 // The HRESULT of the exception that is being handled.
 HRESULT codeOfCurrentException() noexcept;
 

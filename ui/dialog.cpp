@@ -1,0 +1,231 @@
+#include "ui/dialog.h"
+
+#include <utility>
+
+#include "ui/atl.h"
+#include "ui/model/placement.h"
+
+namespace kel::ui {
+namespace {
+
+// Messages whose result a dialog procedure returns itself, not through DWLP_MSGRESULT.
+bool isAnsweredDirectly(UINT message) {
+    switch (message) {
+        case WM_CTLCOLORMSGBOX:
+        case WM_CTLCOLOREDIT:
+        case WM_CTLCOLORLISTBOX:
+        case WM_CTLCOLORBTN:
+        case WM_CTLCOLORDLG:
+        case WM_CTLCOLORSCROLLBAR:
+        case WM_CTLCOLORSTATIC:
+        case WM_COMPAREITEM:
+        case WM_VKEYTOITEM:
+        case WM_CHARTOITEM:
+        case WM_QUERYDRAGICON:
+            return true;
+        default:
+            return false;
+    }
+}
+
+Rectangle toRectangle(const RECT& rectangle) {
+    return {static_cast<int>(rectangle.left), static_cast<int>(rectangle.top),
+            static_cast<int>(rectangle.right), static_cast<int>(rectangle.bottom)};
+}
+
+}  // namespace
+
+Dialog::~Dialog() {
+    if (!window_) return;
+    // The handlers of the derived class are gone already.
+    const HWND window = std::exchange(window_, nullptr);
+    SetWindowLongPtrW(window, DWLP_USER, 0);
+    DestroyWindow(window);
+}
+
+template <class Run>
+INT_PTR Dialog::runAs(bool isModal, Run&& run) {
+    isModal_ = isModal;
+    isInitialising_ = true;
+    initialisationFailure_ = nullptr;
+    const INT_PTR result = run();
+    if (isInitialising_) {
+        isInitialising_ = false;
+        throw com::lastError();
+    }
+    return result;
+}
+
+INT_PTR Dialog::runModal(WORD resource, HWND owner) {
+    AtlAxWinInit();
+    const INT_PTR result = runAs(true, [&] {
+        return AtlAxDialogBoxA(com::moduleInstance(), MAKEINTRESOURCEA(resource), owner, procedure,
+                               reinterpret_cast<LPARAM>(this));
+    });
+    if (result != IDOK && initialisationFailure_) std::rethrow_exception(initialisationFailure_);
+    return result;
+}
+
+INT_PTR Dialog::runModal(const DialogTemplate& description, HWND owner) {
+    const INT_PTR result = runAs(true, [&] {
+        return DialogBoxIndirectParamW(com::moduleInstance(), description.get(), owner, procedure,
+                                       reinterpret_cast<LPARAM>(this));
+    });
+    if (result != IDOK && initialisationFailure_) std::rethrow_exception(initialisationFailure_);
+    return result;
+}
+
+void Dialog::create(WORD resource, HWND owner) {
+    AtlAxWinInit();
+    runAs(false, [&] {
+        AtlAxCreateDialogA(com::moduleInstance(), MAKEINTRESOURCEA(resource), owner, procedure,
+                           reinterpret_cast<LPARAM>(this));
+        return 0;
+    });
+}
+
+bool Dialog::command(int control, int) {
+    if (control != IDOK && control != IDCANCEL) return false;
+    end(control);
+    return true;
+}
+
+void Dialog::showStatus(std::wstring_view text) {
+    setText(statusLine(), text);
+    UpdateWindow(control(statusLine()));
+}
+
+void Dialog::end(INT_PTR result) {
+    if (!window_) return;
+    if (isModal_) {
+        EndDialog(window_, result);
+    } else {
+        DestroyWindow(window_);
+    }
+}
+
+std::wstring Dialog::text(int identifier) const {
+    const HWND window = control(identifier);
+    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+    const int length = GetWindowTextW(window, text.data(), static_cast<int>(text.size()));
+    text.resize(static_cast<std::size_t>(length));
+    return text;
+}
+
+void Dialog::setText(int identifier, std::wstring_view text) {
+    SetDlgItemTextW(window_, identifier, std::wstring(text).c_str());
+}
+
+void Dialog::enable(int identifier, bool enabled) {
+    EnableWindow(control(identifier), enabled);
+}
+
+void Dialog::show(int identifier, bool visible) {
+    ShowWindow(control(identifier), visible ? SW_SHOW : SW_HIDE);
+}
+
+INT_PTR CALLBACK Dialog::procedure(HWND window, UINT message, WPARAM wide, LPARAM longer) {
+    if (message == WM_INITDIALOG) {
+        SetWindowLongPtrW(window, DWLP_USER, longer);
+        reinterpret_cast<Dialog*>(longer)->window_ = window;
+    }
+    auto* dialog = reinterpret_cast<Dialog*>(GetWindowLongPtrW(window, DWLP_USER));
+    return dialog ? dialog->dispatch(message, wide, longer) : FALSE;
+}
+
+INT_PTR Dialog::dispatch(UINT message, WPARAM wide, LPARAM longer) noexcept {
+    std::optional<com::KeepAlive> alive;
+    if (component_) alive.emplace(*component_);
+    try {
+        return process(message, wide, longer);
+    } catch (...) {
+        if (message == WM_INITDIALOG) initialisationFailure_ = std::current_exception();
+        reportFailure();
+        return TRUE;
+    }
+}
+
+INT_PTR Dialog::process(UINT message, WPARAM wide, LPARAM longer) {
+    std::optional<LRESULT> result;
+    switch (message) {
+        case WM_INITDIALOG:
+            return begin();
+        case WM_COMMAND:
+            return command(LOWORD(wide), HIWORD(wide));
+        case WM_TIMER:
+            tick(wide);
+            return TRUE;
+        case WM_NOTIFY:
+            result = notify(*reinterpret_cast<const NMHDR*>(longer));
+            break;
+        case WM_NCDESTROY:
+            SetWindowLongPtrW(std::exchange(window_, nullptr), DWLP_USER, 0);
+            destroyed();
+            return FALSE;
+        default:
+            result = handle(message, wide, longer);
+    }
+    if (!result) return FALSE;
+    if (isAnsweredDirectly(message)) return static_cast<INT_PTR>(*result);
+    SetWindowLongPtrW(window_, DWLP_MSGRESULT, static_cast<LONG_PTR>(*result));
+    return TRUE;
+}
+
+INT_PTR Dialog::begin() {
+    isInitialising_ = false;
+    centreWindow(window_, GetWindow(window_, GW_OWNER));
+    initialise();
+    const HWND focus = initialFocus();
+    if (!focus) return TRUE;
+    SetFocus(focus);
+    return FALSE;
+}
+
+void Dialog::tick(UINT_PTR identifier) {
+    if (!runningTimers_.insert(identifier).second) return;
+    struct Running {
+        ~Running() { timers.erase(identifier); }
+        std::set<UINT_PTR>& timers;
+        UINT_PTR identifier;
+    } const running{runningTimers_, identifier};
+    timer(identifier);
+}
+
+// The last resort must not fail itself: without memory for the text there is none.
+void Dialog::reportFailure() noexcept {
+    try {
+        const std::wstring text = com::textOfCurrentException();
+        if (!window_) return;
+        if (statusLine() != 0) {
+            showStatus(text);
+        } else {
+            wchar_t title[256] = L"";
+            GetWindowTextW(window_, title, static_cast<int>(std::size(title)));
+            MessageBoxW(window_, text.c_str(), title, MB_OK | MB_ICONSTOP);
+        }
+    } catch (const std::bad_alloc&) {
+        MessageBeep(MB_ICONSTOP);
+    }
+}
+
+HWND livingWindow(LONG_PTR handle) {
+    const HWND window = reinterpret_cast<HWND>(handle);
+    return IsWindow(window) ? window : nullptr;
+}
+
+void centreWindow(HWND window, HWND over) {
+    const bool isVisible = over && IsWindowVisible(over) && !IsIconic(over);
+    const HMONITOR monitor = MonitorFromWindow(over ? over : window, MONITOR_DEFAULTTOPRIMARY);
+    MONITORINFO information{};
+    information.cbSize = sizeof information;
+    RECT own{};
+    if (!GetMonitorInfoW(monitor, &information) || !GetWindowRect(window, &own)) return;
+    RECT base = information.rcWork;
+    if (isVisible) GetWindowRect(over, &base);
+    const Rectangle place =
+        centred(toRectangle(own), toRectangle(base), toRectangle(information.rcWork));
+    SetWindowPos(window, nullptr, place.left, place.top, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+}  // namespace kel::ui
