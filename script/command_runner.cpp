@@ -1,7 +1,6 @@
 #include "script/command_runner.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 
 #include "com/variant.h"
@@ -31,24 +30,6 @@ constexpr long kOneSecond = 1000;
 constexpr long kBreakDuration = 300;
 constexpr long kReplyTimeout = 3000;
 constexpr long kDefaultBaudRate = 9600;
-
-std::string formatted(const char* format, int first, int second, int third) {
-    char text[64];
-    std::snprintf(text, sizeof text, format, first, second, third);
-    return text;
-}
-
-std::string dateText() {
-    SYSTEMTIME now;
-    GetLocalTime(&now);
-    return formatted("%.04d/%.02d/%.02d", now.wYear, now.wMonth, now.wDay);
-}
-
-std::string timeText() {
-    SYSTEMTIME now;
-    GetLocalTime(&now);
-    return formatted("%.02d:%.02d:%.02d", now.wHour, now.wMinute, now.wSecond);
-}
 
 // Without a link there is nothing to wait for: the text has not come, at once.
 bool waitForText(const com::ComPtr<IKelCommunicator>& link, std::wstring_view text,
@@ -157,10 +138,10 @@ CommandRunner::Outcome CommandRunner::runFunction(IKelCommunicator* communicator
                                                   std::string& value) {
     switch (code) {
         case kDate:
-            value = dateText();
+            value = dateText(owner_.clock.localTime());
             return {};
         case kTime:
-            value = timeText();
+            value = timeText(owner_.clock.localTime());
             return {};
         case kSerialNumber: {
             const std::optional<std::string> number = serialNumber(communicator);

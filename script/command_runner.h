@@ -9,6 +9,7 @@
 
 #include "com/text.h"
 #include "interfaces/KelUtils.h"
+#include "script/engine/clock.h"
 #include "script/interviewer.h"
 #include "script/run_state.h"
 
@@ -24,6 +25,7 @@ public:
     struct Owner {
         RunState& state;
         const Interviewer& interviewer;
+        Clock& clock;
         const com::Bstr& scriptPath;
         const com::Bstr& systemPath;
         ErrorReport report;

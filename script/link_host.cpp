@@ -105,6 +105,12 @@ Answers LinkHost::ask(const Question& question) {
     return interviewer_.ask(question);
 }
 
+LocalTime LinkHost::localTime() {
+    SYSTEMTIME now;
+    GetLocalTime(&now);
+    return {now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond};
+}
+
 com::ComPtr<IFlatCollection> LinkHost::collect(std::span<const std::string> parameters) {
     try {
         return FlatCollection::of(parameters);

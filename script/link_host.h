@@ -31,6 +31,7 @@ public:
     std::optional<std::size_t> findFunction(std::string_view name, std::size_t from) override;
     FunctionOutcome callFunction(std::size_t row, std::span<const std::string> parameters) override;
     Answers ask(const Question& question) override;
+    LocalTime localTime() override;
 
 private:
     com::ComPtr<IFlatCollection> collect(std::span<const std::string> parameters);

@@ -13,7 +13,7 @@ Preprocessor::Preprocessor()
     : interviewer_(rules_, parentWindow_, errorReport()),
       host_(state_, *this, directives_, functions_, interviewer_, errorReport()),
       session_(host_, variables_, rules_, observer_),
-      runner_({state_, interviewer_, scriptPath_, systemPath_, errorReport()}) {}
+      runner_({state_, interviewer_, host_, scriptPath_, systemPath_, errorReport()}) {}
 
 ErrorReport Preprocessor::errorReport() {
     return [this](std::string_view message, std::initializer_list<std::string_view> parts) {

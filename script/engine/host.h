@@ -1,5 +1,5 @@
 #pragma once
-// The outside world of a script: the instrument, the installed words, the user.
+// The outside world of a script: the instrument, the installed words, the user, the clock.
 
 #include <cstddef>
 #include <optional>
@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "script/engine/clock.h"
 #include "script/engine/question.h"
 
 namespace kel::script {
@@ -28,10 +29,8 @@ struct FunctionOutcome {
 // through `Session::run`. Every member that calls out may start another run of the same session.
 // Views and spans are valid during the call only. A handler tells its own errors through
 // `Session::report`, then gives a false result.
-class Host {
+class Host : public Clock {
 public:
-    virtual ~Host() = default;
-
     // Shows text to the user as if it came over the link.
     virtual void echo(std::string_view text) = 0;
 

@@ -42,9 +42,12 @@ public:
         return find(std::array{"DATE", "TIME", "SERIALNUMBER"}, name, from);
     }
     script::FunctionOutcome callFunction(std::size_t row, std::span<const std::string>) override {
-        return {true, true, std::array{"2024/03/09", "12:34:56", "D123"}[row]};
+        return {
+            true, true,
+            std::array<std::string, 3>{dateText(localTime()), timeText(localTime()), "D123"}[row]};
     }
     script::Answers ask(const script::Question&) override { return std::nullopt; }
+    script::LocalTime localTime() override { return {2024, 3, 9, 12, 34, 56}; }
 
     bool hears(std::string_view text, int seconds) {
         now_ += std::chrono::seconds{seconds};

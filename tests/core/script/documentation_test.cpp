@@ -57,8 +57,10 @@ public:
     }
 
     FunctionOutcome callFunction(std::size_t, std::span<const std::string>) override {
-        return {true, true, "2026/03/09"};
+        return {true, true, dateText(localTime())};
     }
+
+    LocalTime localTime() override { return {2026, 3, 9, 13, 5, 59}; }
 
     Answers ask(const Question& question) override {
         std::vector<std::string> answers;
