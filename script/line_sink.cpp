@@ -46,7 +46,8 @@ com::ComPtr<IKelStream> portOf(const com::ComPtr<IKelCommunicator>& communicator
     return port;
 }
 
-bool sendLine(const com::ComPtr<IKelCommunicator>& communicator, BSTR text) {
+bool sendLine(const com::ComPtr<IKelCommunicator>& communicator, BSTR text,
+              const std::function<void()>& onWritten) {
     const com::ComPtr<IKelStream> port = portOf(communicator);
     if (!port) return false;
     com::check(port->ClearReadBuffer(), port);
@@ -56,6 +57,7 @@ bool sendLine(const com::ComPtr<IKelCommunicator>& communicator, BSTR text) {
     const bool written =
         com::isTrue(sdi12) ? writeText(port, sdi12Text(text).get()) : writeText(port, text);
     if (!written || !writeCarriageReturn(port)) return false;
+    onWritten();
 
     long baudRate = 0;
     com::check(port->get_BaudRate(&baudRate), port);

@@ -111,6 +111,10 @@ LocalTime LinkHost::localTime() {
     return {now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond};
 }
 
+std::string LinkHost::failureText() {
+    return com::narrow(com::textOfCurrentException());
+}
+
 com::ComPtr<IFlatCollection> LinkHost::collect(std::span<const std::string> parameters) {
     try {
         return FlatCollection::of(parameters);

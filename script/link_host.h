@@ -32,6 +32,7 @@ public:
     FunctionOutcome callFunction(std::size_t row, std::span<const std::string> parameters) override;
     Answers ask(const Question& question) override;
     LocalTime localTime() override;
+    std::string failureText() override;
 
 private:
     com::ComPtr<IFlatCollection> collect(std::span<const std::string> parameters);

@@ -189,7 +189,8 @@ HRESULT Preprocessor::Send(BSTR text, VARIANT_BOOL* result) {
         const com::KeepAlive alive(*this);
         const com::ComPtr<IKelCommunicator> link =
             isRunning() ? state_.communicator : communicator_;
-        *result = com::variantBool(sendLine(link, text));
+        const auto tell = [&] { observer_.lineSent(com::narrow(text)); };
+        *result = com::variantBool(sendLine(link, text, tell));
     });
 }
 

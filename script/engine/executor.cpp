@@ -93,11 +93,8 @@ bool Executor::execute(const DialogBlock& block) {
 bool Executor::send(std::string_view line) {
     Reporter& reporter = environment_.reporter;
     const std::size_t errorsBefore = reporter.count();
-    if (!environment_.host.send(line)) {
-        return reporter.noteUnlessReported(errorsBefore, "The line could not be sent");
-    }
-    environment_.observer.lineSent(line);
-    return true;
+    return environment_.host.send(line) ||
+           reporter.noteUnlessReported(errorsBefore, "The line could not be sent");
 }
 
 bool Executor::decide(const Comparison& comparison) {

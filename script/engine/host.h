@@ -37,7 +37,8 @@ public:
     // Ends an error report: writes an empty text, so that the instrument gives a fresh prompt.
     virtual void endErrorReport() = 0;
 
-    // Sends a finished line to the instrument; false ends the run.
+    // Sends a finished line to the instrument; false ends the run. Once the line is on its way, and
+    // before it waits for the instrument, the host tells `Observer::lineSent`.
     virtual bool send(std::string_view line) = 0;
 
     // Keeps the host's windows responsive; called before each line.
@@ -62,6 +63,9 @@ public:
 
     // Puts a question to the user, or answers it without one (`PreparedAnswers`).
     virtual Answers ask(const Question& question) = 0;
+
+    // What the exception that is being handled tells the user; by default its own text.
+    virtual std::string failureText();
 };
 
 }  // namespace kel::script

@@ -23,6 +23,7 @@ public:
     // A line is about to run; lines that a condition leaves out are not announced.
     virtual void lineStarted(std::size_t /*line*/) {}
 
+    // Told by the host, which alone knows when the line is on its way.
     virtual void lineSent(std::string_view /*text*/) {}
 
     // A directive's handler is about to be called.

@@ -26,6 +26,7 @@ bool Reporter::errorAt(const char* where, std::string_view message,
     for (const std::string_view part : parts)
         whole.append(1, ' ').append(part);
     record(where, std::move(whole));
+    if (running_ != nullptr) moveTo(where);  // where showing it may fail
 
     host_.echo("\r\nERROR: ");
     host_.echo(message);

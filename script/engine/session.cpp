@@ -51,6 +51,7 @@ bool Session::run(std::string_view text, std::string_view name) {
     try {
         result = parseAndExecute(text);
     } catch (...) {
+        noteFailure();
         observer_.runEnded(name, depth(), false);
         throw;
     }
@@ -65,6 +66,15 @@ bool Session::parseAndExecute(std::string_view text) {
     if (depth() == 1) host_.clearCancelRequest();
     const Environment environment{host_, variables_, rules_, observer_, reporter_};
     return Executor(program, environment).run();
+}
+
+// Notes why the exception that is being handled ends the run. Where that fails too, the exception
+// itself still tells.
+void Session::noteFailure() {
+    try {
+        reporter_.note(host_.failureText());
+    } catch (...) {
+    }
 }
 
 std::vector<Diagnostic> Session::check(std::string_view text, std::string_view name) const {

@@ -49,6 +49,7 @@ public:
 
 private:
     bool parseAndExecute(std::string_view text);
+    void noteFailure();
 
     Host& host_;
     VariableStore& variables_;

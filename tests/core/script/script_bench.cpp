@@ -51,6 +51,7 @@ void ScriptBench::endErrorReport() {
 bool ScriptBench::send(std::string_view line) {
     countCall();
     write("\"" + std::string(line) + "\"");
+    if (acceptsLines) lineSent(line);
     return acceptsLines;
 }
 

@@ -71,6 +71,28 @@ TEST_F(ControlTest, EventsTellTheWholeRun) {
     EXPECT_EQ(sink->events, "");
 }
 
+// Also one that a word of the host sends.
+TEST_F(ControlTest, ALineIsToldBeforeThePauseThatFollowsIt) {
+    const auto sink = com::makeObject<Sink>();
+    advise(sink->controlling());
+    std::string calls;
+    sink->onEvent = [&](DISPID member) {
+        if (member == 4) calls += link_.calls.back() + "\n";
+        return S_OK;
+    };
+    const auto extension = install(L"SEND");
+    extension->onCall = [&](long, IFlatCollection*) -> Answer {
+        com::ComPtr<IPreprocessor2> lines;
+        VARIANT_BOOL sent = VARIANT_FALSE;
+        com::check(preprocessor_.As(&lines));
+        com::check(lines->Send(com::Bstr(L"two").get(), &sent));
+        return {true, sent == VARIANT_TRUE};
+    };
+    EXPECT_TRUE(run("one\n#SEND"));
+    EXPECT_EQ(calls, "WriteByte 13 0\nWriteByte 13 0\n");
+    EXPECT_EQ(sink->events, "1  1\n3  1\n4 one\n3  2\n5 SEND (0)\n4 two\n2  1 True\n");
+}
+
 TEST_F(ControlTest, ASinkMayFailCancelAndLeave) {
     const auto sink = com::makeObject<Sink>();
     const auto other = com::makeObject<Sink>();

@@ -40,6 +40,7 @@ TEST_F(FailureTest, AnyFailingLinkCallEndsTheRunWithItsCode) {
         EXPECT_EQ(error->description, kLinkFailureText);
         EXPECT_EQ(error->source, L"KelUtils.Preprocessor.1");
         EXPECT_FALSE(isReading());
+        EXPECT_EQ(lastDiagnostic(), com::narrow(kLinkFailureText));
     }
     link_.failingCall = 0;
     EXPECT_TRUE(run("@a=1"));

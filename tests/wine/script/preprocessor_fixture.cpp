@@ -53,6 +53,19 @@ bool PreprocessorTest::isCancelled() const {
     return cancelled == VARIANT_TRUE;
 }
 
+std::string PreprocessorTest::lastDiagnostic() const {
+    com::ComPtr<IScriptDiagnostics> diagnostics;
+    com::ComPtr<IScriptDiagnostic> last;
+    long count = 0;
+    com::Bstr message;
+    com::check(preprocessor_->get_Diagnostics(&diagnostics));
+    com::check(diagnostics->get_Count(&count));
+    if (count == 0) return "";
+    com::check(diagnostics->get_Item(count - 1, &last));
+    com::check(last->get_Message(message.put()));
+    return com::narrow(message.get());
+}
+
 com::ComPtr<FakeExtension> PreprocessorTest::install(const wchar_t* word, bool isFunction) {
     const auto extension = com::makeObject<FakeExtension>();
     const com::Bstr name{std::wstring_view(word)};

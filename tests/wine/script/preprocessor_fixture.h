@@ -45,6 +45,9 @@ protected:
 
     bool isReading() const;
     bool isCancelled() const;
+
+    // The message of the last diagnostic of the last run.
+    std::string lastDiagnostic() const;
     com::ComPtr<FakeExtension> install(const wchar_t* word, bool isFunction = false);
 
     // What an error report does on the stream.
