@@ -6,12 +6,14 @@ readonly kel_packages=(
     g++ cmake ninja-build googletest                       # building and testing natively
 )
 
-# Prints the packages of the list that are not installed.
+wanted_packages=("${kel_packages[@]}") # these, and what a verb needs besides
+
+# Prints the wanted packages that are not installed.
 missing_packages() {
     local installed package
     installed=$(dpkg-query -W -f '=${db:Status-Status} ${Package}=\n=${db:Status-Status} ${Package}:${Architecture}=\n' \
-        "${kel_packages[@]}" 2>/dev/null) || true
-    for package in "${kel_packages[@]}"; do
+        "${wanted_packages[@]}" 2>/dev/null) || true
+    for package in "${wanted_packages[@]}"; do
         [[ $installed == *"=installed $package="* ]] || printf '%s\n' "$package"
     done
 }
@@ -65,10 +67,12 @@ report_missing() {
     fail "until it succeeds, then ./kel setup again"
 }
 
-# Installs what is missing; does nothing, quickly, when everything is there.
+# Installs what is missing; does nothing, quickly, when everything is there. A verb that needs more
+# than the others names it: set_up [PACKAGE...]
 set_up() {
+    wanted_packages=("${kel_packages[@]}" "$@")
     command -v dpkg-query apt-get >/dev/null ||
-        fail "setup: needs Debian 12 (apt-get is missing); elsewhere provide by hand: ${kel_packages[*]}"
+        fail "setup: needs Debian 12 (apt-get is missing); elsewhere provide by hand: ${wanted_packages[*]}"
     [[ -n $(missing_packages) ]] || return 0
     ((EUID == 0)) || command -v sudo >/dev/null ||
         fail "setup: there is no sudo; run ./kel setup as root, to install: $(missing_packages | tr '\n' ' ')"

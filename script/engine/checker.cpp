@@ -92,7 +92,7 @@ private:
 
     template <class... Kinds>
     void check(const std::variant<Kinds...>& value) {
-        std::visit([this](const auto& kind) { check(kind); }, value);
+        std::visit([this](const auto& kind) { this->check(kind); }, value);
     }
 
     template <class Element>
