@@ -80,10 +80,10 @@ bool Executor::execute(const Conditional& conditional) {
             conditions_.openRest();
             return true;
         case ConditionalKind::EndIf:
-            return conditions_.close() ||
-                   environment_.reporter.error("#ENDIF without matching #IF");
+            break;
     }
-    return true;
+    if (conditions_.close()) return true;
+    return environment_.reporter.error("#ENDIF without matching #IF");
 }
 
 bool Executor::execute(const DialogBlock& block) {
@@ -93,8 +93,8 @@ bool Executor::execute(const DialogBlock& block) {
 bool Executor::send(std::string_view line) {
     Reporter& reporter = environment_.reporter;
     const std::size_t errorsBefore = reporter.count();
-    return environment_.host.send(line) ||
-           reporter.noteUnlessReported(errorsBefore, "The line could not be sent");
+    if (environment_.host.send(line)) return true;
+    return reporter.noteUnlessReported(errorsBefore, "The line could not be sent");
 }
 
 bool Executor::decide(const Comparison& comparison) {

@@ -21,8 +21,6 @@ public:
     // none; in any letter case.
     void set(std::string_view name, std::string answer) { answers_.set(name, std::move(answer)); }
 
-    void clear() { answers_.clear(); }
-
     // The results of the question's controls. Nothing when a control has no answer, or when the
     // answer to a select is not among its choices; `missing` then receives its name.
     Answers answer(const Question& question, std::string& missing) const;

@@ -41,12 +41,13 @@ bool Reporter::error(std::string_view message, std::initializer_list<std::string
 }
 
 bool Reporter::note(std::string message) {
-    record(running_ == nullptr ? nullptr : running_->here_, std::move(message));
+    record(running_->here_, std::move(message));
     return false;
 }
 
 bool Reporter::noteUnlessReported(std::size_t countBefore, std::string message) {
-    return count_ == countBefore && note(std::move(message));
+    if (count_ == countBefore) note(std::move(message));
+    return false;
 }
 
 void Reporter::record(const char* where, std::string message) {

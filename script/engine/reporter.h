@@ -51,7 +51,7 @@ public:
     // The same at the place noted last.
     bool error(std::string_view message, std::initializer_list<std::string_view> parts = {});
 
-    // Records, without showing it, why a run ends. Returns false.
+    // Records, without showing it, why the running script ends. Returns false.
     bool note(std::string message);
 
     // The same, unless something was told since `count` gave `countBefore`.

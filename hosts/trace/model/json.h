@@ -11,13 +11,20 @@
 
 namespace kel::trace {
 
-struct Member;
+// A member of an object. A template, for the value's type is complete only below.
+template <class Value>
+struct NamedValue {
+    std::string name;
+    Value value;
+
+    bool operator==(const NamedValue&) const = default;
+};
 
 // Texts are kept as the border has them, so that every one comes back as it was, well formed or
 // not; an integer and a number with a fraction are different values.
 struct Json {
     using Array = std::vector<Json>;
-    using Object = std::vector<Member>;  // in the order in which they are written
+    using Object = std::vector<NamedValue<Json>>;  // in the order in which they are written
 
     Json() = default;
     // A text given by its address is no truth value, a truth value no number.
@@ -56,12 +63,7 @@ struct Json {
     std::variant<std::monostate, bool, std::int64_t, double, std::u16string, Array, Object> value;
 };
 
-struct Member {
-    std::string name;
-    Json value;
-
-    bool operator==(const Member&) const = default;
-};
+using Member = NamedValue<Json>;
 
 // Control characters and lone surrogates are escaped; everything else is UTF-8.
 std::string write(const Json& json);

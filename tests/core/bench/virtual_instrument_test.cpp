@@ -119,7 +119,8 @@ TEST_F(VirtualInstrument, ServesATerminalThatIsClosedAndReopened) {
     const auto state = folder / "state";
     Program program({"--pty", "--link", link.string(), "--state", state.string(), "--asleep",
                      "--time-scale", "100"});
-    EXPECT_EQ(std::filesystem::read_symlink(link), program.firstLine());
+    const std::string device = program.firstLine();
+    EXPECT_EQ(std::filesystem::read_symlink(link), device);
     {
         FileDescriptor port(::open(link.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
         termios mode{};

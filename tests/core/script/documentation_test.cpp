@@ -32,10 +32,14 @@ std::optional<std::string> takeBlock(std::string_view& rest, std::string_view la
 class ManualHost final : public Host {
 public:
     std::string shown;
+    Observer observer;
 
     void echo(std::string_view text) override { shown += text; }
     void endErrorReport() override { shown += "\n"; }
-    bool send(std::string_view line) override { return show(std::string(line)); }
+    bool send(std::string_view line) override {
+        observer.lineSent(line);
+        return show(std::string(line));
+    }
     void yield() override {}
     bool cancelRequested() override { return false; }
     void clearCancelRequest() override {}
@@ -92,8 +96,7 @@ TEST(Manual, ExamplesDoWhatItSays) {
         ManualHost host;
         const TextRules rules;
         VariableStore variables(rules);
-        Observer observer;
-        Session session(host, variables, rules, observer);
+        Session session(host, variables, rules, host.observer);
         EXPECT_TRUE(session.run(*script)) << *script;
         EXPECT_EQ(host.shown, *expected) << *script;
         ++examples;

@@ -27,6 +27,7 @@ TEST(PreparedAnswers, AnswerByVariableOrCaption) {
     question.controls[2] = {ControlKind::Input, "other", "", {}, ""};
     EXPECT_EQ(answers.answer(question, missing), std::nullopt);
     EXPECT_EQ(missing, "other");
+    EXPECT_EQ(*answers.find("DEPTH"), "12");
     question.controls.clear();
     EXPECT_EQ(answers.answer(question, missing), give({}));
 }

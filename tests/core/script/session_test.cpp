@@ -100,5 +100,25 @@ TEST(Session, ExceptionOfAnyHostCallPassesThrough) {
     EXPECT_EQ(lines, "211334445566667799");
 }
 
+// Also where it tells nothing, and where telling it fails.
+TEST(Session, AnyFailureEndsTheRunAndIsNoted) {
+    struct Failing : ScriptBench {
+        int failures = 0;
+        void yield() override { throw 7; }
+        std::string failureText() override {
+            if (failures++ > 0) throw std::runtime_error("no text");
+            return ScriptBench::failureText();
+        }
+    } bench;
+    Observer nobody;
+    const TextRules rules;
+    Session session(bench, bench.variables, rules, nobody);
+    EXPECT_THROW(session.run("\n a", "s"), int);
+    EXPECT_EQ(show(session.diagnostics()), "s 2:2 error Unknown failure\n");
+    EXPECT_THROW(session.run("a"), int);
+    EXPECT_EQ(show(session.diagnostics()), "");
+    EXPECT_EQ(session.depth(), 0u);
+}
+
 }  // namespace
 }  // namespace kel::script

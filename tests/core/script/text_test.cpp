@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "script/engine/locator.h"
 #include "tests/core/script/script_bench.h"
 
@@ -46,15 +48,26 @@ TEST(VariableStore, KeepsOrderAndFirstSpelling) {
     EXPECT_EQ(variables.find("depth"), nullptr);
 }
 
+TEST(VariableStore, IsUnchangedWhenAVariableCannotBeAdded) {
+    struct OneName : TextRules {
+        std::string fold(std::string_view) const override { return "x"; }
+    };
+    const OneName rules;
+    VariableStore variables(rules);
+    EXPECT_THROW(variables.set(std::string_view("x", SIZE_MAX), "1"), std::length_error);
+    EXPECT_EQ(variables.find("x"), nullptr);
+}
+
 TEST(Locator, CountsEveryKindOfLineEndForwardsAndBackwards) {
-    const std::string_view text = "a\r\nbc\rd\n\n\re";
+    const std::string_view text = "a\r\nbc\rd\n\n\re\r";
     Locator locator(text);
     const auto at = [&](std::size_t offset) {
         const Position position = locator.locate(text.data() + offset);
         return std::to_string(position.line) + ":" + std::to_string(position.column);
     };
-    const std::pair<std::size_t, const char*> places[] = {
-        {0, "1:1"}, {4, "2:2"}, {3, "2:1"}, {6, "3:1"}, {11, "6:2"}, {0, "1:1"}, {10, "6:1"}};
+    const std::pair<std::size_t, const char*> places[] = {{0, "1:1"},  {4, "2:2"},  {3, "2:1"},
+                                                          {6, "3:1"},  {11, "6:2"}, {0, "1:1"},
+                                                          {10, "6:1"}, {12, "7:1"}};
     for (const auto& [offset, place] : places)
         EXPECT_EQ(at(offset), place) << offset;
 }
