@@ -5,6 +5,7 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 
 option(KEL_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
 option(KEL_SANITIZE "Build with the address and undefined-behaviour sanitizers" OFF)
+option(KEL_FUZZ "Build the fuzzers, with clang" OFF)
 
 add_compile_options(-Wall -Wextra -Wshadow)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
@@ -18,6 +19,11 @@ endif()
 if(KEL_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
+    # The library checks its own indexes, also where they stay inside the memory of something.
+    add_compile_definitions(_GLIBCXX_ASSERTIONS)
+endif()
+if(KEL_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
 if(WIN32)
