@@ -156,7 +156,8 @@ struct Target {
     WORD flags;
 };
 
-// Prefers the way of putting that the caller named; takes the other one when there is only that.
+// Prefers the way that the caller named. Where there is only that, takes the other way of putting,
+// and reads a property that is called as a method.
 bool findTarget(ITypeInfo* type, DISPID member, WORD flags, Target& target) {
     bool found = false;
     const UINT count = functionCount(type);
@@ -169,8 +170,8 @@ bool findTarget(ITypeInfo* type, DISPID member, WORD flags, Target& target) {
             return true;
         }
         const bool otherPut = (kind & kPuts) && (flags & kPuts);
-        const bool enumerator = member == DISPID_NEWENUM && kind == DISPATCH_PROPERTYGET;
-        if (otherPut || enumerator) {
+        const bool calledGet = kind == DISPATCH_PROPERTYGET && (flags & DISPATCH_METHOD);
+        if (otherPut || calledGet) {
             target = {i, kind};
             found = true;
         }

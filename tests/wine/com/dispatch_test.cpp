@@ -95,6 +95,18 @@ TEST(Dispatch, ObjectsArePutEitherWayAndManyValuesStandForNone) {
     EXPECT_EQ(link.takeWork(), "");
 }
 
+// A script's bare statement calls it as a method.
+TEST(Dispatch, PropertiesAreReadHoweverTheyAreCalled) {
+    FakeLink link;
+    for (const WORD flags :
+         {DISPATCH_PROPERTYGET, DISPATCH_METHOD, DISPATCH_PROPERTYGET | DISPATCH_METHOD}) {
+        Variant rate;
+        EXPECT_EQ(call(link.port(), kBaudRate, flags, {}, rate.put()), S_OK) << flags;
+        EXPECT_EQ(rate.toText(), "9600");
+    }
+    EXPECT_EQ(call(link.port(), kBaudRate, DISPATCH_METHOD, {kRate.get()}), DISP_E_BADPARAMCOUNT);
+}
+
 TEST(Dispatch, ReferencesAreAcceptedForValues) {
     FakeLink link;
     long rate = 2400;

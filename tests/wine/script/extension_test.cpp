@@ -88,19 +88,19 @@ TEST_F(ExtensionTest, AFailingHandlerEndsTheRunWithItsCodeAndWords) {
     EXPECT_EQ(link_.takeWork(), "");
 }
 
-// A word may bring others while it runs.
+// A word may bring others while its table is walked; the walk goes on to them.
 TEST_F(ExtensionTest, WordsMayBeInstalledWhileAScriptRuns) {
     const auto extension = install(L"First");
     int seen = 0;
     extension->onCall = [&](long, IFlatCollection*) -> Answer {
         for (int i = 0; i < 100; ++i) {
-            const auto more = install(i < 99 ? L"Other" : L"Second");
+            const auto more = install(i == 0 ? L"First" : i < 99 ? L"Other" : L"Second");
             more->onCall = [&](long, IFlatCollection*) { return ++seen, Answer{}; };
         }
-        return {};
+        return {.handled = false};
     };
     EXPECT_TRUE(run("#FIRST\n#SECOND"));
-    EXPECT_EQ(seen, 1);
+    EXPECT_EQ(seen, 2);
     EXPECT_EQ(preprocessor_->InstallCustomDirective(com::Bstr(L"x").get(), nullptr, 0), E_POINTER);
     EXPECT_EQ(preprocessor_->InstallCustomFunction(com::Bstr(L"x").get(), nullptr, 0), E_POINTER);
 }

@@ -19,6 +19,7 @@ try {
 
     check("assignment", preprocessor.PreprocessAndRun("@a=\"x\"\n#WAIT 0\n@d=DATE()"), true);
     check("variables", preprocessor.PreprocessAndRun("#IF A == \"X\"\n#ELSE\nwrong\n#ENDIF"), true);
+    preprocessor.Variable("a");
     check("a line without a link", preprocessor.PreprocessAndRun("line"), false);
     check("a syntax error", preprocessor.preprocessandrun("#IF"), false);
 

@@ -85,6 +85,21 @@ TEST_F(RunTest, ScriptsRunFromScriptsAndFromForeignWords) {
     EXPECT_EQ(link_.takeWork(), "Link.RunCommandFile \"C:\\windows\\system32\\kernel32.dll\"\n");
 }
 
+TEST_F(RunTest, AScriptThatRunsItselfEndsWithAnError) {
+    int runs = 0;
+    link_.runFile = [&](BSTR, VARIANT_BOOL* result) {
+        ++runs;
+        *result = run("#RUNSCRIPT kernel32.dll");
+        return S_OK;
+    };
+    com::check(preprocessor_->put_ScriptPath(com::Bstr(L"C:\\windows\\system32").get()));
+    EXPECT_FALSE(run("#RUNSCRIPT kernel32.dll"));
+    EXPECT_EQ(runs, 32);
+    const std::string work = link_.takeWork();
+    EXPECT_TRUE(work.ends_with("dll\"\n" + report("Scripts are nested too deeply"))) << work;
+    EXPECT_FALSE(isReading());
+}
+
 TEST_F(RunTest, CancelStopsBeforeTheNextLine) {
     EXPECT_EQ(preprocessor_->Cancel(), S_OK);
     EXPECT_FALSE(isCancelled());
@@ -115,10 +130,11 @@ TEST_F(RunTest, WaitsReactToACancel) {
         link_.onCall = [&](const std::string& call) {
             if (call.starts_with("Link.WaitForString") && ++waits == 3) preprocessor_->Cancel();
         };
-        EXPECT_TRUE(run(row.script)) << row.script;
+        EXPECT_FALSE(run(std::string(row.script) + "\n#SENDBREAK")) << row.script;
         EXPECT_EQ(waits, 3) << row.script;
         EXPECT_TRUE(isCancelled());
-        EXPECT_EQ(link_.takeWork().find("Echo"), std::string::npos);
+        const std::string work = link_.takeWork();
+        EXPECT_EQ(work.substr(work.find("Echo")), report("Execution cancelled!"));
     }
 }
 

@@ -122,6 +122,49 @@ TEST_F(WordsTest, MessageBoxAsksTheUser) {
     EXPECT_EQ(driver.owner, nullptr);
 }
 
+// Counts the windows that this thread makes.
+class WindowCounter {
+public:
+    WindowCounter() : hook_(SetWindowsHookExW(WH_CBT, count, nullptr, GetCurrentThreadId())) {
+        created = 0;
+    }
+    ~WindowCounter() { UnhookWindowsHookEx(hook_); }
+
+    static inline int created = 0;
+
+private:
+    static LRESULT CALLBACK count(int code, WPARAM window, LPARAM details) {
+        if (code == HCBT_CREATEWND) ++created;
+        return CallNextHookEx(nullptr, code, window, details);
+    }
+
+    HHOOK hook_;
+};
+
+TEST_F(WordsTest, UnattendedNoQuestionMakesAWindow) {
+    const WindowCounter windows;
+    const auto runsAll = [&] {
+        int ran = 0;
+        for (const char* script :
+             {"#MSGBOX X", "@x=input(\"X\")", "@(\"X\")", "@x=CHECK(\"X\")", "@select(\"X\", 1)",
+              "#DIALOG\nx=input(\"X\")\ncheck(\"X\")\nx=select(\"X\", 1)\n#ENDDIALOG"}) {
+            ran += run(script);
+        }
+        return ran;
+    };
+    com::check(preprocessor_->put_Unattended(VARIANT_TRUE));
+    EXPECT_EQ(runsAll(), 0);
+    com::check(preprocessor_->SetAnswer(com::Bstr(L"msgbox").get(), com::Bstr(L"OK").get()));
+    com::check(preprocessor_->SetAnswer(com::Bstr(L"x").get(), com::Bstr(L"1").get()));
+    EXPECT_EQ(runsAll(), 6);
+    EXPECT_EQ(WindowCounter::created, 0);
+
+    com::check(preprocessor_->put_Unattended(VARIANT_FALSE));
+    BoxDriver driver(IDOK);
+    EXPECT_TRUE(run("#MSGBOX X"));
+    EXPECT_GT(WindowCounter::created, 0);
+}
+
 TEST_F(WordsTest, HandlersMayBeCalledFromOutside) {
     com::ComPtr<IPreprocessorExtension> words;
     ASSERT_EQ(preprocessor_.As(&words), S_OK);
