@@ -101,7 +101,7 @@ test_writes_a_transcript() {
     [[ $(grep -cE '^\{"ms":[0-9]+,"kind":"[a-z]+","text":.*,"file":.*,"line":[0-9]+(,"code":1)?\}$' "$transcript") == \
         $(wc -l <"$transcript") ]] || give_up "a line of another form"
     sed -E 's/.*"kind":"([a-z]+)","text":"(.*)","file":".*[\\](.*)","line":([0-9]+)/\1 \3:\4 \2/' "$transcript" >"$output"
-    expect "$output" 'line outer.kel:1 ver}' "received outer.kel:1 $firmware\\r\\n}" 'sent outer.kel:1 ver}' \
+    expect "$output" 'line outer.kel:1 ver}' 'sent outer.kel:1 ver}' "received outer.kel:1 $firmware\\r\\n}" \
         'line outer.kel:2 #RUNSCRIPT inner.kel}' 'line inner.kel:2 }' 'line inner.kel:3 }' \
         'echo inner.kel:3 \r\nERROR: Variable not found: nosuch}' 'result inner.kel:3 ...'
     kelrun 2 "$inner" --transcript "$(windows_path "$folder/none/transcript")"
