@@ -48,19 +48,21 @@ INT_PTR Dialog::runAs(bool isModal, Run&& run) {
     isModal_ = isModal;
     isInitialising_ = true;
     initialisationFailure_ = nullptr;
-    const INT_PTR result = run();
+    result_ = 0;
+    run();
     if (isInitialising_) {
         isInitialising_ = false;
         throw com::lastError();
     }
-    return result;
+    // What the loop itself gives is of no use when the end of the program ended it.
+    return result_;
 }
 
 INT_PTR Dialog::runModal(WORD resource, HWND owner) {
     AtlAxWinInit();
     const INT_PTR result = runAs(true, [&] {
-        return AtlAxDialogBoxA(com::moduleInstance(), MAKEINTRESOURCEA(resource), owner, procedure,
-                               reinterpret_cast<LPARAM>(this));
+        AtlAxDialogBoxA(com::moduleInstance(), MAKEINTRESOURCEA(resource), owner, procedure,
+                        reinterpret_cast<LPARAM>(this));
     });
     if (result != IDOK && initialisationFailure_) std::rethrow_exception(initialisationFailure_);
     return result;
@@ -68,8 +70,8 @@ INT_PTR Dialog::runModal(WORD resource, HWND owner) {
 
 INT_PTR Dialog::runModal(const DialogTemplate& description, HWND owner) {
     const INT_PTR result = runAs(true, [&] {
-        return DialogBoxIndirectParamW(com::moduleInstance(), description.get(), owner, procedure,
-                                       reinterpret_cast<LPARAM>(this));
+        DialogBoxIndirectParamW(com::moduleInstance(), description.get(), owner, procedure,
+                                reinterpret_cast<LPARAM>(this));
     });
     if (result != IDOK && initialisationFailure_) std::rethrow_exception(initialisationFailure_);
     return result;
@@ -80,7 +82,6 @@ void Dialog::create(WORD resource, HWND owner) {
     runAs(false, [&] {
         AtlAxCreateDialogA(com::moduleInstance(), MAKEINTRESOURCEA(resource), owner, procedure,
                            reinterpret_cast<LPARAM>(this));
-        return 0;
     });
 }
 
@@ -97,6 +98,7 @@ void Dialog::showStatus(std::wstring_view text) {
 
 void Dialog::end(INT_PTR result) {
     if (!window_) return;
+    result_ = result;
     if (isModal_) {
         EndDialog(window_, result);
     } else {

@@ -27,9 +27,10 @@ public:
     Dialog(const Dialog&) = delete;
     Dialog& operator=(const Dialog&) = delete;
 
-    // Runs the dialog until a handler ends it, and gives the result of that: IDOK for success. The
-    // owner may be null or gone. When the dialog could not initialise fully and did not end with
-    // IDOK, that failure is thrown; so is com::Error where no window could be made.
+    // Runs the dialog until a handler ends it, and gives the result of that: IDOK for success, 0
+    // when the program ends meanwhile. The owner may be null or gone. When the dialog could not
+    // initialise fully and did not end with IDOK, that failure is thrown; so is com::Error where no
+    // window could be made.
     INT_PTR runModal(WORD resource, HWND owner);
     INT_PTR runModal(const DialogTemplate& description, HWND owner);
 
@@ -89,6 +90,7 @@ private:
     HWND window_ = nullptr;
     bool isModal_ = false;
     bool isInitialising_ = false;
+    INT_PTR result_ = 0;
     std::exception_ptr initialisationFailure_;
     std::set<UINT_PTR> runningTimers_;
 };

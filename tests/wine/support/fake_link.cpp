@@ -67,14 +67,21 @@ public:
     STDMETHODIMP put_LogFile(BSTR path) override {
         return link_.call(kStream, "LogFile = " + quoted(path));
     }
-    STDMETHODIMP get_EchoWindow(long*) override { return E_NOTIMPL; }
-    STDMETHODIMP put_EchoWindow(long) override { return E_NOTIMPL; }
+    STDMETHODIMP get_EchoWindow(long* window) override {
+        return link_.call(kStream, "EchoWindow", [&] { *window = link_.echoWindow; });
+    }
+    STDMETHODIMP put_EchoWindow(long window) override {
+        return link_.call(kStream, "EchoWindow = " + number(window),
+                          [&] { link_.echoWindow = window; });
+    }
     STDMETHODIMP Echo(BSTR text) override { return link_.call(kStream, "Echo " + quoted(text)); }
     STDMETHODIMP EchoConnectionInfo() override { return link_.call(kStream, "EchoConnectionInfo"); }
     STDMETHODIMP Sleep(long duration) override {
         return link_.call(kStream, "Sleep " + number(duration));
     }
-    STDMETHODIMP get_IdleProcessing(VARIANT_BOOL*) override { return E_NOTIMPL; }
+    STDMETHODIMP get_IdleProcessing(VARIANT_BOOL* enabled) override {
+        return link_.call(kStream, "IdleProcessing", [&] { *enabled = VARIANT_TRUE; });
+    }
     STDMETHODIMP put_IdleProcessing(VARIANT_BOOL enabled) override {
         return link_.call(kStream, "IdleProcessing = " + number(enabled));
     }

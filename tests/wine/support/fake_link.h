@@ -51,6 +51,7 @@ public:
     bool isSdi12 = false;
     bool isRadio = false;
     long baudRate = 9600;
+    long echoWindow = 0;
     std::wstring reply;
 
     // Where it is set, waits find only what stands in it.

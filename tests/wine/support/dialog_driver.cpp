@@ -1,0 +1,184 @@
+#include "tests/wine/support/dialog_driver.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <sstream>
+#include <stdexcept>
+
+#include "com/text.h"
+#include "tests/wine/support/picture.h"
+
+namespace kel::test {
+namespace {
+
+constexpr std::chrono::seconds kPatience{10};
+constexpr UINT kAnswerTime = 10000;
+
+struct Timeout : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+std::wstring captionOf(HWND window) {
+    wchar_t text[256] = L"";
+    InternalGetWindowText(window, text, static_cast<int>(std::size(text)));
+    return text;
+}
+
+std::wstring classOf(HWND window) {
+    wchar_t name[64] = L"";
+    GetClassNameW(window, name, static_cast<int>(std::size(name)));
+    return name;
+}
+
+BOOL CALLBACK collect(HWND window, LPARAM list) {
+    reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+    return TRUE;
+}
+
+std::vector<HWND> windowsOf(DWORD thread) {
+    std::vector<HWND> windows;
+    EnumThreadWindows(thread, collect, reinterpret_cast<LPARAM>(&windows));
+    return windows;
+}
+
+bool isDialog(HWND window) {
+    return IsWindowVisible(window) && IsWindowEnabled(window) && classOf(window) == L"#32770";
+}
+
+void describe(std::ostream& stream, HWND window, const char* indent) {
+    stream << indent << window << ' ' << com::narrow(classOf(window)) << " '"
+           << com::narrow(captionOf(window)) << "' id " << GetDlgCtrlID(window)
+           << (IsWindowVisible(window) ? " visible" : "")
+           << (IsWindowEnabled(window) ? " enabled" : "") << '\n';
+}
+
+}  // namespace
+
+DialogDriver::DialogDriver(std::function<void(DialogDriver&)> steps)
+    : testThread_(GetCurrentThreadId()),
+      thread_([this, steps = std::move(steps)] { run(steps); }) {}
+
+DialogDriver::~DialogDriver() {
+    thread_.join();
+}
+
+void DialogDriver::run(const std::function<void(DialogDriver&)>& steps) {
+    try {
+        steps(*this);
+    } catch (const std::exception& failure) {
+        giveUp(failure.what());
+    }
+}
+
+void DialogDriver::giveUp(const std::string& reason) {
+    std::ostringstream report;
+    report << reason << "; focus " << focus() << "; windows:\n";
+    const auto path = L"failed-" + std::to_wstring(GetCurrentProcessId()) + L".png";
+    for (const HWND window : windowsOf(testThread_)) {
+        describe(report, window, "  ");
+        for (HWND child = GetWindow(window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+            describe(report, child, "    ");
+        if (!isDialog(window)) continue;
+        try {
+            savePicture(window, path);
+            report << "  (picture: " << com::narrow(path) << ")\n";
+        } catch (const std::exception& failure) {
+            report << "  (" << failure.what() << ")\n";
+        }
+    }
+    ADD_FAILURE() << report.str();
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    for (bool any = true; any && std::chrono::steady_clock::now() < end; Sleep(20)) {
+        any = false;
+        for (const HWND window : windowsOf(testThread_)) {
+            if (!isDialog(window)) continue;
+            any = true;
+            PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
+        }
+    }
+}
+
+void DialogDriver::waitUntil(const char* what, const std::function<bool()>& holds) {
+    const auto end = std::chrono::steady_clock::now() + kPatience;
+    while (!holds()) {
+        if (std::chrono::steady_clock::now() > end)
+            throw Timeout(std::string("waited in vain: ") + what);
+        Sleep(2);
+    }
+}
+
+HWND DialogDriver::waitFor(const std::wstring& caption) {
+    window_ = nullptr;
+    waitUntil(("for '" + com::narrow(caption) + "'").c_str(), [&] {
+        for (const HWND window : windowsOf(testThread_)) {
+            if (isDialog(window) && captionOf(window) == caption) window_ = window;
+        }
+        return window_ != nullptr;
+    });
+    // It takes input when its loop has come round.
+    send(window_, WM_NULL);
+    return window_;
+}
+
+HWND DialogDriver::control(int identifier) {
+    const HWND found = GetDlgItem(window_, identifier);
+    if (!found) throw std::runtime_error("there is no control " + std::to_string(identifier));
+    return found;
+}
+
+std::wstring DialogDriver::text(int identifier) {
+    const HWND window = control(identifier);
+    std::wstring text(static_cast<std::size_t>(send(window, WM_GETTEXTLENGTH)) + 1, L'\0');
+    text.resize(static_cast<std::size_t>(
+        send(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+    return text;
+}
+
+void DialogDriver::press(int identifier) {
+    // Posted, never sent: what it does may run a dialog of its own.
+    PostMessageW(control(identifier), BM_CLICK, 0, 0);
+}
+
+void DialogDriver::setText(int identifier, const std::wstring& text) {
+    send(control(identifier), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+void DialogDriver::key(WORD virtualKey, WORD modifier) {
+    INPUT inputs[4]{};
+    UINT count = 0;
+    const auto add = [&](WORD code, DWORD flags) {
+        if (code == 0) return;
+        inputs[count].type = INPUT_KEYBOARD;
+        inputs[count].ki.wVk = code;
+        inputs[count].ki.dwFlags = flags;
+        ++count;
+    };
+    add(modifier, 0);
+    add(virtualKey, 0);
+    add(virtualKey, KEYEVENTF_KEYUP);
+    add(modifier, KEYEVENTF_KEYUP);
+    SendInput(count, inputs, sizeof(INPUT));
+}
+
+void DialogDriver::type(std::wstring_view text) {
+    const HWND target = focus();
+    for (const wchar_t character : text)
+        send(target, WM_CHAR, character);
+}
+
+HWND DialogDriver::focus() {
+    GUITHREADINFO information{};
+    information.cbSize = sizeof information;
+    GetGUIThreadInfo(testThread_, &information);
+    return information.hwndFocus;
+}
+
+LRESULT DialogDriver::send(HWND window, UINT message, WPARAM wide, LPARAM longer) {
+    DWORD_PTR result = 0;
+    if (!SendMessageTimeoutW(window, message, wide, longer, SMTO_ABORTIFHUNG, kAnswerTime, &result))
+        throw Timeout("a window does not answer");
+    return static_cast<LRESULT>(result);
+}
+
+}  // namespace kel::test

@@ -1,0 +1,60 @@
+#pragma once
+// A user for the dialogs of a test.
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <thread>
+
+namespace kel::test {
+
+// Works on a thread of its own through a sequence of steps, while the test's thread runs the
+// dialog:
+//
+//     DialogDriver user([](DialogDriver& driver) {
+//         driver.waitFor(L"Select options");
+//         driver.press(IDOK);
+//     });
+//     dialog->ShowModal(0, &result);
+//
+// A step that does not succeed in time is a failure of the test that tells all windows and the
+// focus, takes a picture beside the program, and cancels every dialog, so that the test ends.
+class DialogDriver {
+public:
+    explicit DialogDriver(std::function<void(DialogDriver&)> steps);
+    // Waits for the last step.
+    ~DialogDriver();
+    DialogDriver(const DialogDriver&) = delete;
+    DialogDriver& operator=(const DialogDriver&) = delete;
+
+    // Waits for a dialog with this caption that takes input. The following steps are for it.
+    HWND waitFor(const std::wstring& caption);
+    // Waits until something holds.
+    void waitUntil(const char* what, const std::function<bool()>& holds);
+
+    HWND window() const { return window_; }
+    HWND control(int identifier);
+    std::wstring text(int identifier);
+
+    // Presses a button without waiting for what it does.
+    void press(int identifier);
+    void setText(int identifier, const std::wstring& text);
+    // Presses a key, for the window that has the focus; `modifier` is held down meanwhile.
+    void key(WORD virtualKey, WORD modifier = 0);
+    void type(std::wstring_view text);
+    // The window of the test's thread that has the focus.
+    HWND focus();
+    LRESULT send(HWND window, UINT message, WPARAM wide = 0, LPARAM longer = 0);
+
+private:
+    void run(const std::function<void(DialogDriver&)>& steps);
+    void giveUp(const std::string& reason);
+
+    DWORD testThread_;
+    HWND window_ = nullptr;
+    std::thread thread_;
+};
+
+}  // namespace kel::test

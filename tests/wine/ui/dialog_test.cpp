@@ -1,0 +1,208 @@
+#include "ui/dialog.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/wine/support/dialog_driver.h"
+#include "tests/wine/support/fake_link.h"
+#include "tests/wine/support/test_window.h"
+#include "ui/modal_dialog.h"
+
+namespace kel::ui {
+namespace {
+
+using test::DialogDriver;
+
+constexpr int kField = 100;
+constexpr int kStatus = 101;
+constexpr int kFail = 102;
+
+DialogTemplate sample() {
+    DialogTemplate description(L"Sample", 160, 60);
+    description.add({L"EDIT",
+                     L"first",
+                     WS_CHILD | WS_VISIBLE | WS_BORDER | WS_TABSTOP,
+                     0,
+                     {4, 4, 60, 12},
+                     kField});
+    description.add({L"STATIC", L"", WS_CHILD | WS_VISIBLE, 0, {4, 20, 150, 10}, kStatus});
+    const WORD buttons[] = {IDOK, IDCANCEL, kFail};
+    for (const WORD button : buttons) {
+        const auto left = static_cast<short>(4 + 50 * (&button - buttons));
+        description.add(
+            {L"BUTTON", L"B", WS_CHILD | WS_VISIBLE | WS_TABSTOP, 0, {left, 40, 40, 14}, button});
+    }
+    return description;
+}
+
+// What goes wrong and what is seen of it is up to each test.
+class SampleDialog : public Dialog {
+public:
+    using Dialog::Dialog;
+
+    bool failsAtFirst = false;
+    int ticks = 0;
+    int deepestTick = 0;
+
+protected:
+    void initialise() override {
+        if (failsAtFirst) throw com::Error(E_ACCESSDENIED, L"No instrument", IID_IKelStream);
+    }
+    int statusLine() const override { return kStatus; }
+    bool command(int identifier, int notification) override {
+        if (identifier != kFail) return Dialog::command(identifier, notification);
+        throw com::Error(E_FAIL, L"The handler failed");
+    }
+    void timer(UINT_PTR) override {
+        ++ticks;
+        deepestTick = std::max(deepestTick, ++depth_);
+        MSG message;
+        for (int round = 0; round < 3; ++round) {
+            Sleep(5);
+            while (PeekMessageW(&message, nullptr, WM_TIMER, WM_TIMER, PM_REMOVE))
+                DispatchMessageW(&message);
+        }
+        --depth_;
+    }
+
+private:
+    int depth_ = 0;
+};
+
+TEST(DialogTest, EndsByItsButtonsAndKeys) {
+    struct {
+        std::function<void(DialogDriver&)> step;
+        INT_PTR result;
+    } const ways[] = {
+        {[](DialogDriver& user) { user.press(IDOK); }, IDOK},
+        {[](DialogDriver& user) { user.press(IDCANCEL); }, IDCANCEL},
+        {[](DialogDriver& user) { user.key(VK_RETURN); }, IDOK},
+        {[](DialogDriver& user) { user.key(VK_ESCAPE); }, IDCANCEL},
+        {[](DialogDriver& user) { PostMessageW(user.window(), WM_CLOSE, 0, 0); }, IDCANCEL},
+    };
+    for (const auto& way : ways) {
+        SampleDialog dialog;
+        DialogDriver user([&](DialogDriver& driver) {
+            driver.waitFor(L"Sample");
+            way.step(driver);
+        });
+        EXPECT_EQ(dialog.runModal(sample(), nullptr), way.result);
+        EXPECT_EQ(dialog.window(), nullptr);
+    }
+}
+
+TEST(DialogTest, LivesOnAfterAFailingHandler) {
+    SampleDialog dialog;
+    DialogDriver user([](DialogDriver& driver) {
+        driver.waitFor(L"Sample");
+        driver.press(kFail);
+        driver.waitUntil("the failure",
+                         [&] { return driver.text(kStatus) == L"The handler failed"; });
+        driver.press(IDOK);
+    });
+    EXPECT_EQ(dialog.runModal(sample(), nullptr), IDOK);
+}
+
+TEST(DialogTest, TellsWhyItCouldNotInitialise) {
+    for (const int button : {IDCANCEL, IDOK}) {
+        SampleDialog dialog;
+        dialog.failsAtFirst = true;
+        DialogDriver user([&](DialogDriver& driver) {
+            driver.waitFor(L"Sample");
+            EXPECT_EQ(driver.text(kStatus), L"No instrument");
+            driver.press(button);
+        });
+        if (button == IDOK) {
+            EXPECT_EQ(dialog.runModal(sample(), nullptr), IDOK);
+            continue;
+        }
+        try {
+            dialog.runModal(sample(), nullptr);
+            ADD_FAILURE() << "the failure is lost";
+        } catch (const com::Error& failure) {
+            EXPECT_EQ(failure.code(), E_ACCESSDENIED);
+            EXPECT_EQ(failure.interfaceId(), IID_IKelStream);
+        }
+    }
+}
+
+TEST(DialogTest, ATimerIsNotReentered) {
+    SampleDialog dialog;
+    DialogDriver user([&](DialogDriver& driver) {
+        SetTimer(driver.waitFor(L"Sample"), 1, 10, nullptr);
+        driver.waitUntil("two ticks", [&] { return dialog.ticks > 1; });
+        driver.press(IDOK);
+    });
+    dialog.runModal(sample(), nullptr);
+    EXPECT_EQ(dialog.deepestTick, 1);
+}
+
+TEST(DialogTest, AMissingTemplateIsAnError) {
+    SampleDialog dialog;
+    EXPECT_THROW(dialog.runModal(WORD{9999}, nullptr), com::Error);
+    EXPECT_THROW(dialog.create(9999, nullptr), com::Error);
+}
+
+class SampleComponent final : public ModalDialog<SampleComponent, IConnectKelGateDialog> {
+public:
+    static constexpr com::ClassDescription kClass{};
+    bool show(HWND owner, const com::ComPtr<IKelCommunicator>&) {
+        return SampleDialog(this).runModal(sample(), owner) == IDOK;
+    }
+};
+
+TEST(ModalDialogTest, KeepsItsContract) {
+    test::FakeLink link;
+    SampleComponent* component = nullptr;
+    auto owner = com::createObject<SampleComponent>(nullptr, &component);
+    VARIANT_BOOL result = VARIANT_TRUE;
+    EXPECT_EQ(component->ShowModal(0, nullptr), E_POINTER);
+    EXPECT_EQ(component->ShowModal(0, &result), E_INVALIDARG);
+    EXPECT_EQ(result, VARIANT_FALSE);
+    ASSERT_EQ(component->put_Communicator(link.communicator()), S_OK);
+
+    const HWND dead =
+        CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    DestroyWindow(dead);
+    for (const long handle : {0L, HandleToLong(dead)}) {
+        DialogDriver user([&](DialogDriver& driver) {
+            driver.waitFor(L"Sample");
+            driver.press(IDOK);
+        });
+        EXPECT_EQ(component->ShowModal(handle, &result), S_OK);
+        EXPECT_EQ(result, VARIANT_TRUE);
+    }
+}
+
+TEST(ModalDialogTest, ASecondOneIsRefusedAndTheLastReferenceMayGoMeanwhile) {
+    test::FakeLink link;
+    SampleComponent* component = nullptr;
+    auto owner = com::createObject<SampleComponent>(nullptr, &component);
+    ASSERT_EQ(component->put_Communicator(link.communicator()), S_OK);
+    VARIANT_BOOL second = VARIANT_TRUE;
+    bench::test::TestWindow window;
+    window.post([&] {
+        EXPECT_EQ(component->ShowModal(0, &second), S_OK);
+        owner.Reset();
+    });
+    DialogDriver user([&](DialogDriver& driver) {
+        driver.waitFor(L"Sample");
+        driver.waitUntil("the second call", [&] { return !owner; });
+        driver.press(IDOK);
+    });
+    VARIANT_BOOL first = VARIANT_FALSE;
+    EXPECT_EQ(component->ShowModal(0, &first), S_OK);
+    EXPECT_EQ(first, VARIANT_TRUE);
+    EXPECT_EQ(second, VARIANT_FALSE);
+}
+
+TEST(ModalDialogTest, TheEndOfTheProgramEndsIt) {
+    SampleDialog dialog;
+    PostQuitMessage(7);
+    EXPECT_NE(dialog.runModal(sample(), nullptr), IDOK);
+    MSG message{};
+    EXPECT_FALSE(GetMessageW(&message, nullptr, 0, 0));
+    EXPECT_EQ(message.wParam, 7u);
+}
+
+}  // namespace
+}  // namespace kel::ui
