@@ -7,7 +7,9 @@ namespace kel::script {
 // text := { line-end } { line line-end { line-end } } [ line ]       line-end := CR | LF
 std::optional<std::string_view> LineReader::next() {
     while (!rest_.empty()) {
-        const std::size_t size = std::min(rest_.find_first_of("\r\n"), rest_.size());
+        const auto end =
+            std::find_if(rest_.begin(), rest_.end(), [](char c) { return c == '\r' || c == '\n'; });
+        const auto size = static_cast<std::size_t>(end - rest_.begin());
         const std::string_view line = rest_.substr(0, size);
         rest_.remove_prefix(std::min(size + 1, rest_.size()));
         if (line.empty()) continue;
