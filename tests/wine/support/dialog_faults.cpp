@@ -1,0 +1,136 @@
+#include "tests/wine/support/dialog_faults.h"
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+
+#include "com/text.h"
+
+namespace kel::test {
+namespace {
+
+constexpr int kButtonMargin = 6;
+constexpr int kCheckBoxMark = 17;
+constexpr int kRowTolerance = 8;
+
+struct Control {
+    HWND window;
+    std::wstring className;
+    std::wstring text;
+    DWORD style;
+    RECT place;
+    bool isVisible;
+
+    bool is(const wchar_t* name) const { return _wcsicmp(className.c_str(), name) == 0; }
+    DWORD buttonKind() const { return is(L"Button") ? style & BS_TYPEMASK : ~0u; }
+    bool isFrame() const { return buttonKind() == BS_GROUPBOX; }
+    bool needsLabel() const {
+        return is(L"Edit") || is(L"ComboBox") || is(L"SysListView32") || is(L"SysTreeView32");
+    }
+    std::string name() const {
+        return com::narrow(className) + " " + std::to_string(GetDlgCtrlID(window)) + " '" +
+               com::narrow(text) + "'";
+    }
+};
+
+std::vector<Control> controlsOf(HWND dialog) {
+    std::vector<Control> controls;
+    for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        Control control{};
+        control.window = child;
+        wchar_t buffer[512] = L"";
+        GetClassNameW(child, buffer, static_cast<int>(std::size(buffer)));
+        control.className = buffer;
+        GetWindowTextW(child, buffer, static_cast<int>(std::size(buffer)));
+        control.text = buffer;
+        control.style = static_cast<DWORD>(GetWindowLongW(child, GWL_STYLE));
+        control.isVisible = (control.style & WS_VISIBLE) != 0;
+        GetWindowRect(child, &control.place);
+        MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&control.place), 2);
+        controls.push_back(control);
+    }
+    return controls;
+}
+
+bool textFits(const Control& control) {
+    int width = static_cast<int>(control.place.right - control.place.left);
+    const int height = static_cast<int>(control.place.bottom - control.place.top);
+    UINT format = DT_CALCRECT;
+    if (control.is(L"Static")) {
+        const DWORD kind = control.style & SS_TYPEMASK;
+        if (kind > SS_RIGHT && kind != SS_LEFTNOWORDWRAP) return true;
+        // A line that has no room for a second one cannot be broken.
+        if (kind != SS_LEFTNOWORDWRAP && (control.style & SS_CENTERIMAGE) == 0)
+            format |= DT_WORDBREAK;
+    } else if (control.is(L"Button")) {
+        const DWORD kind = control.buttonKind();
+        width -= kind == BS_PUSHBUTTON || kind == BS_DEFPUSHBUTTON ? kButtonMargin : kCheckBoxMark;
+    } else {
+        return true;
+    }
+    const HDC device = GetDC(control.window);
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(control.window, WM_GETFONT, 0, 0));
+    const HGDIOBJ before = SelectObject(device, font);
+    RECT needed{0, 0, width, 0};
+    DrawTextW(device, control.text.c_str(), -1, &needed, format);
+    SelectObject(device, before);
+    ReleaseDC(control.window, device);
+    return needed.right <= width && (control.isFrame() || needed.bottom <= height);
+}
+
+wchar_t mnemonicOf(const std::wstring& text) {
+    for (std::size_t at = text.find(L'&'); at + 1 < text.size(); at = text.find(L'&', at + 2)) {
+        if (text[at + 1] != L'&') return static_cast<wchar_t>(towlower(text[at + 1]));
+        if (at + 2 >= text.size()) break;
+    }
+    return L'\0';
+}
+
+// The row comes first, then the column.
+bool isReadBefore(const Control& left, const Control& right) {
+    if (std::abs(left.place.top - right.place.top) > kRowTolerance)
+        return left.place.top < right.place.top;
+    return left.place.left < right.place.left;
+}
+
+}  // namespace
+
+std::vector<std::string> faultsOf(HWND dialog) {
+    std::vector<std::string> faults;
+    const std::vector<Control> controls = controlsOf(dialog);
+    RECT client{};
+    GetClientRect(dialog, &client);
+    std::map<wchar_t, const Control*> mnemonics;
+    const Control* lastStop = nullptr;
+    const Control* previous = nullptr;
+    for (const Control& control : controls) {
+        RECT common{};
+        IntersectRect(&common, &control.place, &client);
+        if (!EqualRect(&common, &control.place)) faults.push_back(control.name() + " sticks out");
+        if (!textFits(control)) faults.push_back(control.name() + " is clipped");
+        for (const Control& other : controls) {
+            if (&other <= &control || !control.isVisible || !other.isVisible) continue;
+            if (control.isFrame() || other.isFrame()) continue;
+            if (IntersectRect(&common, &control.place, &other.place))
+                faults.push_back(control.name() + " overlaps " + other.name());
+        }
+        const bool isText = control.is(L"Button") || control.is(L"Static");
+        if (const wchar_t mnemonic = isText ? mnemonicOf(control.text) : L'\0') {
+            const auto [known, isNew] = mnemonics.emplace(mnemonic, &control);
+            if (!isNew)
+                faults.push_back(control.name() + " has the mnemonic of " + known->second->name());
+        }
+        if (control.needsLabel() &&
+            (!previous || !previous->is(L"Static") || previous->text.empty()))
+            faults.push_back(control.name() + " has no label");
+        if (control.style & WS_TABSTOP) {
+            if (lastStop && !isReadBefore(*lastStop, control))
+                faults.push_back(control.name() + " is reached after " + lastStop->name());
+            lastStop = &control;
+        }
+        previous = &control;
+    }
+    return faults;
+}
+
+}  // namespace kel::test
