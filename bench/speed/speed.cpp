@@ -6,8 +6,10 @@
 #include <cstdio>
 #include <exception>
 #include <fstream>
+#include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "bench/speed/peak_memory.h"
 #include "script/engine/session.h"
@@ -19,13 +21,16 @@ using namespace kel;
 // Takes every line and knows no words.
 class FileHost final : public script::Host {
 public:
-    explicit FileHost(const char* path) : file_(path, std::ios::binary) {}
+    explicit FileHost(const char* path) : file_(std::fopen(path, "wb")) {}
+    ~FileHost() override {
+        if (file_) std::fclose(file_);
+    }
 
     void echo(std::string_view text) override { std::fwrite(text.data(), 1, text.size(), stderr); }
     void endErrorReport() override {}
     bool send(std::string_view line) override {
-        file_ << line << '\n';
-        return file_.good();
+        return file_ && std::fwrite(line.data(), 1, line.size(), file_) == line.size() &&
+               std::fputc('\n', file_) != EOF;
     }
     void yield() override {}
     bool cancelRequested() override { return false; }
@@ -41,33 +46,37 @@ public:
     script::Answers ask(const script::Question&) override { return {}; }
     script::LocalTime localTime() override { return {}; }
 
-    bool close() {
-        file_.close();
-        return file_.good();
-    }
+    bool close() { return file_ && std::fclose(std::exchange(file_, nullptr)) == 0; }
 
 private:
-    std::ofstream file_;
+    std::FILE* file_;
 };
 
-std::string read(const char* path) {
+struct Script {
+    std::unique_ptr<char[]> bytes;
+    std::size_t size;
+    std::string_view text() const { return {bytes.get(), size}; }
+};
+
+Script read(const char* path) {
     std::ifstream file(path, std::ios::binary | std::ios::ate);
-    std::string text(file ? static_cast<std::size_t>(file.tellg()) : 0, '\0');
+    const std::size_t size = file ? static_cast<std::size_t>(file.tellg()) : 0;
+    Script script{std::make_unique_for_overwrite<char[]>(size), size};
     file.seekg(0);
-    file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    file.read(script.bytes.get(), static_cast<std::streamsize>(size));
     if (!file) throw std::runtime_error("cannot read the script");
-    return text;
+    return script;
 }
 
 void measure(const char* scriptPath, const char* outputPath) {
     const auto start = std::chrono::steady_clock::now();
-    const std::string text = read(scriptPath);
+    const Script source = read(scriptPath);
     FileHost host(outputPath);
     const script::TextRules rules;
     script::VariableStore variables(rules);
     script::Observer observer;
     script::Session session(host, variables, rules, observer);
-    if (!session.run(text)) throw std::runtime_error("the script failed");
+    if (!session.run(source.text())) throw std::runtime_error("the script failed");
     if (!host.close()) throw std::runtime_error("the output was not written");
     const std::chrono::nanoseconds time = std::chrono::steady_clock::now() - start;
     std::printf("%.0f %.0f\n", static_cast<double>(time.count()),

@@ -96,7 +96,7 @@ private:
     }
 
     template <class Element>
-    void checkRange(const std::deque<Element>& pool, Range range) {
+    void checkRange(const Pool<Element>& pool, Range range) {
         for (std::size_t i = 0; i < range.count; ++i)
             check(pool[range.first + i]);
     }
@@ -118,7 +118,8 @@ private:
 };
 
 void Checker::checkAll() {
-    for (const Record& record : program_.records) {
+    for (std::size_t i = 0; i < program_.records.size(); ++i) {
+        const Record& record = program_.records[i];
         here_ = record.start;
         check(record.work);
     }

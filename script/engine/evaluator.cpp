@@ -11,7 +11,7 @@ constexpr const char* kQuestionTitle = "Input";
 
 template <class Element>
 std::optional<std::vector<std::string>> evaluateAll(const Evaluator& evaluator,
-                                                    const std::deque<Element>& pool, Range range) {
+                                                    const Pool<Element>& pool, Range range) {
     std::vector<std::string> values;
     values.reserve(range.count);
     for (std::size_t i = 0; i < range.count; ++i) {

@@ -4,7 +4,8 @@
 
 namespace kel::script {
 bool Executor::run() {
-    for (const Record& record : program_.records) {
+    for (std::size_t i = 0; i < program_.records.size(); ++i) {
+        const Record& record = program_.records[i];
         environment_.reporter.moveTo(record.start);
         environment_.host.yield();
         if (environment_.host.cancelRequested()) {
@@ -26,11 +27,11 @@ bool Executor::execute(const PlainText& text) {
 }
 
 bool Executor::execute(const ComposedText& text) {
-    std::string line;
+    line_.clear();
     for (std::size_t i = 0; i < text.segments.count; ++i) {
         const Segment& segment = program_.segments[text.segments.first + i];
         if (const auto* literal = std::get_if<Literal>(&segment)) {
-            line += literal->text;
+            line_ += literal->text;
             continue;
         }
         const auto* reference = std::get_if<Reference>(&segment);
@@ -40,9 +41,9 @@ bool Executor::execute(const ComposedText& text) {
                 : evaluator_.evaluate(
                       program_.expressions[std::get<ExpressionIndex>(segment).index]);
         if (!value) return false;
-        line += *value;
+        line_ += *value;
     }
-    return send(line);
+    return send(line_);
 }
 
 bool Executor::execute(const Evaluation& evaluation) {

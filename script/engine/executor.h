@@ -1,6 +1,7 @@
 #pragma once
 // From a program's records to what they do.
 
+#include <string>
 #include <string_view>
 
 #include "script/engine/conditions.h"
@@ -36,6 +37,7 @@ private:
     const Environment& environment_;
     const Evaluator evaluator_;
     ConditionStack conditions_;
+    std::string line_;  // of the composed text that is put together; keeps its memory
 };
 
 }  // namespace kel::script

@@ -19,9 +19,13 @@ public:
     std::optional<std::string_view> next();
 
 private:
+    std::string_view takeLine();
     std::optional<std::string_view> strip(std::string_view line) const;
+    std::optional<std::string_view> stripWideText(std::string_view line) const;
 
     std::string_view rest_;
+    const char* lineFeed_ =
+        nullptr;  // the first one in the rest, or its end, once it was looked for
     const Characters& characters_;
 };
 

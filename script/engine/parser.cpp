@@ -107,8 +107,8 @@ void ScriptParser::addConditional(std::string_view line, ConditionalKind kind,
 void ScriptParser::addDirectiveCall(std::string_view line, std::string_view name) {
     Program& program = parse_.program;
     const Range range{program.parameters.size(), parse_.parameters.size()};
-    program.parameters.insert(program.parameters.end(), parse_.parameters.begin(),
-                              parse_.parameters.end());
+    for (const Parameter& parameter : parse_.parameters)
+        program.parameters.push_back(parameter);
     program.records.push_back({line.data(), DirectiveCall{program.directives.size()}});
     program.directives.push_back({name, range});
 }

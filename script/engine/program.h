@@ -2,10 +2,11 @@
 // A parsed script: small values that refer to the script's text.
 
 #include <cstddef>
-#include <deque>
 #include <optional>
 #include <string_view>
 #include <variant>
+
+#include "script/engine/pool.h"
 
 namespace kel::script {
 
@@ -104,17 +105,16 @@ struct Record {
     std::variant<PlainText, ComposedText, Evaluation, DirectiveCall, Conditional, DialogBlock> work;
 };
 
-// Every view points into the script's text, which must outlive the program. Deques grow without
-// copying, which would double the memory that a large script needs.
+// Every view points into the script's text, which must outlive the program.
 struct Program {
-    std::deque<Record> records;
-    std::deque<Segment> segments;
-    std::deque<Expression> expressions;
-    std::deque<Operand> operands;
-    std::deque<Directive> directives;
-    std::deque<Parameter> parameters;
-    std::deque<Comparison> comparisons;
-    std::deque<Dialog> dialogs;
+    Pool<Record> records;
+    Pool<Segment> segments;
+    Pool<Expression> expressions;
+    Pool<Operand> operands;
+    Pool<Directive> directives;
+    Pool<Parameter> parameters;
+    Pool<Comparison> comparisons;
+    Pool<Dialog> dialogs;
 };
 
 }  // namespace kel::script

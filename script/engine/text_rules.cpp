@@ -35,7 +35,10 @@ Characters::Characters(const TextRules& rules) {
         const char c = static_cast<char>(byte);
         if (rules.isLetter(byte) || isDigit(c) || c == '_') classes_[i] |= kName;
         if (c == ' ' || c == '\t' || c == '\v' || c == '\f') classes_[i] |= kBlank;
-        if (rules.isLeadByte(byte)) classes_[i] |= kLead;
+        if (rules.isLeadByte(byte)) {
+            classes_[i] |= kLead;
+            hasLeadBytes_ = true;
+        }
     }
 }
 

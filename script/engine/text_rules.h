@@ -32,6 +32,7 @@ public:
     // Letters, digits and underscores.
     bool isName(char c) const { return (classes_[index(c)] & kName) != 0; }
     bool isBlank(char c) const { return (classes_[index(c)] & kBlank) != 0; }
+    bool hasLeadBytes() const { return hasLeadBytes_; }
     bool isDigit(char c) const { return c >= '0' && c <= '9'; }
 
     // Bytes of the character at `position`: 2 for a lead byte with its trail byte, else 1.
@@ -47,6 +48,7 @@ private:
     static std::size_t index(char c) { return static_cast<unsigned char>(c); }
 
     std::array<unsigned char, 256> classes_{};
+    bool hasLeadBytes_ = false;
 };
 
 // Compares the language's own words, whose letters are ASCII in every code page.
