@@ -3,7 +3,7 @@
 readonly kel_packages=(
     wine wine32:i386 fonts-wine fonts-liberation           # running Windows programs
     g++-mingw-w64-i686-posix mingw-w64-tools libwine-dev   # building them
-    g++ cmake ninja-build googletest                       # building and testing natively
+    g++ cmake ninja-build googletest libgtest-dev          # building and testing natively
 )
 
 wanted_packages=("${kel_packages[@]}") # these, and what a verb needs besides

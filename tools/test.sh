@@ -14,13 +14,18 @@ print_sum() {
 
 # Set-up, build, all tests; fails if any does.
 run_tests() {
+    local prefix_maker
     at_exit finish_tests
     ended_early=yes
     take_lock 7 "$kel_build/.test-lock" "testing"
     lock_build
     set_up
+    # Making the prefix is waiting for the most part.
+    make_prefix &
+    prefix_maker=$!
+    at_exit end_process "$prefix_maker"
     build_all
-    make_prefix
+    wait "$prefix_maker" || exit
     unlock_build
 
     run_program "the portable core, natively" "$kel_build/native/tests/core/kel_core_tests"
