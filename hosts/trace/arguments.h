@@ -12,7 +12,7 @@
 
 #include "com/error.h"
 #include "com/text.h"
-#include "hosts/trace/model/json.h"
+#include "hosts/trace/model/event.h"
 #include "interfaces/KelUtils.h"
 
 namespace kel::trace {

@@ -5,7 +5,7 @@
 
 #include <functional>
 
-#include "hosts/trace/model/json.h"
+#include "hosts/trace/model/event.h"
 #include "hosts/trace/traced_object.h"
 
 namespace kel::trace {

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "hosts/kelrun/model/json.h"
 #include "hosts/kelrun/model/visible_text.h"
+#include "hosts/model/json.h"
 
 namespace kel::kelrun {
 namespace {
@@ -34,13 +34,11 @@ std::string toJson(std::span<const Diagnostic> diagnostics) {
     std::string text = "[";
     for (const Diagnostic& diagnostic : diagnostics) {
         text += text.size() > 1 ? ",\n" : "\n";
-        text += JsonObject()
-                    .add("file", diagnostic.file)
-                    .add("line", static_cast<long long>(diagnostic.line))
-                    .add("column", static_cast<long long>(diagnostic.column))
-                    .add("severity", severity(diagnostic))
-                    .add("message", diagnostic.message)
-                    .text();
+        text += hosts::write(hosts::Json::Object{{"file", diagnostic.file},
+                                                 {"line", diagnostic.line},
+                                                 {"column", diagnostic.column},
+                                                 {"severity", severity(diagnostic)},
+                                                 {"message", diagnostic.message}});
     }
     return text + "\n]\n";
 }

@@ -1,7 +1,7 @@
 #include "hosts/kelrun/model/dialogue_text.h"
 
-#include "hosts/kelrun/model/unicode.h"
 #include "hosts/kelrun/model/visible_text.h"
+#include "hosts/model/unicode.h"
 
 namespace kel::kelrun {
 namespace {
@@ -23,7 +23,7 @@ std::string DialogueText::next(std::u16string_view piece) {
         atLineStart_ = character == u'\r' || character == u'\n';
         readable += atLineStart_ ? u'\n' : visible(character);
     }
-    return toUtf8(readable);
+    return hosts::toUtf8(readable);
 }
 
 std::string ErrorLines::next(std::string_view piece) {

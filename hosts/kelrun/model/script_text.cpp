@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "hosts/kelrun/model/unicode.h"
+#include "hosts/model/unicode.h"
 
 namespace kel::kelrun {
 namespace {
@@ -33,7 +33,7 @@ std::optional<std::u16string> decode(std::string_view bytes) {
     if (takePrefix(bytes, kUtf16LittleEndianMark)) return decodeUtf16(bytes, 0);
     if (takePrefix(bytes, kUtf16BigEndianMark)) return decodeUtf16(bytes, 1);
     const bool isMarked = takePrefix(bytes, kUtf8Mark);
-    auto text = toUtf16(bytes);
+    auto text = hosts::tryToUtf16(bytes);
     if (isMarked && !text) throw std::invalid_argument("is marked as UTF-8 but is not");
     return text;
 }

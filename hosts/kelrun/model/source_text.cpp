@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
-#include "hosts/kelrun/model/unicode.h"
 #include "hosts/kelrun/model/visible_text.h"
+#include "hosts/model/unicode.h"
 
 namespace kel::kelrun {
 namespace {
@@ -33,20 +33,9 @@ bool isIn(const Range (&ranges)[size], char32_t character) {
     });
 }
 
-bool isPair(std::u16string_view text) {
-    return text.size() > 1 && text[0] >= 0xD800 && text[0] <= 0xDBFF && text[1] >= 0xDC00 &&
-           text[1] <= 0xDFFF;
-}
-
-char32_t codePoint(std::u16string_view character) {
-    if (!isPair(character)) return character[0];
-    return 0x10000 + ((character[0] - 0xD800u) << 10) + (character[1] - 0xDC00u);
-}
-
 // What moves the caret as far as the character moves what follows it.
-std::string_view blank(std::u16string_view character) {
-    if (character == u"\t") return "\t";
-    const char32_t code = codePoint(character);
+std::string_view blank(char32_t code) {
+    if (code == U'\t') return "\t";
     if (isIn(kCombining, code)) return "";
     return isIn(kWide, code) ? "  " : " ";
 }
@@ -55,11 +44,11 @@ std::string caretLine(std::u16string_view line, std::size_t column, const ByteCo
     std::string caret;
     std::size_t next = 1;
     while (!line.empty()) {
-        const std::u16string_view character = line.substr(0, isPair(line) ? 2 : 1);
-        next += bytesOf(character);
+        const auto [code, size] = hosts::frontCharacter(line);
+        next += bytesOf(line.substr(0, size));
         if (next > column) break;
-        caret += blank(character);
-        line.remove_prefix(character.size());
+        caret += blank(code);
+        line.remove_prefix(size);
     }
     return caret + '^';
 }
@@ -75,7 +64,7 @@ std::u16string SourceText::line(std::size_t number) {
 std::string SourceText::excerpt(std::size_t number, std::size_t column, const ByteCount& bytesOf) {
     if (!moveTo(number) || end_ == start_ || end_ - start_ > kLongestShown) return {};
     const std::u16string text = line(number);
-    return oneLine(toUtf8(text)) + '\n' + caretLine(text, column, bytesOf) + '\n';
+    return oneLine(hosts::toUtf8(text)) + '\n' + caretLine(text, column, bytesOf) + '\n';
 }
 
 bool SourceText::moveTo(std::size_t number) {

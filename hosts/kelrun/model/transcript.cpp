@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "hosts/kelrun/model/unicode.h"
+#include "hosts/model/unicode.h"
 
 namespace kel::kelrun {
 namespace {
@@ -33,7 +33,7 @@ void Transcript::lineStarted(std::string_view file, std::size_t line) {
     finishShown();
     file_ = file;
     line_ = line;
-    write("line", file == script_ ? toUtf8(source_.line(line)) : std::string());
+    write("line", file == script_ ? hosts::toUtf8(source_.line(line)) : std::string());
 }
 
 void Transcript::sent(std::string_view text) {
@@ -65,7 +65,7 @@ void Transcript::shown(std::u16string_view piece) {
         const std::size_t size = kEchoedErrorMark.size() + expected_.front().size();
         if (undecided_.size() < size) return;
         finishReceived();
-        write("echo", toUtf8(std::u16string_view(undecided_).substr(0, size)));
+        write("echo", hosts::toUtf8(std::u16string_view(undecided_).substr(0, size)));
         undecided_.erase(0, size);
         expected_.pop_front();
     }
@@ -74,7 +74,9 @@ void Transcript::shown(std::u16string_view piece) {
 
 void Transcript::ended(int exitCode, std::string_view words) {
     finishShown();
-    write_(entry("result", words).add("code", exitCode).text() + '\n');
+    hosts::Json::Object result = entry("result", words);
+    result.push_back({"code", exitCode});
+    write_(hosts::write(result) + '\n');
 }
 
 void Transcript::receive(std::u16string_view text) {
@@ -85,7 +87,7 @@ void Transcript::receive(std::u16string_view text) {
 }
 
 void Transcript::finishReceived() {
-    if (!received_.empty()) write("received", toUtf8(std::exchange(received_, {})));
+    if (!received_.empty()) write("received", hosts::toUtf8(std::exchange(received_, {})));
 }
 
 void Transcript::finishShown() {
@@ -94,14 +96,11 @@ void Transcript::finishShown() {
 }
 
 void Transcript::write(std::string_view kind, std::string_view text) {
-    write_(entry(kind, text).text() + '\n');
+    write_(hosts::write(entry(kind, text)) + '\n');
 }
 
-JsonObject Transcript::entry(std::string_view kind, std::string_view text) const {
-    JsonObject object;
-    object.add("ms", now_()).add("kind", kind).add("text", text).add("file", file_);
-    object.add("line", static_cast<long long>(line_));
-    return object;
+hosts::Json::Object Transcript::entry(std::string_view kind, std::string_view text) const {
+    return {{"ms", now_()}, {"kind", kind}, {"text", text}, {"file", file_}, {"line", line_}};
 }
 
 }  // namespace kel::kelrun

@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "hosts/kelrun/model/json.h"
 #include "hosts/kelrun/model/source_text.h"
+#include "hosts/model/json.h"
 
 namespace kel::kelrun {
 
@@ -46,7 +46,7 @@ private:
     void finishReceived();
     void finishShown();
     void write(std::string_view kind, std::string_view text);
-    JsonObject entry(std::string_view kind, std::string_view text) const;
+    hosts::Json::Object entry(std::string_view kind, std::string_view text) const;
 
     Milliseconds now_;
     Write write_;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "hosts/kelrun/model/unicode.h"
+#include "hosts/model/unicode.h"
 
 namespace kel::kelrun {
 namespace {
@@ -18,14 +18,15 @@ char16_t visible(char16_t character) {
     if (character == u'\t') return character;
     if (character < u' ') return static_cast<char16_t>(kFirstControlPicture + character);
     if (character == kDelete) return kDeletePicture;
-    if (character > kDelete && character <= kLastUpperControl) return kReplacementCharacter;
+    if (character > kDelete && character <= kLastUpperControl) return hosts::kReplacementCharacter;
     return character;
 }
 
 std::string oneLine(std::string_view text) {
-    std::u16string readable = toUtf16(text).value_or(std::u16string(1, kReplacementCharacter));
+    auto readable =
+        hosts::tryToUtf16(text).value_or(std::u16string(1, hosts::kReplacementCharacter));
     std::ranges::transform(readable, readable.begin(), visible);
-    return toUtf8(readable);
+    return hosts::toUtf8(readable);
 }
 
 }  // namespace kel::kelrun

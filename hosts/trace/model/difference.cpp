@@ -1,13 +1,13 @@
 #include "hosts/trace/model/difference.h"
 
-#include "hosts/trace/model/unicode.h"
+#include "hosts/model/unicode.h"
 
 namespace kel::trace {
 namespace {
 
 std::string describe(const Position& position) {
     const std::string line = "line " + std::to_string(position.line);
-    return position.file.empty() ? line : utf8(position.file) + ", " + line;
+    return position.file.empty() ? line : hosts::toUtf8(position.file) + ", " + line;
 }
 
 }  // namespace

@@ -4,15 +4,13 @@
 #include <cmath>
 #include <cstdio>
 
-#include "hosts/trace/model/unicode.h"
-
 namespace kel::trace {
 namespace {
 
-std::u16string hexadecimal(std::uint32_t code) {
+Json hexadecimal(std::uint32_t code) {
     char text[11];
     std::snprintf(text, sizeof text, "0x%08lX", static_cast<unsigned long>(code));
-    return utf16(text);
+    return text;
 }
 
 std::uint32_t codeOf(const Json& json) {
@@ -109,7 +107,7 @@ std::string toLine(const Event& event) {
 }
 
 Event fromLine(std::string_view line) {
-    const Json json = readJson(line);
+    const Json json = hosts::readJson(line);
     Event event;
     event.time = json.at("t").number();
     if (json.find("call")) {

@@ -7,9 +7,11 @@
 #include <string_view>
 #include <variant>
 
-#include "hosts/trace/model/json.h"
+#include "hosts/model/json.h"
 
 namespace kel::trace {
+
+using hosts::Json;
 
 // Where in a script the host is; line 0 when it has not told.
 struct Position {

@@ -7,7 +7,7 @@ constexpr std::string_view kFormat = "kel-trace";
 constexpr std::int64_t kVersion = 1;
 
 void checkHeader(std::string_view line) {
-    const Json header = readJson(line);
+    const Json header = hosts::readJson(line);
     if (header.at("format").utf8Text() != kFormat) {
         throw std::invalid_argument("This is no trace of an instrument link");
     }

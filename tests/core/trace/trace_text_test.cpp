@@ -4,7 +4,6 @@
 
 #include "hosts/trace/model/speed.h"
 #include "hosts/trace/model/trace_text.h"
-#include "hosts/trace/model/unicode.h"
 
 namespace kel::trace {
 namespace {
@@ -21,7 +20,6 @@ TEST(TraceText, HostileTextsComeBackOnOneLine) {
         const auto shown = std::get<Shown>(fromLine(line).what);
         EXPECT_EQ(shown.text, text);
         EXPECT_TRUE(shown.isByCaller);
-        EXPECT_EQ(utf16(utf8(text)), text);
     }
 }
 

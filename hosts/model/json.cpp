@@ -1,11 +1,11 @@
-#include "hosts/trace/model/json.h"
+#include "hosts/model/json.h"
 
 #include <charconv>
 #include <cstdio>
 
-#include "hosts/trace/model/unicode.h"
+#include "hosts/model/unicode.h"
 
-namespace kel::trace {
+namespace kel::hosts {
 namespace {
 
 template <class Kind>
@@ -15,27 +15,30 @@ const Kind& as(const Json& json, const char* expected) {
     return *value;
 }
 
+void writeEscape(std::string& line, char16_t unit) {
+    char escape[8];
+    std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(unit));
+    line += escape;
+}
+
 void writeText(std::string& line, std::u16string_view text) {
     line += '"';
-    std::size_t units = 0;
-    for (std::size_t i = 0; i < text.size(); i += units) {
-        units = unitsOfCharacter(text, i);
-        const char16_t unit = text[i];
-        const bool isAlone = units == 1 && (isHighSurrogate(unit) || isLowSurrogate(unit));
-        if (unit == u'"' || unit == u'\\') {
-            line += '\\';
-            line += static_cast<char>(unit);
-        } else if (unit == u'\r') {
+    while (!text.empty()) {
+        const auto [code, size] = frontCharacter(text);
+        if (code == U'"' || code == U'\\') {
+            line.append(1, '\\').append(1, static_cast<char>(code));
+        } else if (code == U'\r') {
             line += "\\r";
-        } else if (unit == u'\n') {
+        } else if (code == U'\n') {
             line += "\\n";
-        } else if (unit < 0x20 || unit == 0x7F || isAlone) {
-            char escape[8];
-            std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(unit));
-            line += escape;
+        } else if (code == U'\t') {
+            line += "\\t";
+        } else if (code < 0x20 || code == 0x7F || isHighSurrogate(code) || isLowSurrogate(code)) {
+            writeEscape(line, text[0]);
         } else {
-            line += utf8(text.substr(i, units));
+            line += toUtf8(text.substr(0, size));
         }
+        text.remove_prefix(size);
     }
     line += '"';
 }
@@ -70,7 +73,7 @@ struct Writer {
         line += '{';
         for (const Member& member : members) {
             if (&member != &members.front()) line += ',';
-            writeText(line, utf16(member.name));
+            writeText(line, toUtf16(member.name));
             line += ':';
             writeValue(line, member.value);
         }
@@ -84,7 +87,7 @@ void writeValue(std::string& line, const Json& json) {
 
 }  // namespace
 
-Json::Json(std::string_view text) : value(utf16(text)) {}
+Json::Json(std::string_view text) : value(toUtf16(text)) {}
 
 Json::Json(Object members) : value(std::move(members)) {}
 
@@ -104,7 +107,7 @@ const std::u16string& Json::text() const {
 }
 
 std::string Json::utf8Text() const {
-    return utf8(text());
+    return toUtf8(text());
 }
 
 const Json::Array& Json::array() const {
@@ -134,4 +137,4 @@ std::string write(const Json& json) {
     return line;
 }
 
-}  // namespace kel::trace
+}  // namespace kel::hosts

@@ -1,5 +1,5 @@
 #pragma once
-// Values of the trace file: JSON, written on one line.
+// JSON: its values, written on one line, and read.
 
 #include <concepts>
 #include <cstdint>
@@ -9,7 +9,7 @@
 #include <variant>
 #include <vector>
 
-namespace kel::trace {
+namespace kel::hosts {
 
 // A member of an object. A template, for the value's type is complete only below.
 template <class Value>
@@ -20,8 +20,8 @@ struct NamedValue {
     bool operator==(const NamedValue&) const = default;
 };
 
-// Texts are kept as the border has them, so that every one comes back as it was, well formed or
-// not; an integer and a number with a fraction are different values.
+// Texts are UTF-16, as the platform has them, so that every one comes back as it was, well formed
+// or not; an integer and a number with a fraction are different values.
 struct Json {
     using Array = std::vector<Json>;
     using Object = std::vector<NamedValue<Json>>;  // in the order in which they are written
@@ -35,7 +35,7 @@ struct Json {
     Json(double number) : value(number) {}
     Json(std::u16string text) : value(std::move(text)) {}
     Json(const char16_t* text) : value(std::u16string(text)) {}
-    // UTF-8.
+    // UTF-8; throws std::invalid_argument when it is not.
     Json(std::string_view text);
     Json(const char* text) : Json(std::string_view(text)) {}
     Json(const std::string& text) : Json(std::string_view(text)) {}
@@ -71,4 +71,4 @@ std::string write(const Json& json);
 // Throws std::invalid_argument, with a reason, for what is not exactly one value.
 Json readJson(std::string_view text);
 
-}  // namespace kel::trace
+}  // namespace kel::hosts

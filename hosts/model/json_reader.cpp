@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <charconv>
 
-#include "hosts/trace/model/json.h"
-#include "hosts/trace/model/unicode.h"
+#include "hosts/model/json.h"
+#include "hosts/model/unicode.h"
 
-namespace kel::trace {
+namespace kel::hosts {
 namespace {
 
 constexpr int kMostDepth = 32;
@@ -59,7 +59,7 @@ private:
         if (take("}")) return members;
         do {
             expect("\"");
-            std::string name = utf8(string());
+            std::string name = toUtf8(string());
             expect(":");
             members.push_back({std::move(name), value(depth + 1)});
         } while (take(","));
@@ -101,7 +101,7 @@ private:
         for (;;) {
             const std::size_t plain = rest_.find_first_of("\"\\");
             if (plain == rest_.npos) fail("a text does not end");
-            text += utf16(rest_.substr(0, plain));
+            text += toUtf16(rest_.substr(0, plain));
             const bool isEnd = rest_[plain] == '"';
             rest_.remove_prefix(plain + 1);
             if (isEnd) return text;
@@ -141,4 +141,4 @@ Json readJson(std::string_view text) {
     return Reader(text).document();
 }
 
-}  // namespace kel::trace
+}  // namespace kel::hosts

@@ -1,18 +1,12 @@
-#include "hosts/kelrun/model/unicode.h"
+#include "hosts/model/unicode.h"
 
-namespace kel::kelrun {
+#include <stdexcept>
+
+namespace kel::hosts {
 namespace {
 
 constexpr char32_t kFirstBeyond16Bits = 0x10000;
 constexpr char32_t kLastCharacter = 0x10FFFF;
-
-bool isHighSurrogate(char32_t unit) {
-    return unit >= 0xD800 && unit <= 0xDBFF;
-}
-
-bool isLowSurrogate(char32_t unit) {
-    return unit >= 0xDC00 && unit <= 0xDFFF;
-}
 
 void appendUtf8(std::string& text, char32_t character) {
     const auto append = [&](char32_t byte) { text += static_cast<char>(byte); };
@@ -74,22 +68,31 @@ std::optional<char32_t> takeCharacter(std::string_view& rest) {
 
 }  // namespace
 
+FrontCharacter frontCharacter(std::u16string_view text) {
+    const char32_t code = text[0];
+    if (!isHighSurrogate(code) || text.size() < 2 || !isLowSurrogate(text[1])) return {code, 1};
+    return {kFirstBeyond16Bits + ((code - 0xD800) << 10) + (text[1] - 0xDC00), 2};
+}
+
 std::string toUtf8(std::u16string_view text) {
     std::string result;
     result.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        char32_t character = text[i];
-        if (isHighSurrogate(character) && i + 1 < text.size() && isLowSurrogate(text[i + 1])) {
-            character = kFirstBeyond16Bits + ((character - 0xD800) << 10) + (text[++i] - 0xDC00);
-        } else if (isHighSurrogate(character) || isLowSurrogate(character)) {
-            character = kReplacementCharacter;
-        }
-        appendUtf8(result, character);
+    while (!text.empty()) {
+        const auto [code, size] = frontCharacter(text);
+        const bool isHalf = isHighSurrogate(code) || isLowSurrogate(code);
+        appendUtf8(result, isHalf ? kReplacementCharacter : code);
+        text.remove_prefix(size);
     }
     return result;
 }
 
-std::optional<std::u16string> toUtf16(std::string_view text) {
+std::u16string toUtf16(std::string_view text) {
+    auto result = tryToUtf16(text);
+    if (!result) throw std::invalid_argument("The text is not UTF-8");
+    return *std::move(result);
+}
+
+std::optional<std::u16string> tryToUtf16(std::string_view text) {
     std::u16string result;
     result.reserve(text.size());
     while (!text.empty()) {
@@ -100,4 +103,4 @@ std::optional<std::u16string> toUtf16(std::string_view text) {
     return result;
 }
 
-}  // namespace kel::kelrun
+}  // namespace kel::hosts
