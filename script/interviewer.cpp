@@ -2,6 +2,10 @@
 
 #include <windows.h>
 
+#include <stdexcept>
+
+#include "script/question_dialog.h"
+
 namespace kel::script {
 namespace {
 
@@ -10,11 +14,33 @@ constexpr std::string_view kMissingAnswer = "No answer was set for";
 
 }  // namespace
 
-Answers Interviewer::ask(const Question& question) const {
-    if (!isUnattended_) {
-        report_("Dialogs are not implemented in this version", {});
+Answers Interviewer::ask(const Question& question) {
+    return isUnattended_ ? askUnattended(question) : askUser(question);
+}
+
+void Interviewer::cancelQuestion() {
+    if (open_) open_->cancel();
+}
+
+Answers Interviewer::askUser(const Question& question) {
+    struct Open {
+        ~Open() { place = nullptr; }
+        QuestionDialog*& place;
+    };
+    QuestionDialog dialog(question);
+    const Open open{open_ = &dialog};
+    // The engine has no other word for a window that cannot be made than for one that was
+    // cancelled.
+    try {
+        return dialog.ask(ui::livingWindow(parentWindow_));
+    } catch (const com::Error&) {
+        return std::nullopt;
+    } catch (const std::length_error&) {
         return std::nullopt;
     }
+}
+
+Answers Interviewer::askUnattended(const Question& question) const {
     std::string missing;
     Answers answers = answers_.answer(question, missing);
     if (!answers) report_(kMissingAnswer, {missing});
@@ -23,8 +49,7 @@ Answers Interviewer::ask(const Question& question) const {
 
 Confirmation Interviewer::confirm(const com::Bstr& text) const {
     if (isUnattended_) return confirmUnattended();
-    const HWND window = reinterpret_cast<HWND>(parentWindow_);
-    const HWND owner = IsWindow(window) ? window : nullptr;
+    const HWND owner = ui::livingWindow(parentWindow_);
     const int button = MessageBoxW(owner, text.get(), L"Message", MB_OKCANCEL | MB_ICONEXCLAMATION);
     return button == IDOK ? Confirmation::Ok : Confirmation::Cancelled;
 }

@@ -20,6 +20,8 @@ using ErrorReport =
 // What came of a message box. Where none could be shown, that has been reported.
 enum class Confirmation { Ok, Cancelled, NotAsked };
 
+class QuestionDialog;
+
 class Interviewer {
 public:
     // `rules` and `parentWindow`, the owner of every window, must outlive the interviewer.
@@ -33,19 +35,25 @@ public:
         answers_.set(name, std::move(answer));
     }
 
-    // Nothing when the user cancelled, or an answer is missing.
-    Answers ask(const Question& question) const;
+    // Nothing when the user cancelled, an answer is missing, or no window could be made.
+    Answers ask(const Question& question);
+
+    // Closes the window of a question as its Cancel button does.
+    void cancelQuestion();
 
     // A box with OK and Cancel.
     Confirmation confirm(const com::Bstr& text) const;
 
 private:
+    Answers askUnattended(const Question& question) const;
+    Answers askUser(const Question& question);
     Confirmation confirmUnattended() const;
 
     PreparedAnswers answers_;
     const long& parentWindow_;
     ErrorReport report_;
     bool isUnattended_ = false;
+    QuestionDialog* open_ = nullptr;
 };
 
 }  // namespace kel::script

@@ -23,8 +23,7 @@ void callHandler(RunState& state, const WordHandler& handler, Call call) {
 }  // namespace
 
 LinkHost::LinkHost(RunState& state, IPreprocessor2& sink, const WordHandlers& directives,
-                   const WordHandlers& functions, const Interviewer& interviewer,
-                   ErrorReport report)
+                   const WordHandlers& functions, Interviewer& interviewer, ErrorReport report)
     : state_(state),
       sink_(sink),
       directives_(directives),
@@ -102,6 +101,8 @@ FunctionOutcome LinkHost::callFunction(std::size_t row, std::span<const std::str
 }
 
 Answers LinkHost::ask(const Question& question) {
+    // An observer may have cancelled the run since the engine looked.
+    if (state_.cancelRequested) return std::nullopt;
     return interviewer_.ask(question);
 }
 

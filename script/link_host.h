@@ -17,7 +17,7 @@ class LinkHost final : public Host {
 public:
     // `report` tells an error of the running script. All must outlive the host.
     LinkHost(RunState& state, IPreprocessor2& sink, const WordHandlers& directives,
-             const WordHandlers& functions, const Interviewer& interviewer, ErrorReport report);
+             const WordHandlers& functions, Interviewer& interviewer, ErrorReport report);
 
     void echo(std::string_view text) override;
     void endErrorReport() override;
@@ -41,7 +41,7 @@ private:
     IPreprocessor2& sink_;
     const WordHandlers& directives_;
     const WordHandlers& functions_;
-    const Interviewer& interviewer_;
+    Interviewer& interviewer_;
     ErrorReport report_;
 };
 

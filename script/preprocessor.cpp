@@ -97,8 +97,11 @@ HRESULT Preprocessor::InstallCustomDirective(BSTR name, IPreprocessorExtension* 
 }
 
 HRESULT Preprocessor::Cancel() {
-    if (isRunning()) state_.cancelRequested = true;
-    return S_OK;
+    return guarded<IPreprocessorControl>([&] {
+        if (!isRunning()) return;
+        state_.cancelRequested = true;
+        interviewer_.cancelQuestion();
+    });
 }
 
 HRESULT Preprocessor::get_Cancelled(VARIANT_BOOL* cancelled) {

@@ -85,6 +85,13 @@ void Dialog::create(WORD resource, HWND owner) {
     });
 }
 
+void Dialog::create(const DialogTemplate& description, HWND owner) {
+    runAs(false, [&] {
+        CreateDialogIndirectParamW(com::moduleInstance(), description.get(), owner, procedure,
+                                   reinterpret_cast<LPARAM>(this));
+    });
+}
+
 bool Dialog::command(int control, int) {
     if (control != IDOK && control != IDCANCEL) return false;
     end(control);
@@ -175,7 +182,8 @@ INT_PTR Dialog::process(UINT message, WPARAM wide, LPARAM longer) {
 
 INT_PTR Dialog::begin() {
     isInitialising_ = false;
-    centreWindow(window_, GetWindow(window_, GW_OWNER));
+    const bool isPart = (GetWindowLongW(window_, GWL_STYLE) & WS_CHILD) != 0;
+    if (!isPart) centreWindow(window_, GetWindow(window_, GW_OWNER));
     initialise();
     const HWND focus = initialFocus();
     if (!focus) return TRUE;

@@ -34,8 +34,9 @@ public:
     INT_PTR runModal(WORD resource, HWND owner);
     INT_PTR runModal(const DialogTemplate& description, HWND owner);
 
-    // Makes a modeless dialog, not yet visible. Throws as above.
+    // Makes a modeless dialog, not yet visible unless its description says so. Throws as above.
     void create(WORD resource, HWND owner);
+    void create(const DialogTemplate& description, HWND owner);
 
     // Null while there is none.
     HWND window() const { return window_; }

@@ -2,6 +2,7 @@
 
 #include "ui/model/formats.h"
 #include "ui/model/placement.h"
+#include "ui/model/scrolling.h"
 
 namespace kel::ui {
 
@@ -27,6 +28,16 @@ TEST(PlacementTest, StandsOverItsOwnerInsideTheWorkArea) {
     };
     for (const auto& row : cases)
         EXPECT_EQ(centred(row.window, row.over, kWorkArea), row.expected);
+}
+
+TEST(ScrollingTest, ShowsARowAndLeavesNoRoomEmpty) {
+    const Scrolling scrolling{50, 20, 10};
+    EXPECT_EQ(scrolling.to(-3), 0);
+    EXPECT_EQ(scrolling.to(31), 30);
+    EXPECT_EQ(scrolling.showing(9), 9);
+    EXPECT_EQ(scrolling.showing(29), 10);
+    EXPECT_EQ(scrolling.showing(30), 11);
+    EXPECT_EQ(scrolling.showing(49), 30);
 }
 
 TEST(FormatsTest, SizesAreInTheirLargestUnit) {
