@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "bench/link/message_loop.h"
 #include "com/error.h"
+#include "com/message_loop.h"
 
 namespace kel::bench {
 namespace {
@@ -164,8 +164,8 @@ bool Stream::idle(Clock::Moment deadline) {
         Sleep(static_cast<DWORD>(duration.count()));
         return true;
     }
-    sleepUntilMessage(duration);
-    return runWaitingMessages();
+    com::sleepUntilMessage(duration);
+    return com::runWaitingMessages();
 }
 
 Clock::Moment Stream::deadlineAfter(long milliseconds) const {

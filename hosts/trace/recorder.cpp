@@ -2,8 +2,8 @@
 
 #include <cstdio>
 
-#include "hosts/trace/message_loop.h"
 #include "hosts/trace/model/trace_text.h"
+#include "hosts/trace/waiting.h"
 
 namespace kel::trace {
 namespace {

@@ -1,8 +1,8 @@
 #include "hosts/trace/stage.h"
 
 #include "hosts/trace/arguments.h"
-#include "hosts/trace/message_loop.h"
 #include "hosts/trace/model/speed.h"
+#include "hosts/trace/waiting.h"
 
 namespace kel::trace {
 namespace {

@@ -1,8 +1,8 @@
-#include "bench/link/message_loop.h"
+#include "com/message_loop.h"
 
 #include <windows.h>
 
-namespace kel::bench {
+namespace kel::com {
 namespace {
 
 // A window that never validates its region would otherwise be asked to paint for ever.
@@ -29,4 +29,4 @@ void sleepUntilMessage(std::chrono::milliseconds duration) {
                                 MWMO_INPUTAVAILABLE);
 }
 
-}  // namespace kel::bench
+}  // namespace kel::com

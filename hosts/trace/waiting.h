@@ -1,5 +1,5 @@
 #pragma once
-// The thread's message loop, run while a replay waits as the link once did.
+// Waiting as the link once did, and the clock for it.
 
 #include <functional>
 

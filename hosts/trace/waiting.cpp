@@ -1,4 +1,4 @@
-#include "hosts/trace/message_loop.h"
+#include "hosts/trace/waiting.h"
 
 #include <windows.h>
 
@@ -6,26 +6,12 @@
 #include <chrono>
 #include <cmath>
 
+#include "com/message_loop.h"
+
 namespace kel::trace {
 namespace {
 
-// A window that never validates its region would otherwise be asked to paint for ever.
-constexpr int kMostMessages = 100;
 constexpr double kLongestSleep = 50;
-
-// False when the program is to end.
-bool runMessages() {
-    MSG message;
-    for (int i = 0; i < kMostMessages && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE); ++i) {
-        if (message.message == WM_QUIT) {
-            PostQuitMessage(static_cast<int>(message.wParam));
-            return false;
-        }
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
-    return true;
-}
 
 }  // namespace
 
@@ -36,13 +22,13 @@ double milliseconds() {
 
 bool waitUntil(double end, bool runsMessages, const std::function<bool()>& done) {
     for (;;) {
-        if (runsMessages && !runMessages()) return false;
+        if (runsMessages && !com::runWaitingMessages()) return false;
         if (done && done()) return true;
         const double left = end - milliseconds();
         if (left <= 0) return false;
         const auto sleep = static_cast<DWORD>(std::ceil(std::min(left, kLongestSleep)));
         if (runsMessages) {
-            MsgWaitForMultipleObjectsEx(0, nullptr, sleep, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+            com::sleepUntilMessage(std::chrono::milliseconds(sleep));
         } else {
             Sleep(sleep);
         }

@@ -3,7 +3,7 @@
 
 #include <chrono>
 
-namespace kel::bench {
+namespace kel::com {
 
 // Dispatches the messages that wait, at most a limited number. False when the program is to end:
 // the message that says so stays in the queue.
@@ -12,4 +12,4 @@ bool runWaitingMessages();
 // Sleeps, at the longest `duration`, until a message arrives.
 void sleepUntilMessage(std::chrono::milliseconds duration);
 
-}  // namespace kel::bench
+}  // namespace kel::com
