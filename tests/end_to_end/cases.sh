@@ -197,6 +197,29 @@ interrupt_again() {
     has_ended
 }
 
+# A form is closed by one, whether it is open already or about to open.
+test_closes_a_form_at_the_first_interrupt() {
+    local block='#DIALOG "Form"\nn=SERIALNUMBER()\nn=input("Number")\n#ENDDIALOG\nstatus\n'
+    instrument tcp
+    start_kelrun "$(script form.kel "$block")" "${connection[@]}" --interactive
+    wait_until "the instrument's answer" grep -q 'Serial Number' "$output"
+    kill -INT "$process"
+    finish_kelrun
+    [[ $code == 4 ]] || give_up "not cancelled"
+    expect "$errors" 'kelrun: form.kel was cancelled after ...'
+    ! grep -q State: "$output" || give_up "went on after the interrupt"
+}
+
+test_answers_a_form_of_five_values() {
+    instrument tcp
+    kelrun 0 "$(windows_path "$kel_root/examples/deploy-form.kel")" "${connection[@]}" \
+        --answer place=Pier --answer plan=BURST --answer interval=600 \
+        --answer declination=2.5 --answer erase=1
+    expect "$output" '>set station Pier' OK '>set interval 600' OK '>set declination 2.5' OK \
+        '>set burst 1024' OK '>set rate 4' OK '>savesetup' OK '>erase' OK '>deploy' OK '>status' \
+        'Station: Pier' 'State: deployed ...'
+}
+
 test_tells_which_component_is_not_registered() {
     local text library name
     text=$(script ver.kel ver)

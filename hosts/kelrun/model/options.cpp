@@ -79,7 +79,7 @@ constexpr Option kOptions[] = {
          options.answers.push_back(readNamed("--answer", value));
      },
      true},
-    {"--interactive", "", "shows message boxes instead", setFlag<&Options::interactive>},
+    {"--interactive", "", "asks the user instead", setFlag<&Options::interactive>},
     {"--script-path", "P", "where scripts look for scripts; else SCRIPT's folder",
      setText<&Options::scriptPath>},
     {"--system-path", "P", "where they look next", setText<&Options::systemPath>},
