@@ -1,9 +1,9 @@
 #include "bench/link/class_table.h"
 
-#include "bench/link/collection.h"
 #include "bench/link/communicator.h"
 #include "bench/link/network_stream.h"
 #include "bench/link/serial_stream.h"
+#include "com/collection.h"
 #include "interfaces/link_classes.h"
 
 namespace kel::bench {
@@ -22,7 +22,7 @@ com::ClassRow table[] = {
     {L"Communicator", &kCommunicatorClass, kNoScript, kCreate<Communicator>},
     {L"SerialStream", &link::kSerialStreamClass, kNoScript, kCreate<SerialStream>},
     {L"NetworkStream", &link::kNetworkStreamClass, kNoScript, kCreate<NetworkStream>},
-    {L"Collection", &link::kCollectionClass, kNoScript, kCreate<Collection>},
+    {L"Collection", &link::kCollectionClass, kNoScript, kCreate<com::Collection>},
 };
 
 }  // namespace

@@ -6,8 +6,8 @@
 namespace kel::bench {
 namespace {
 
-constexpr std::size_t kReadSize = 4096;
-constexpr std::size_t kWriteSize = 65536;
+constexpr std::size_t kTcpReadSize = 4096;
+constexpr std::size_t kTcpWriteSize = 65536;
 
 bool wouldWait() {
     return WSAGetLastError() == WSAEWOULDBLOCK;
@@ -89,7 +89,7 @@ void TcpConnection::close() {
 
 bool TcpConnection::receive(std::string& bytes) {
     if (!isOpen()) return false;
-    char buffer[kReadSize];
+    char buffer[kTcpReadSize];
     const int count = recv(socket_.get(), buffer, sizeof buffer, 0);
     if (count > 0) {
         bytes.append(buffer, static_cast<std::size_t>(count));
@@ -101,7 +101,7 @@ bool TcpConnection::receive(std::string& bytes) {
 
 std::size_t TcpConnection::send(std::string_view bytes) {
     if (!isOpen()) return 0;
-    const int size = static_cast<int>(std::min(bytes.size(), kWriteSize));
+    const int size = static_cast<int>(std::min(bytes.size(), kTcpWriteSize));
     const int count = ::send(socket_.get(), bytes.data(), size, 0);
     if (count >= 0) return static_cast<std::size_t>(count);
     if (!wouldWait()) close();

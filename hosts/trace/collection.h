@@ -1,9 +1,6 @@
 #pragma once
-// The link's general collection: its wrapper, and the container that a replay gives.
+// The link's general collection, wrapped.
 
-#include <vector>
-
-#include "com/variant.h"
 #include "hosts/trace/traced.h"
 
 namespace kel::trace {
@@ -29,23 +26,6 @@ public:
     STDMETHODIMP get__NewEnum(IUnknown** enumerator) override {
         return call<&ICollection::get__NewEnum, Treatment::kLocal>("get__NewEnum", enumerator);
     }
-};
-
-class Container final : public com::Object<Container, com::Dual<ICollection>> {
-public:
-    static constexpr com::ClassDescription kClass{};
-
-    STDMETHODIMP get_Count(long* count) override;
-    STDMETHODIMP get_Item(VARIANT index, VARIANT* item) override;
-    STDMETHODIMP Add(VARIANT item) override;
-    STDMETHODIMP Remove(VARIANT index) override;
-    STDMETHODIMP get__NewEnum(IUnknown** enumerator) override;
-
-private:
-    // Throws com::Error for what is no index of an item.
-    std::vector<com::Variant>::iterator at(const VARIANT& index);
-
-    std::vector<com::Variant> items_;
 };
 
 }  // namespace kel::trace

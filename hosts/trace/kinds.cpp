@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <type_traits>
 
+#include "com/collection.h"
 #include "hosts/trace/collection.h"
 #include "hosts/trace/communicator.h"
 #include "hosts/trace/services.h"
@@ -30,7 +31,7 @@ com::ComPtr<IUnknown> makeCollection(const std::shared_ptr<Session>& session,
                                      const std::string& name, IUnknown* inner) {
     com::ComPtr<IUnknown> container = inner;
     if (!container) {
-        container = com::createObject<Container>(nullptr, static_cast<Container**>(nullptr));
+        container = com::createObject<com::Collection>(nullptr, nullptr);
     }
     return make<CollectionWrapper>(session, name, container.Get());
 }

@@ -1,5 +1,5 @@
 #pragma once
-// The link's general collection.
+// A collection of values, as instrument links have one.
 
 #include <vector>
 
@@ -7,11 +7,11 @@
 #include "com/variant.h"
 #include "interfaces/KelUtils.h"
 
-namespace kel::bench {
+namespace kel::com {
 
-class Collection final : public com::Object<Collection, com::Dual<ICollection>> {
+class Collection final : public Object<Collection, Dual<ICollection>> {
 public:
-    static constexpr com::ClassDescription kClass{nullptr, L"BenchLink.Collection.1"};
+    static constexpr ClassDescription kClass{};
 
     STDMETHODIMP get_Count(long* count) override;
     STDMETHODIMP get_Item(VARIANT index, VARIANT* item) override;
@@ -20,10 +20,10 @@ public:
     STDMETHODIMP get__NewEnum(IUnknown** enumerator) override;
 
 private:
-    // Throws com::Error for what is no index of an item.
-    std::size_t position(const VARIANT& index) const;
+    // Throws Error for what is no index of an item.
+    std::vector<Variant>::iterator at(const VARIANT& index);
 
-    std::vector<com::Variant> items_;
+    std::vector<Variant> items_;
 };
 
-}  // namespace kel::bench
+}  // namespace kel::com
