@@ -2,11 +2,12 @@
 
 #include <windows.h>
 
-#include <string_view>
+#include <stdexcept>
 
 #include "bench/link/handle.h"
 #include "com/error.h"
 #include "com/text.h"
+#include "com/text_file.h"
 
 namespace kel::bench {
 namespace {
@@ -44,25 +45,15 @@ std::string readFile(const std::wstring& path) {
     return bytes;
 }
 
-// `high` and `low` are the places of the two bytes of a unit.
-std::wstring fromUtf16(std::string_view bytes, std::size_t high, std::size_t low) {
-    std::wstring text;
-    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-        text += static_cast<wchar_t>(static_cast<BYTE>(bytes[i + high]) << 8 |
-                                     static_cast<BYTE>(bytes[i + low]));
-    }
-    return text;
-}
-
 }  // namespace
 
 std::wstring readScriptFile(const std::wstring& path) {
-    const std::string file = readFile(path);
-    const std::string_view bytes = file;
-    if (bytes.starts_with("\xEF\xBB\xBF")) return com::widen(bytes.substr(3), CP_UTF8);
-    if (bytes.starts_with("\xFF\xFE")) return fromUtf16(bytes.substr(2), 1, 0);
-    if (bytes.starts_with("\xFE\xFF")) return fromUtf16(bytes.substr(2), 0, 1);
-    return com::widen(bytes);
+    const std::string bytes = readFile(path);
+    try {
+        return com::decodeTextFile(bytes);
+    } catch (const std::invalid_argument& reason) {
+        refuse(ERROR_INVALID_DATA, path, L"it " + com::widen(reason.what()));
+    }
 }
 
 }  // namespace kel::bench

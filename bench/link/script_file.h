@@ -5,8 +5,8 @@
 
 namespace kel::bench {
 
-// The text of a file in UTF-8 or UTF-16 when it says so by its first bytes, else in the user's code
-// page. Line ends are left as they are. Throws com::Error with a text that names the file.
+// The text of a file in UTF-8, UTF-16 (with a byte-order mark) or the user's code page. Line ends
+// are left as they are. Throws com::Error with a text that names the file.
 std::wstring readScriptFile(const std::wstring& path);
 
 }  // namespace kel::bench

@@ -6,10 +6,10 @@
 #include <stdexcept>
 
 #include "com/text.h"
+#include "com/text_file.h"
 #include "hosts/kelrun/error_text.h"
 #include "hosts/kelrun/file_handle.h"
 #include "hosts/kelrun/model/failure.h"
-#include "hosts/kelrun/model/script_text.h"
 
 namespace kel::kelrun {
 namespace {
@@ -73,8 +73,7 @@ private:
 std::wstring decode(const Reader& file) {
     const std::string bytes = file.readAll();
     try {
-        const auto text = decodeScript(bytes);
-        return text ? std::wstring(text->begin(), text->end()) : com::widen(bytes);
+        return com::decodeTextFile(bytes);
     } catch (const std::invalid_argument& reason) {
         file.refuse(reason.what());
     }

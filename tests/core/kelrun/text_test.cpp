@@ -1,35 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <stdexcept>
 #include <string>
 
 #include "hosts/kelrun/model/dialogue_text.h"
-#include "hosts/kelrun/model/script_text.h"
 
 namespace kel::kelrun {
 namespace {
-
-using namespace std::string_view_literals;
-
-TEST(KelrunScriptText, KnowsEncodingsByMarkAndContent) {
-    const struct {
-        std::string_view bytes;
-        std::optional<std::u16string> text;
-    } cases[] = {
-        {"", u""},
-        {"ver\r\n", u"ver\r\n"},
-        {"\xC2\xB0", u"\u00B0"},
-        {"\xB0", std::nullopt},
-        {"\xEF\xBB\xBF\xC2\xB0", u"\u00B0"},
-        {"\xFF\xFEv\0\xB0\0"sv, u"v\u00B0"},
-        {"\xFE\xFF\0v\x20\xAC"sv, u"v\u20AC"},
-    };
-    for (const auto& row : cases)
-        EXPECT_EQ(decodeScript(row.bytes), row.text);
-    // Marked but invalid, half a character, binary, UTF-16 without a mark.
-    for (const auto bytes : {"\xEF\xBB\xBF\xB0"sv, "\xFF\xFEv"sv, "MZ\x90\0"sv, "v\0e\0"sv})
-        EXPECT_THROW(decodeScript(bytes), std::invalid_argument);
-}
 
 TEST(KelrunDialogueText, MakesEveryLineEndOneLineFeed) {
     const struct {

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
+#include "com/text_file.h"
+
 namespace kel::com {
 namespace {
 
@@ -35,6 +39,26 @@ TEST(Text, WhatACodePageCannotHoldBecomesItsDefaultCharacter) {
     EXPECT_EQ(narrow(L"\xDC00z", kWestern), "?z");
     // A lead byte at the end has no character.
     EXPECT_EQ(widen("a\x83", kShiftJis).substr(0, 1), L"a");
+}
+
+TEST(TextFile, KnowsEncodingsByMarkAndContent) {
+    const struct {
+        std::string_view bytes;
+        std::wstring text;
+    } cases[] = {
+        {"", L""},
+        {"ver\r\n", L"ver\r\n"},
+        {"\xC2\xB0", L"\u00B0"},
+        {"\xB0", widen("\xB0")},
+        {"\xEF\xBB\xBF\xC2\xB0", L"\u00B0"},
+        {"\xFF\xFEv\0\xB0\0"sv, L"v\u00B0"},
+        {"\xFE\xFF\0v\x20\xAC"sv, L"v\u20AC"},
+    };
+    for (const auto& row : cases)
+        EXPECT_EQ(decodeTextFile(row.bytes), row.text);
+    // Marked but invalid, half a character, binary, UTF-16 without a mark.
+    for (const auto bytes : {"\xEF\xBB\xBF\xB0"sv, "\xFF\xFEv"sv, "MZ\x90\0"sv, "v\0e\0"sv})
+        EXPECT_THROW(decodeTextFile(bytes), std::invalid_argument);
 }
 
 }  // namespace
