@@ -1,7 +1,10 @@
 // The windows of a script's questions, used by keyboard as by any user.
 #include <fstream>
+#include <map>
 
+#include "com/variant.h"
 #include "script/question_dialog.h"
+#include "tests/support/cases.h"
 #include "tests/wine/script/preprocessor_fixture.h"
 #include "tests/wine/support/dialog_driver.h"
 #include "tests/wine/support/dialog_faults.h"
@@ -10,23 +13,51 @@
 namespace kel::test {
 namespace {
 
-constexpr int kFirst = script::QuestionDialog::kFirstField;
-
 // A field of the open form, in its pane if it has one.
 HWND field(DialogDriver& user, int row) {
     const HWND pane = FindWindowExW(user.window(), nullptr, L"#32770", nullptr);
-    return GetDlgItem(pane ? pane : user.window(), kFirst + row);
+    return GetDlgItem(pane ? pane : user.window(), script::QuestionDialog::kFirstField + row);
 }
 
-// Presses a key that moves the focus, and waits until it has arrived.
-void moveTo(DialogDriver& user, HWND target, WORD modifier = 0) {
+// Presses a key that moves the focus, and waits until it has moved.
+void tab(DialogDriver& user, WORD modifier = 0) {
+    const HWND before = user.focus();
     user.key(VK_TAB, modifier);
-    user.waitUntil("the focus", [&] { return user.focus() == target; });
+    user.waitUntil("the focus", [&] { return user.focus() != before; });
 }
 
-std::string fifty() {
+// What a user does: a word, and a text after a blank.
+void act(DialogDriver& user, std::string_view line) {
+    const std::string_view word = line.substr(0, line.find(' '));
+    const std::wstring text =
+        com::widen(line.substr(std::min(word.size() + 1, line.size())), CP_UTF8);
+    const std::map<std::string_view, WORD> keys = {{"space", VK_SPACE},
+                                                   {"down", VK_DOWN},
+                                                   {"end", VK_END},
+                                                   {"enter", VK_RETURN},
+                                                   {"escape", VK_ESCAPE}};
+    if (word == "wait") {
+        user.waitFor(text);
+    } else if (word == "type") {
+        user.type(text);
+    } else if (word == "tab") {
+        tab(user);
+    } else if (word == "cancel") {
+        user.press(IDCANCEL);
+    } else if (word == "close") {
+        PostMessageW(user.window(), WM_CLOSE, 0, 0);
+    } else if (word == "caption") {
+        wchar_t caption[64] = L"";
+        InternalGetWindowText(GetWindow(user.focus(), GW_HWNDPREV), caption, 64);
+        EXPECT_EQ(caption, text);
+    } else {
+        user.key(keys.at(word));
+    }
+}
+
+std::string form(int rows) {
     std::string script = "#DIALOG \"Fifty\"\n";
-    for (int i = 0; i < 50; ++i) {
+    for (int i = 0; i < rows; ++i) {
         const std::string name = "v" + std::to_string(i);
         const char* const kinds[] = {"input(\"Value ", "check(\"Option ", "select(\"Choice "};
         script += name + "=" + kinds[i % 3] + std::to_string(i) + "\", \"1\", \"two\")\n";
@@ -36,39 +67,53 @@ std::string fifty() {
 
 class QuestionTest : public PreprocessorTest {
 protected:
-    std::string variable(std::wstring_view name) const {
-        com::Bstr value;
-        com::check(preprocessor_->get_Variable(com::Bstr(name).get(), value.put()));
-        return com::narrow(value.get());
+    // One "name=value" a line.
+    std::string variables() const {
+        com::ComPtr<IFlatCollection> all;
+        com::check(preprocessor_->get_Variables(&all));
+        long count = 0;
+        com::check(all->get_Count(&count));
+        std::string text;
+        for (long i = 0; i < count; ++i) {
+            com::Bstr name;
+            com::Variant value;
+            com::check(all->get_Name(i, name.put()));
+            com::check(all->get_Item(com::Variant(i).get(), value.put()));
+            text += com::narrow(name.view(), CP_UTF8) + "=" +
+                    com::narrow(com::widen(value.toText()), CP_UTF8) + "\n";
+        }
+        return text;
     }
 };
+
+TEST_F(QuestionTest, Cases) {
+    for (const Case& row : readCases(KEL_QUESTIONS)) {
+        SCOPED_TRACE(testing::PrintToString(row));
+        const Step& step = row.steps.front();
+        com::check(preprocessor_->ClearVariables());
+        const DialogDriver user([&](DialogDriver& driver) {
+            for (const std::string& line : step.settings)
+                act(driver, line);
+        });
+        const bool result = runWide(com::widen(step.text(), CP_UTF8));
+        EXPECT_EQ((result ? "true\n" : "false\n") + variables() + link_.takeWork(), step.expected);
+    }
+}
 
 TEST_F(QuestionTest, TheExampleIsAnsweredByKeyboardAlone) {
     std::ifstream file(KEL_EXAMPLES_FOLDER "/deploy-form.kel");
     const std::string script{std::istreambuf_iterator<char>(file), {}};
     const DialogDriver user([](DialogDriver& driver) {
-        const HWND form = driver.waitFor(L"Deployment");
-        EXPECT_EQ(faultsOf(form), std::vector<std::string>());
-        EXPECT_EQ(driver.focus(), field(driver, 0));
-        driver.type(L"Pier");  // in the place of what is selected
-        moveTo(driver, field(driver, 1));
-        driver.key(VK_DOWN);
-        moveTo(driver, field(driver, 2));
-        driver.type(L"600");
-        moveTo(driver, field(driver, 3));
-        moveTo(driver, field(driver, 4));
-        driver.key(VK_SPACE);
-        driver.key(VK_RETURN);
+        act(driver, "wait Deployment");
+        EXPECT_EQ(faultsOf(driver.window()), std::vector<std::string>());
+        for (const char* line :
+             {"type Pier", "tab", "down", "tab", "type 600", "tab", "tab", "space", "enter"})
+            act(driver, line);
     });
     EXPECT_TRUE(run(script));
-    std::string lines;
-    for (const std::string& call : link_.calls)
-        if (call.starts_with("WriteString \"set ")) lines += call + "\n";
-    EXPECT_EQ(lines,
-              "WriteString \"set station Pier\" 0\nWriteString \"set interval 600\" 0\n"
-              "WriteString \"set declination -1.5\" 0\nWriteString \"set burst 1024\" 0\n"
-              "WriteString \"set rate 4\" 0\n");
-    EXPECT_EQ(variable(L"erase"), "1");
+    EXPECT_EQ(variables(), "place=Pier\nplan=burst\ninterval=600\ndeclination=-1.5\nerase=1\n");
+    const std::string work = link_.takeWork();
+    EXPECT_NE(work.find("\"set station Pier\""), work.npos) << work;
 }
 
 TEST_F(QuestionTest, ControlsAreOfTheirClassesAndStyles) {
@@ -101,64 +146,6 @@ TEST_F(QuestionTest, ControlsAreOfTheirClassesAndStyles) {
         driver.press(IDOK);
     });
     EXPECT_TRUE(run("#DIALOG \"T\"\ninput(\"a\")\ncheck(\"b\")\nselect(\"c\", \"d\")\n#ENDDIALOG"));
-}
-
-TEST_F(QuestionTest, EveryKindOfOneControlFormGivesItsResult) {
-    const struct {
-        const wchar_t* script;
-        std::function<void(DialogDriver&)> answer;
-        const wchar_t* caption;
-        const wchar_t* result;
-    } cases[] = {
-        {L"@v=\"100 °\"\n@v=input(\"'Kühlung' & Größe\", \"x\")", [](DialogDriver&) {},
-         L"'Kühlung' && Größe", L"100 °"},
-        {L"@v=input(\"Text\")", [](DialogDriver& user) { user.type(L"\"Süd\", 'ß'"); }, L"Text",
-         L"\"Süd\", 'ß'"},
-        {L"@v=check(\"On\", \"1\")", [](DialogDriver&) {}, L"On", L"1"},
-        {L"@v=(\"Text\", \"i\")", [](DialogDriver&) {}, L"Text", L"i"},
-        {L"@v=check(\"On\", \"1\")", [](DialogDriver& user) { user.key(VK_SPACE); }, L"On", L"0"},
-        {L"@v=\"ZWEI\"\n@v=select(\"Which\", \"eins\", \"zwei\", \"drei\")", [](DialogDriver&) {},
-         L"Which", L"zwei"},
-        {L"@v=select(\"Which\", \"ä\", \"ö\")", [](DialogDriver& user) { user.key(VK_END); },
-         L"Which", L"ö"},
-        {L"@v=select(\"Nothing\")", [](DialogDriver&) {}, L"Nothing", L""},
-    };
-    for (const auto& row : cases) {
-        SCOPED_TRACE(com::narrow(std::wstring_view(row.script)));
-        const DialogDriver user([&](DialogDriver& driver) {
-            driver.waitFor(L"Input");
-            wchar_t caption[64] = L"";
-            InternalGetWindowText(GetWindow(field(driver, 0), GW_HWNDPREV), caption, 64);
-            EXPECT_STREQ(caption, row.caption);
-            EXPECT_EQ(driver.focus(), field(driver, 0));
-            row.answer(driver);
-            driver.key(VK_RETURN);
-        });
-        com::check(preprocessor_->ClearVariables());
-        EXPECT_TRUE(runWide(row.script));
-        EXPECT_EQ(variable(L"v"), com::narrow(std::wstring_view(row.result)));
-    }
-}
-
-TEST_F(QuestionTest, CancellingStopsTheScript) {
-    const std::function<void(DialogDriver&)> ways[] = {
-        [](DialogDriver& user) { user.key(VK_ESCAPE); },
-        [](DialogDriver& user) { user.press(IDCANCEL); },
-        [](DialogDriver& user) { PostMessageW(user.window(), WM_CLOSE, 0, 0); },
-    };
-    for (const auto& way : ways) {
-        for (const bool isBlock : {true, false}) {
-            const DialogDriver user([&](DialogDriver& driver) {
-                driver.waitFor(isBlock ? L"Block" : L"Input");
-                way(driver);
-            });
-            EXPECT_FALSE(run(isBlock ? "#DIALOG \"Block\"\nv=input(\"a\")\n#ENDDIALOG\nx"
-                                     : "@v=input(\"a\")\nx"));
-            EXPECT_EQ(link_.takeWork(),
-                      isBlock ? "" : report("Error evaluating expression:", "input"));
-            EXPECT_THROW(variable(L"v"), com::Error);
-        }
-    }
 }
 
 // While it is open the host may call anything.
@@ -197,11 +184,8 @@ TEST_F(QuestionTest, AnOpenFormSurvivesItsHost) {
 }
 
 TEST_F(QuestionTest, TheOwnerMayBeGoneOrGo) {
-    const auto makeOwner = [] {
-        return CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr,
-                             nullptr);
-    };
-    const HWND owner = makeOwner();
+    const HWND owner =
+        CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
     com::check(preprocessor_->put_ParentWindow(HandleToLong(owner)));
     bench::test::TestWindow host;
     host.post([&] {
@@ -209,12 +193,6 @@ TEST_F(QuestionTest, TheOwnerMayBeGoneOrGo) {
         DestroyWindow(owner);
     });
     EXPECT_FALSE(run("#DIALOG \"Owned\"\nv=input(\"a\")\n#ENDDIALOG"));
-    const DialogDriver user([](DialogDriver& driver) {
-        driver.waitFor(L"");
-        EXPECT_EQ(driver.focus(), driver.control(IDOK));
-        driver.key(VK_RETURN);
-    });
-    EXPECT_TRUE(run("#DIALOG\n#ENDDIALOG"));
 }
 
 TEST_F(QuestionTest, FiftyControlsScroll) {
@@ -235,22 +213,18 @@ TEST_F(QuestionTest, FiftyControlsScroll) {
             IntersectRect(&common, &area, &view);
             return EqualRect(&common, &area) != FALSE;
         };
-        const auto waitForView = [&](HWND control) {
-            driver.waitUntil("a control in view", [&] { return isInView(control); });
-        };
         const HWND first = field(driver, 0);
         EXPECT_EQ(driver.focus(), first);
         EXPECT_TRUE(isInView(first));
         EXPECT_FALSE(isInView(last));
-        moveTo(driver, driver.control(IDCANCEL), VK_SHIFT);
-        moveTo(driver, driver.control(IDOK), VK_SHIFT);
-        moveTo(driver, last, VK_SHIFT);
-        waitForView(last);
+        while (driver.focus() != last)
+            tab(driver, VK_SHIFT);
+        driver.waitUntil("the last one in view", [&] { return isInView(last); });
         const HWND choice = field(driver, 47);
         for (const HWND under : {choice, last, form}) {
             driver.send(pane, WM_VSCROLL, SB_BOTTOM);
             EXPECT_FALSE(isInView(first));
-            for (int notch = 0; notch < 9; ++notch)
+            for (int notch = 0; notch < 20; ++notch)
                 driver.send(under, WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA));
             EXPECT_TRUE(isInView(first));
         }
@@ -262,8 +236,19 @@ TEST_F(QuestionTest, FiftyControlsScroll) {
         }
         driver.key(VK_RETURN);
     });
-    EXPECT_TRUE(run(fifty()));
-    EXPECT_EQ(variable(L"v48") + variable(L"v49") + variable(L"v47"), "111");
+    EXPECT_TRUE(run(form(50)));
+    EXPECT_TRUE(variables().ends_with("v47=1\nv48=1\nv49=1\n")) << variables();
+}
+
+TEST_F(QuestionTest, NoFormOpensWhenNoneCan) {
+    EXPECT_FALSE(run(form(1001)));
+    const auto extension = install(L"STOP", true);
+    extension->onCall = [&](long, IFlatCollection*) -> Answer {
+        com::check(preprocessor_->Cancel());
+        return {};
+    };
+    EXPECT_FALSE(run("#DIALOG \"Cancelled\"\nSTOP()\nv=input(\"a\")\n#ENDDIALOG"));
+    EXPECT_TRUE(isCancelled());
 }
 
 }  // namespace
