@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "com/apartment.h"
 #include "com/error.h"
 #include "com/text.h"
 #include "com/variant.h"
@@ -25,14 +26,6 @@ using bench::WireEnd;
 constexpr UINT kCancelMessage = WM_APP;
 constexpr DWORD kAnswerDelay = 300;  // longer than the pause after a line, so that a wait is on
 constexpr double kYield = 1;         // the wait that is prescribed before each line
-
-class Apartment {
-public:
-    Apartment() { com::check(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)); }
-    ~Apartment() { CoUninitialize(); }
-    Apartment(const Apartment&) = delete;
-    Apartment& operator=(const Apartment&) = delete;
-};
 
 template <class Interface>
 com::ComPtr<Interface> create(const wchar_t* programIdentifier) {
@@ -183,7 +176,7 @@ double cancelled(const wchar_t* directive, DWORD delay) {
 }
 
 void measure(const char* scriptPath) {
-    const Apartment apartment;
+    const com::Apartment apartment;
     const com::Bstr script = readScript(scriptPath);
     std::vector<double> times;
     for (int i = 0; i < 7; ++i)

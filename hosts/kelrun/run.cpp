@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "com/apartment.h"
 #include "hosts/kelrun/check.h"
 #include "hosts/kelrun/error_text.h"
 #include "hosts/kelrun/model/visible_text.h"
@@ -19,14 +20,6 @@ namespace kel::kelrun {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-class Apartment {
-public:
-    Apartment() { com::check(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)); }
-    ~Apartment() { CoUninitialize(); }
-    Apartment(const Apartment&) = delete;
-    Apartment& operator=(const Apartment&) = delete;
-};
 
 // How the script ended, and why: nothing when there is no more to tell, or more than one line.
 struct Ending {
@@ -153,7 +146,7 @@ ExitCode run(const Options& options, ConsoleOutput& errors) {
         say(errors, script.name + " holds characters outside the user's code page; they are lost");
     }
 
-    const Apartment apartment;
+    const com::Apartment apartment;
     const Preprocessor preprocessor(options, script.folder);
     if (options.check) return showCheck(options, script, preprocessor, errors);
 
