@@ -22,8 +22,11 @@ HRESULT FakeExtension::FunctionHandler(IKelCommunicator*, long number, IFlatColl
 }
 
 PreprocessorTest::PreprocessorTest()
-    : preprocessor_(kelUtils().create<IPreprocessorControl>(CLSID_Preprocessor)) {
-    com::check(preprocessor_->put_Communicator(link_.communicator()));
+    : trace_(kelTrace().create<ITraceSession>(__uuidof(TraceSession))),
+      preprocessor_(kelUtils().create<IPreprocessorControl>(CLSID_Preprocessor)) {
+    com::ComPtr<IKelCommunicator> traced;
+    com::check(trace_->Attach(link_.communicator(), &traced));
+    com::check(preprocessor_->put_Communicator(traced.Get()));
 }
 
 bool PreprocessorTest::run(std::string_view script) {

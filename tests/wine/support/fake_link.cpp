@@ -187,21 +187,14 @@ std::string FakeLink::takeWork() {
     return work;
 }
 
-HRESULT FakeLink::call(const IID& interfaceId, const std::string& text,
-                       std::function<void()> answer) {
-    if (!text.empty()) {
-        calls.push_back(text);
-        if (onCall) onCall(text);
-    }
-    if (++callCount == failingCall) {
-        failedInterface = interfaceId;
-        return com::publish(kLinkFailure, kLinkFailureText, interfaceId, L"FakeLink");
-    }
-    return com::guard(interfaceId, L"FakeLink", answer);
-}
-
-HRESULT FakeLink::call(const IID& interfaceId, const std::string& text) {
-    return call(interfaceId, text, [] {});
+HRESULT FakeLink::call(const IID& iid, const std::string& text, std::function<void()> answer) {
+    return com::guard(iid, L"FakeLink", [&] {
+        if (!text.empty()) {
+            calls.push_back(text);
+            if (onCall) onCall(text);
+        }
+        answer();
+    });
 }
 
 HRESULT FakeLink::ask(const IID& interfaceId, const std::string& name, const std::string& arguments,

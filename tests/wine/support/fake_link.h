@@ -15,9 +15,6 @@
 
 namespace kel::test {
 
-inline constexpr HRESULT kLinkFailure = MAKE_HRESULT(SEVERITY_ERROR, FACILITY_ITF, 0x234);
-inline constexpr wchar_t kLinkFailureText[] = L"The cable is gone";
-
 class FakeLink {
 public:
     FakeLink();
@@ -30,14 +27,8 @@ public:
     // shown as escapes. Empties the log.
     std::string takeWork();
 
-    // Called inside each call that is told, before it is answered.
+    // Called inside each call that is told, before it is answered. The call fails as it throws.
     std::function<void(const std::string& call)> onCall;
-
-    // The call with this number (from 1, fetching the port included) fails with kLinkFailure;
-    // `failedInterface` tells where it struck.
-    std::size_t failingCall = 0;
-    std::size_t callCount = 0;
-    IID failedInterface = GUID_NULL;
 
     // Answers of the members that answer true or false, by the name in the log, in turn; true when
     // there are none left. True is sent as 1, which is not VARIANT_TRUE.
@@ -64,11 +55,10 @@ private:
     friend class FakeCommunicator;
     friend class FakeStream;
 
-    // The frame of every member: counts, tells, calls the hook, then fails or answers.
-    HRESULT call(const IID& interfaceId, const std::string& text, std::function<void()> answer);
-
-    // A member without results, and one that answers true or false.
-    HRESULT call(const IID& interfaceId, const std::string& text);
+    // The frame of every member: tells, calls the hook, answers.
+    HRESULT call(
+        const IID& iid, const std::string& text, std::function<void()> answer = [] {});
+    // A member that answers true or false.
     HRESULT ask(const IID& interfaceId, const std::string& name, const std::string& arguments,
                 VARIANT_BOOL* result);
     VARIANT_BOOL nextAnswer(const std::string& name);

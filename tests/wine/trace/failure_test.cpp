@@ -30,15 +30,13 @@ TEST_F(FailureTest, EveryCallFailsOnceWithItsReason) {
     fake.reply = L"Serial Number: D123.\r\n>";
     ASSERT_EQ(run(fake.communicator()), S_OK);
     const std::vector<std::string> dialogue = std::exchange(fake.calls, {});
-    const auto calls = static_cast<long>(fake.callCount);
-    ASSERT_GT(calls, 20);
 
     ASSERT_EQ(session->ClearFailure(), S_OK);
     EXPECT_EQ(runTraced(), S_OK);
     EXPECT_EQ(std::exchange(fake.calls, {}), dialogue);
-    long count = 0;
-    EXPECT_EQ(session->get_CallCount(&count), S_OK);
-    EXPECT_EQ(count, calls) << "each call of the link is one of the session";
+    long calls = 0;
+    EXPECT_EQ(session->get_CallCount(&calls), S_OK);
+    ASSERT_GT(calls, static_cast<long>(dialogue.size())) << "the port is fetched besides";
 
     for (long failing = 1; failing <= calls; ++failing) {
         SCOPED_TRACE(failing);
@@ -68,13 +66,15 @@ TEST_F(FailureTest, OneMethodFails) {
 // way.
 TEST_F(FailureTest, FailuresOfTheLinkAreReplayed) {
     ASSERT_EQ(session->Record(bstr(file).get()), S_OK);
-    fake.failingCall = 12;
+    fake.onCall = [](const std::string& call) {
+        if (call.starts_with("Link.WaitForString")) throw com::Error(kFailure, L"No cable");
+    };
     const auto expectFailure = [&](HRESULT code) {
-        EXPECT_EQ(code, kel::test::kLinkFailure);
+        EXPECT_EQ(code, kFailure);
         const auto error = kel::test::takeError();
         ASSERT_TRUE(error);
-        EXPECT_EQ(error->description, kel::test::kLinkFailureText);
-        EXPECT_EQ(error->interfaceId, fake.failedInterface);
+        EXPECT_EQ(error->description, L"No cable");
+        EXPECT_EQ(error->interfaceId, __uuidof(IKelCommunicator));
     };
     expectFailure(runTraced());
     endSession();

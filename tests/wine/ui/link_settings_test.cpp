@@ -25,7 +25,9 @@ TEST(LinkSettingsTest, AreRestoredOnEveryWayOut) {
 
 TEST(LinkSettingsTest, StayAsTheyAreWhereThePortFails) {
     test::FakeLink link;
-    link.failingCall = 3;
+    link.onCall = [](const std::string& call) {
+        if (call == "EchoWindow = 0") throw com::Error(E_FAIL);
+    };
     { const LinkSettings settings(link.port()); }
     EXPECT_EQ(link.takeWork(), "EchoWindow\nIdleProcessing\nEchoWindow = 0\nIdleProcessing = -1\n")
         << "the second setting is restored all the same";
