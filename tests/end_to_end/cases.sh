@@ -210,14 +210,41 @@ test_closes_a_form_at_the_first_interrupt() {
     ! grep -q State: "$output" || give_up "went on after the interrupt"
 }
 
-test_answers_a_form_of_five_values() {
-    instrument tcp
-    kelrun 0 "$(windows_path "$kel_root/examples/deploy-form.kel")" "${connection[@]}" \
-        --answer place=Pier --answer plan=BURST --answer interval=600 \
-        --answer declination=2.5 --answer erase=1
-    expect "$output" '>set station Pier' OK '>set interval 600' OK '>set declination 2.5' OK \
-        '>set burst 1024' OK '>set rate 4' OK '>savesetup' OK '>erase' OK '>deploy' OK '>status' \
-        'Station: Pier' 'State: deployed ...'
+# What changes from run to run, such as the date, is the same in every dialogue.
+steady_dialogue() {
+    sed -E 's#[0-9]{4}/[0-9]{2}/[0-9]{2} [0-9:]{8}#DATE TIME#g; s/^COM[0-9]+:/COM:/; s/[0-9]+\.[0-9]{3} dbar [0-9. -]+ deg/READING/; /^>?clock set/s#[0-9/]+ [0-9:]+$#DATE TIME#'
+}
+
+# Each example, with its options, has the dialogue that stands in the file of its name.
+test_runs_the_examples() {
+    local name options
+    while IFS='|' read -r name options; do
+        instrument pty
+        eval "kelrun 0 \"\$(windows_path "\$kel_root/examples/$name.kel")\" \"\${connection[@]}\" $options"
+        steady_dialogue <"$output" | diff "$kel_root/tests/end_to_end/examples/$name.txt" - >&2 ||
+            give_up "another dialogue of $name"
+        end_process "$instrument_process"
+    done <<'ROWS'
+deploy|
+deploy-form|--answer place=Pier --answer plan=BURST --answer interval=600 --answer declination=2.5 --answer erase=1
+set-clock|
+change-baud|
+offsets|
+mission|
+acceptance|--answer msgbox=ok --answer tester=Ada --answer level=yes
+ROWS
+}
+
+# Without an instrument; the file was written by --record.
+test_replays_an_example() {
+    local recording changed
+    recording=$(windows_path "$kel_root/tests/end_to_end/examples/offsets.trace")
+    kelrun 0 "$(windows_path "$kel_root/examples/offsets.kel")" --port COM3 --replay "$recording" --speed 0
+    steady_dialogue <"$output" | diff "$kel_root/tests/end_to_end/examples/offsets.txt" - >&2 ||
+        give_up "another dialogue"
+    changed=$(script offsets.kel "$(sed s/10.132/10.2/ "$kel_root/examples/offsets.kel")")
+    kelrun 1 "$changed" --port COM3 --replay "$recording" --speed 0
+    expect "$errors" "kelrun: $changed:15: The replay leaves its recording..."
 }
 
 test_tells_which_component_is_not_registered() {
