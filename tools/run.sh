@@ -1,9 +1,9 @@
 # Runs an instrument script through kelrun, against the virtual instrument or a real one.
 
-# Reads the arguments of `run`; sets script, device, port, tcp and options. Only what this
+# Reads the arguments of `run`; sets script, device, port, tcp, needs_line and options. Only what this
 # machine sees differently from Windows programs is looked at, the rest is kelrun's affair.
 read_run_arguments() {
-    script='' device='' port='' tcp='' options=()
+    script='' device='' port='' tcp='' needs_line=yes options=()
     while (($# > 0)); do
         if [[ $1 == --?*=* ]]; then
             set -- "${1%%=*}" "${1#*=}" "${@:2}"
@@ -14,6 +14,7 @@ read_run_arguments() {
                 read_run_option "$1" "$2"
                 shift
                 ;;
+            --check | --help) needs_line=no options+=("$1") ;;
             -*) options+=("$1") ;;
             *)
                 [[ -z $script ]] || usage_error "one script at a time: $script or $1"
@@ -46,19 +47,22 @@ check_run_arguments() {
 
 # Sets up and builds what a run needs, then runs; ends with the exit code of kelrun.
 run_script() {
-    local script device port tcp options program=$kel_build/win32/hosts/kelrun/kelrun.exe
+    local script device port tcp needs_line options program=$kel_build/win32/hosts/kelrun/kelrun.exe
     read_run_arguments "$@"
     check_run_arguments
 
     lock_build
     set_up
-    [[ -n $port$device$tcp ]] || build_preset native bench/instrument/virtual-instrument
+    [[ -n $port$device$tcp || $needs_line == no ]] || build_preset native bench/instrument/virtual-instrument
     build_preset win32 server/KelUtils.dll bench/link/BenchLink.dll hosts/kelrun/kelrun.exe
     make_prefix
     enter_prefix
     register_libraries
     unlock_build
 
+    if [[ $needs_line == no ]]; then
+        run_program "$program" "$(windows_path "$script")" "${options[@]}"
+    fi
     if [[ -n $tcp ]]; then
         options+=(--tcp "$tcp")
     else

@@ -28,12 +28,12 @@ run_tests() {
     wait "$prefix_maker" || exit
     unlock_build
 
-    run_program "the portable core, natively" "$kel_build/native/tests/core/kel_core_tests"
+    run_test_program "the portable core, natively" "$kel_build/native/tests/core/kel_core_tests"
     make_test_prefix
     at_exit stop_prefix "$WINEPREFIX"
     start_server
     register_libraries
-    run_program "the portable core as 32-bit code" wine "$kel_build/win32/tests/core/kel_core_tests.exe"
+    run_test_program "the portable core as 32-bit code" wine "$kel_build/win32/tests/core/kel_core_tests.exe"
     run_ctest win32 "32-bit Windows" --parallel 2 --label-exclude 'core|end_to_end'
     [[ ! -d $kel_root/tests/end_to_end ]] || run_ctest win32 "end to end" --label-regex end_to_end
     ended_early=no
@@ -47,8 +47,8 @@ finish_tests() {
 }
 
 # Runs a program that holds many quick tests, all in one process, and counts them. What it leaves
-# unreported, for it crashed, counts as a failure: run_program WHAT COMMAND...
-run_program() {
+# unreported, for it crashed, counts as a failure: run_test_program WHAT COMMAND...
+run_test_program() {
     local what=$1 report=$kel_build/reports/${1//[^A-Za-z0-9]/-}.xml output code=0
     shift
     say "testing: $what"
@@ -57,11 +57,11 @@ run_program() {
     output=$report
     [[ $1 != wine ]] || output=$(windows_path "$report")
     GTEST_OUTPUT=xml:$output without_locks timeout 300 "$@" --gtest_brief=1 2>&1 || code=$?
-    count_program "$report" "$code"
+    count_test_program "$report" "$code"
 }
 
 # Adds the counts of a program's own report.
-count_program() {
+count_test_program() {
     local report=$1 code=$2 ran=0 bad=0
     if [[ -r $report ]]; then
         ran=$(count_lines '<testcase .* status="run"' "$report")

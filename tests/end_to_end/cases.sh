@@ -210,6 +210,16 @@ test_closes_a_form_at_the_first_interrupt() {
     ! grep -q State: "$output" || give_up "went on after the interrupt"
 }
 
+# What a newcomer types; kel itself is tested nowhere else.
+test_runs_by_the_one_command() {
+    code=0
+    env -u KEL_BENCH_TIME_SCALE "$kel_root/kel" run "$kel_root/examples/set-clock.kel" \
+        >"$output" 2>"$errors" || code=$?
+    [[ $code == 0 ]] || give_up "kel run failed"
+    expect "$output" '>clock set ...' OK
+    expect "$errors" 'kel: running examples/set-clock.kel on COM...' 'kelrun: set-clock.kel ran to its end (...'
+}
+
 # What changes from run to run, such as the date, is the same in every dialogue.
 steady_dialogue() {
     sed -E 's#[0-9]{4}/[0-9]{2}/[0-9]{2} [0-9:]{8}#DATE TIME#g; s/^COM[0-9]+:/COM:/; s/[0-9]+\.[0-9]{3} dbar [0-9. -]+ deg/READING/; /^>?clock set/s#[0-9/]+ [0-9:]+$#DATE TIME#'
@@ -226,7 +236,7 @@ test_runs_the_examples() {
         end_process "$instrument_process"
     done <<'ROWS'
 deploy|
-deploy-form|--answer place=Pier --answer plan=BURST --answer interval=600 --answer declination=2.5 --answer erase=1
+deploy-form|--answer place=Pier --answer plan=average --answer interval=600 --answer declination=2.5 --answer erase=1
 set-clock|
 change-baud|
 offsets|
