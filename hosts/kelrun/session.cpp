@@ -49,7 +49,7 @@ bool Session::run(std::wstring_view script) {
     if (cancel_.isRequested()) return false;
     const com::Bstr text(script);
     VARIANT_BOOL ran = VARIANT_FALSE;
-    com::check(preprocessor_->PreprocessAndRun(text.get(), &ran), preprocessor_);
+    com::checkOwn(preprocessor_->PreprocessAndRun(text.get(), &ran));
     return com::isTrue(ran);
 }
 

@@ -331,7 +331,7 @@ test_runs_without_a_connection() {
     kelrun 0 "$(script expressions.kel '@x="1"\n')" --quiet
     [[ ! -s $errors ]] || give_up "closing words in spite of --quiet"
     kelrun 1 "$(script ver.kel '@x="1"\nver\n')"
-    expect "$errors" "kelrun: $(windows_path "$folder/ver.kel"):2: The port is not open..." \
+    expect "$errors" "kelrun: $(windows_path "$folder/ver.kel"):2: The port is not open (IKelStream, 0x80004005)" \
         'kelrun: ver.kel stopped on an error (neither --port nor --tcp was given)'
 }
 
