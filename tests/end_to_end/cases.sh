@@ -230,7 +230,8 @@ test_runs_the_examples() {
     local name options
     while IFS='|' read -r name options; do
         instrument pty
-        eval "kelrun 0 \"\$(windows_path "\$kel_root/examples/$name.kel")\" \"\${connection[@]}\" $options"
+        # Unquoted: the options are words without blanks.
+        kelrun 0 "$(windows_path "$kel_root/examples/$name.kel")" "${connection[@]}" $options
         steady_dialogue <"$output" | diff "$kel_root/tests/end_to_end/examples/$name.txt" - >&2 ||
             give_up "another dialogue of $name"
         end_process "$instrument_process"

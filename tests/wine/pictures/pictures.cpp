@@ -32,6 +32,13 @@ std::string setting(const Step& step, std::string_view name) {
     throw std::runtime_error("a setting is missing: " + std::string(name));
 }
 
+void runScript(IDispatch* object, const std::string& script) {
+    com::ComPtr<IPreprocessor> preprocessor;
+    com::check(object->QueryInterface(IID_PPV_ARGS(&preprocessor)));
+    VARIANT_BOOL ran = VARIANT_FALSE;
+    EXPECT_EQ(preprocessor->PreprocessAndRun(com::Bstr(script).get(), &ran), S_OK);
+}
+
 TEST(Pictures, OfEveryWindow) {
     SetProcessDPIAware();
     const char* folder = std::getenv("KEL_PICTURES_FOLDER");
@@ -51,8 +58,13 @@ TEST(Pictures, OfEveryWindow) {
             PostMessageW(driver.window(), WM_COMMAND, IDCANCEL, 0);
             done = true;
         });
-        for (const std::string& line : window.lines)
-            call(object.Get(), line);
+        for (const std::string& line : window.lines) {
+            if (line == "script") {
+                runScript(object.Get(), setting(window, line));
+            } else {
+                call(object.Get(), line);
+            }
+        }
         pumpUntil(done);
     }
 }
