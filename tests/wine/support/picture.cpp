@@ -30,11 +30,29 @@ private:
     ULONG_PTR token_ = 0;
 };
 
+BOOL CALLBACK noteUnpainted(HWND window, LPARAM flag) {
+    if (GetUpdateRect(window, nullptr, FALSE)) *reinterpret_cast<bool*>(flag) = true;
+    return TRUE;
+}
+
+// The window's thread paints when it has nothing else to do.
+void waitUntilPainted(HWND window) {
+    for (int round = 0; round < 1000; ++round) {
+        bool isUnpainted = GetUpdateRect(window, nullptr, FALSE) != FALSE;
+        EnumChildWindows(window, noteUnpainted, reinterpret_cast<LPARAM>(&isUnpainted));
+        if (!isUnpainted) break;
+        Sleep(2);
+    }
+    // The last of them may still be at it.
+    SendMessageW(window, WM_NULL, 0, 0);
+}
+
 HBITMAP copyOf(HWND window) {
     // As it looks while it is in use, whatever is in front at the moment.
     SendMessageW(window, WM_NCACTIVATE, TRUE, 0);
     RedrawWindow(window, nullptr, nullptr,
                  RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN | RDW_UPDATENOW);
+    waitUntilPainted(window);
     RECT place{};
     GetWindowRect(window, &place);
     const int width = place.right - place.left;
