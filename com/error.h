@@ -47,8 +47,8 @@ void check(HRESULT code, Interface* object) {
     if (FAILED(code)) throwFailure(code, object, __uuidof(Interface));
 }
 
-// Throws when a call of a component on itself failed, with all that it published: the interface
-// that it names is the one on which the failure struck.
+// Throws when a call failed on an object that publishes every failure of its own, with all that it
+// published: the interface that it names is the one on which the failure struck.
 void checkOwn(HRESULT code);
 
 // Throws when a call on the platform failed.
