@@ -28,9 +28,10 @@ TEST(ScriptText, CodePageIsTheHosts) {
     const DoubleByteRules rules;
     ScriptBench bench(rules);
     EXPECT_TRUE(
-        bench.session.run("a\x81  \n\x81// \n\x81\n"
+        bench.session.run("a\x81  \n\x81// \n\x81\n \tx // gone\n // gone\n \n"
                           "@\xE6=\"b\"\n%\xC6\x82\n#IF '\xC6' == \"\xE6\"\nsame\n#ENDIF"));
-    EXPECT_EQ(bench.transcript, "\"a\x81 \"\n\"\x81//\"\n\"\x81\"\n\"b\x82\"\n\"same\"\n");
+    EXPECT_EQ(bench.transcript,
+              "\"a\x81 \"\n\"\x81//\"\n\"\x81\"\n\"x\"\n\"\"\n\"b\x82\"\n\"same\"\n");
 }
 
 TEST(VariableStore, KeepsOrderAndFirstSpelling) {
