@@ -1,7 +1,5 @@
 #include "com/message_loop.h"
 
-#include <windows.h>
-
 namespace kel::com {
 namespace {
 
@@ -10,14 +8,15 @@ constexpr int kMostMessages = 100;
 
 }  // namespace
 
-bool runWaitingMessages() {
+bool runWaitingMessages(HWND dialog) {
     MSG message;
     for (int i = 0; i < kMostMessages; ++i) {
-        if (!PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) return true;
+        if (!PeekMessageW(&message, dialog, 0, 0, PM_REMOVE)) return true;
         if (message.message == WM_QUIT) {
             PostQuitMessage(static_cast<int>(message.wParam));
             return false;
         }
+        if (dialog && IsDialogMessageW(dialog, &message)) continue;
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }

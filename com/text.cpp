@@ -42,6 +42,11 @@ std::string narrow(std::wstring_view text, UINT codePage) {
     return bytes;
 }
 
+bool sameName(std::wstring_view left, std::wstring_view right) {
+    return CompareStringOrdinal(left.data(), static_cast<int>(left.size()), right.data(),
+                                static_cast<int>(right.size()), TRUE) == CSTR_EQUAL;
+}
+
 Bstr::Bstr(std::wstring_view text) : text_(allocate(text.data(), text.size())) {}
 
 Bstr::Bstr(std::string_view text, UINT codePage) : Bstr(widen(text, codePage)) {}

@@ -28,6 +28,9 @@ inline std::string narrow(BSTR text) {
     return narrow(view(text));
 }
 
+// Compares without regard to case, by the rules of no language.
+bool sameName(std::wstring_view left, std::wstring_view right);
+
 // Owns a text of the border. A failing allocation throws std::bad_alloc.
 class Bstr {
 public:

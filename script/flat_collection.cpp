@@ -4,15 +4,6 @@
 #include "com/variant_enumerator.h"
 
 namespace kel::script {
-namespace {
-
-bool sameName(std::wstring_view left, std::wstring_view right) {
-    return CompareStringOrdinal(left.data(), static_cast<int>(left.size()), right.data(),
-                                static_cast<int>(right.size()), TRUE) == CSTR_EQUAL;
-}
-
-}  // namespace
-
 com::ComPtr<FlatCollection> FlatCollection::of(std::span<const std::string> parameters) {
     com::ComPtr<FlatCollection> collection = com::makeObject<FlatCollection>();
     for (std::size_t i = 0; i < parameters.size(); ++i) {
@@ -30,7 +21,7 @@ const FlatCollection::Entry& FlatCollection::find(const VARIANT& index) const {
     if (key.type() == VT_BSTR) {
         const std::wstring_view name = com::view(key.get().bstrVal);
         for (const Entry& entry : entries_) {
-            if (sameName(entry.name, name)) return entry;
+            if (com::sameName(entry.name, name)) return entry;
         }
         throw com::Error(DISP_E_BADINDEX);
     }

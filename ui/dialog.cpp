@@ -1,9 +1,10 @@
 #include "ui/dialog.h"
 
+#include <commctrl.h>
+
 #include <utility>
 
 #include "ui/atl.h"
-#include "ui/model/placement.h"
 
 namespace kel::ui {
 namespace {
@@ -26,6 +27,13 @@ bool isAnsweredDirectly(UINT message) {
         default:
             return false;
     }
+}
+
+// For dialogs from resources, which may hold anything that the platform offers.
+void prepareControls() {
+    INITCOMMONCONTROLSEX classes{sizeof classes, ICC_LISTVIEW_CLASSES | ICC_PROGRESS_CLASS};
+    InitCommonControlsEx(&classes);
+    AtlAxWinInit();
 }
 
 Rectangle toRectangle(const RECT& rectangle) {
@@ -59,7 +67,7 @@ INT_PTR Dialog::runAs(bool isModal, Run&& run) {
 }
 
 INT_PTR Dialog::runModal(WORD resource, HWND owner) {
-    AtlAxWinInit();
+    prepareControls();
     const INT_PTR result = runAs(true, [&] {
         AtlAxDialogBoxA(com::moduleInstance(), MAKEINTRESOURCEA(resource), owner, procedure,
                         reinterpret_cast<LPARAM>(this));
@@ -78,7 +86,7 @@ INT_PTR Dialog::runModal(const DialogTemplate& description, HWND owner) {
 }
 
 void Dialog::create(WORD resource, HWND owner) {
-    AtlAxWinInit();
+    prepareControls();
     runAs(false, [&] {
         AtlAxCreateDialogA(com::moduleInstance(), MAKEINTRESOURCEA(resource), owner, procedure,
                            reinterpret_cast<LPARAM>(this));
@@ -131,6 +139,59 @@ void Dialog::enable(int identifier, bool enabled) {
 
 void Dialog::show(int identifier, bool visible) {
     ShowWindow(control(identifier), visible ? SW_SHOW : SW_HIDE);
+}
+
+Rectangle Dialog::place() const {
+    RECT place{};
+    GetWindowRect(window_, &place);
+    return toRectangle(place);
+}
+
+Rectangle Dialog::placeOf(int identifier) const {
+    RECT place{};
+    GetWindowRect(control(identifier), &place);
+    MapWindowPoints(nullptr, window_, reinterpret_cast<POINT*>(&place), 2);
+    return toRectangle(place);
+}
+
+void Dialog::setPlaceOf(int identifier, const Rectangle& place) {
+    SetWindowPos(control(identifier), nullptr, place.left, place.top, place.width(), place.height(),
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void Dialog::resize(int width, int height) {
+    SetWindowPos(window_, nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void Dialog::intercept(HWND control) {
+    if (!SetWindowSubclass(control, controlProcedure, 0, reinterpret_cast<DWORD_PTR>(this)))
+        throw com::lastError();
+}
+
+LRESULT CALLBACK Dialog::controlProcedure(HWND control, UINT message, WPARAM wide, LPARAM longer,
+                                          UINT_PTR identifier, DWORD_PTR dialog) {
+    if (message == WM_NCDESTROY) {
+        RemoveWindowSubclass(control, controlProcedure, identifier);
+    } else {
+        auto* self = reinterpret_cast<Dialog*>(dialog);
+        const auto result = self->dispatchControl(control, message, wide, longer);
+        if (result) return *result;
+    }
+    return DefSubclassProc(control, message, wide, longer);
+}
+
+std::optional<LRESULT> Dialog::dispatchControl(HWND control, UINT message, WPARAM wide,
+                                               LPARAM longer) noexcept {
+    // The controls of a dialog that goes are of no interest to it any more.
+    if (!window_) return std::nullopt;
+    std::optional<com::KeepAlive> alive;
+    if (component_) alive.emplace(*component_);
+    try {
+        return intercepted(control, message, wide, longer);
+    } catch (...) {
+        reportFailure();
+        return 0;
+    }
 }
 
 INT_PTR CALLBACK Dialog::procedure(HWND window, UINT message, WPARAM wide, LPARAM longer) {

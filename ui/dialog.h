@@ -12,6 +12,7 @@
 
 #include "com/object.h"
 #include "ui/dialog_template.h"
+#include "ui/model/placement.h"
 
 namespace kel::ui {
 
@@ -59,6 +60,11 @@ protected:
     // Every other message; nothing for those that the dialog does not handle.
     virtual std::optional<LRESULT> handle(UINT, WPARAM, LPARAM) { return std::nullopt; }
 
+    // Lets intercepted() see the messages of a control before the control does. Throws.
+    void intercept(HWND control);
+    // Nothing for those that the control is to handle as usual.
+    virtual std::optional<LRESULT> intercepted(HWND, UINT, WPARAM, LPARAM) { return std::nullopt; }
+
     // The window is gone; the object may be released from here.
     virtual void destroyed() {}
 
@@ -75,11 +81,21 @@ protected:
     void setText(int identifier, std::wstring_view text);
     void enable(int identifier, bool enabled);
     void show(int identifier, bool visible);
+    // Of the window, in the coordinates of the screen; of a control, inside the client area.
+    Rectangle place() const;
+    Rectangle placeOf(int identifier) const;
+    void setPlaceOf(int identifier, const Rectangle& place);
+    void resize(int width, int height);
 
 private:
     static INT_PTR CALLBACK procedure(HWND window, UINT message, WPARAM wide, LPARAM longer);
 
+    static LRESULT CALLBACK controlProcedure(HWND control, UINT message, WPARAM wide, LPARAM longer,
+                                             UINT_PTR identifier, DWORD_PTR dialog);
+
     INT_PTR dispatch(UINT message, WPARAM wide, LPARAM longer) noexcept;
+    std::optional<LRESULT> dispatchControl(HWND control, UINT message, WPARAM wide,
+                                           LPARAM longer) noexcept;
     INT_PTR process(UINT message, WPARAM wide, LPARAM longer);
     INT_PTR begin();
     void tick(UINT_PTR identifier);

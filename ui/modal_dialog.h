@@ -2,6 +2,7 @@
 // The contract of every modal dialog component, IKelModalDialog, for all of them at once.
 
 #include "com/object.h"
+#include "com/scoped.h"
 #include "com/variant.h"
 #include "ui/dialog.h"
 
@@ -23,7 +24,7 @@ public:
             if (!communicator_) throw com::Error(E_INVALIDARG, L"The dialog has no communicator");
             if (isRunning_) return;
             const com::KeepAlive alive(*this);
-            const Running running(isRunning_);
+            const com::Scoped running(isRunning_, true);
             // A host may put another one meanwhile: that is for the next time.
             const com::ComPtr<IKelCommunicator> link = communicator_;
             *result =
@@ -32,17 +33,6 @@ public:
     }
 
 private:
-    class Running {
-    public:
-        explicit Running(bool& flag) : flag_(flag) { flag_ = true; }
-        ~Running() { flag_ = false; }
-        Running(const Running&) = delete;
-        Running& operator=(const Running&) = delete;
-
-    private:
-        bool& flag_;
-    };
-
     com::ComPtr<IKelCommunicator> communicator_;
     bool isRunning_ = false;
 };

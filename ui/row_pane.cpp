@@ -1,9 +1,5 @@
 #include "ui/row_pane.h"
 
-#include <commctrl.h>
-
-#include "com/error.h"
-
 namespace kel::ui {
 
 DialogTemplate RowPane::description(short width, short height) {
@@ -26,10 +22,8 @@ void RowPane::initialise() {
     information.nMax = scrolling_.rows - 1;
     information.nPage = static_cast<UINT>(scrolling_.visible);
     SetScrollInfo(window(), SB_VERT, &information, FALSE);
-    for (HWND child = GetWindow(window(), GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
-        if (!SetWindowSubclass(child, controlProcedure, 0, reinterpret_cast<DWORD_PTR>(this)))
-            throw com::lastError();
-    }
+    for (HWND child = GetWindow(window(), GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT))
+        intercept(child);
 }
 
 // OK and Cancel are the business of the whole dialog.
@@ -51,24 +45,12 @@ std::optional<LRESULT> RowPane::handle(UINT message, WPARAM wide, LPARAM) {
 
 // Not every control tells its dialog that it has the focus, and a drop-down list would take the
 // wheel for itself.
-LRESULT CALLBACK RowPane::controlProcedure(HWND control, UINT message, WPARAM wide, LPARAM longer,
-                                           UINT_PTR identifier, DWORD_PTR pane) {
-    auto* self = reinterpret_cast<RowPane*>(pane);
-    switch (message) {
-        case WM_SETFOCUS:
-            self->reveal(control);
-            break;
-        case WM_MOUSEWHEEL:
-            if (SendMessageW(control, CB_GETDROPPEDSTATE, 0, 0)) break;
-            self->turnWheel(GET_WHEEL_DELTA_WPARAM(wide));
-            return 0;
-        case WM_NCDESTROY:
-            RemoveWindowSubclass(control, controlProcedure, identifier);
-            break;
-        default:
-            break;
-    }
-    return DefSubclassProc(control, message, wide, longer);
+std::optional<LRESULT> RowPane::intercepted(HWND control, UINT message, WPARAM wide, LPARAM) {
+    if (message == WM_SETFOCUS) reveal(control);
+    if (message != WM_MOUSEWHEEL || SendMessageW(control, CB_GETDROPPEDSTATE, 0, 0))
+        return std::nullopt;
+    turnWheel(GET_WHEEL_DELTA_WPARAM(wide));
+    return 0;
 }
 
 void RowPane::turnWheel(int distance) {

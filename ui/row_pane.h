@@ -26,11 +26,10 @@ protected:
     void initialise() override;
     bool command(int control, int notification) override;
     std::optional<LRESULT> handle(UINT message, WPARAM wide, LPARAM longer) override;
+    std::optional<LRESULT> intercepted(HWND control, UINT message, WPARAM wide,
+                                       LPARAM longer) override;
 
 private:
-    static LRESULT CALLBACK controlProcedure(HWND control, UINT message, WPARAM wide, LPARAM longer,
-                                             UINT_PTR identifier, DWORD_PTR pane);
-
     void scroll(int request);
     void scrollTo(int first);
     void reveal(HWND control);

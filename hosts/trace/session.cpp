@@ -1,5 +1,6 @@
 #include "hosts/trace/session.h"
 
+#include "com/scoped.h"
 #include "com/text.h"
 #include "hosts/trace/KelTrace.h"
 #include "hosts/trace/arguments.h"
@@ -16,20 +17,6 @@ constexpr wchar_t kSource[] = L"KelTrace";
 std::wstring widened(std::string_view text) {
     return com::widen(text, CP_UTF8);
 }
-
-// Sets a variable for the time of a call.
-template <class Value>
-class Scoped {
-public:
-    Scoped(Value& place, Value value) : place_(place), before_(std::exchange(place, value)) {}
-    ~Scoped() { place_ = before_; }
-    Scoped(const Scoped&) = delete;
-    Scoped& operator=(const Scoped&) = delete;
-
-private:
-    Value& place_;
-    Value before_;
-};
 
 bool isCompared(Treatment treatment) {
     return treatment == Treatment::kCompared || treatment == Treatment::kConnecting;
@@ -136,7 +123,7 @@ HRESULT Session::fail(const Invocation& call, HRESULT result) {
 HRESULT Session::forward(const Invocation& call, DWORD& lastError) {
     const long number = calls_;
     tell([&] { return started(call); });
-    const Scoped current(current_, &call);
+    const com::Scoped current(current_, &call);
     SetLastError(lastError);
     const HRESULT result = com::guard(call.interfaceId, kSource, call.forward);
     lastError = GetLastError();

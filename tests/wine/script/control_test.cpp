@@ -3,50 +3,16 @@
 
 #include "com/variant.h"
 #include "tests/wine/script/preprocessor_fixture.h"
+#include "tests/wine/support/event_sink.h"
 
 namespace kel::test {
 namespace {
-
-// A sink that writes down the events it gets.
-class Sink final : public com::Object<Sink, com::Plain<IDispatch>> {
-public:
-    static constexpr com::ClassDescription kClass{};
-
-    std::string events;
-    std::function<HRESULT(DISPID member)> onEvent = [](DISPID) { return S_OK; };
-
-    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*,
-                        EXCEPINFO*, UINT*) override {
-        events += std::to_string(member);
-        for (UINT i = arguments->cArgs; i-- > 0;) {
-            const VARIANT& argument = arguments->rgvarg[i];
-            events += " " + (argument.vt == VT_DISPATCH ? parameters(argument.pdispVal)
-                                                        : com::Variant(argument).toText());
-        }
-        events += "\n";
-        return onEvent(member);
-    }
-
-private:
-    static std::string parameters(IDispatch* object) {
-        com::ComPtr<IFlatCollection> collection;
-        long count = 0;
-        com::check(object->QueryInterface(IID_PPV_ARGS(&collection)));
-        com::check(collection->get_Count(&count));
-        return "(" + std::to_string(count) + ")";
-    }
-};
 
 class ControlTest : public PreprocessorTest {
 protected:
     DWORD advise(IUnknown* sink) {
         com::check(preprocessor_.As(&container_));
-        com::check(container_->FindConnectionPoint(DIID__IPreprocessorEvents, &point_));
+        point_ = eventsOf(preprocessor_.Get(), DIID__IPreprocessorEvents);
         DWORD cookie = 0;
         com::check(point_->Advise(sink, &cookie));
         return cookie;
@@ -57,7 +23,7 @@ protected:
 };
 
 TEST_F(ControlTest, EventsTellTheWholeRun) {
-    const auto sink = com::makeObject<Sink>();
+    const auto sink = com::makeObject<EventSink>();
     const DWORD cookie = advise(sink->controlling());
     com::check(preprocessor_->put_ScriptName(com::Bstr(L"a.kel").get()));
     EXPECT_FALSE(run("@v=1\nline %v\n#SENDBREAK\n%no"));
@@ -73,7 +39,7 @@ TEST_F(ControlTest, EventsTellTheWholeRun) {
 
 // Also one that a word of the host sends.
 TEST_F(ControlTest, ALineIsToldBeforeThePauseThatFollowsIt) {
-    const auto sink = com::makeObject<Sink>();
+    const auto sink = com::makeObject<EventSink>();
     advise(sink->controlling());
     std::string calls;
     sink->onEvent = [&](DISPID member) {
@@ -94,8 +60,8 @@ TEST_F(ControlTest, ALineIsToldBeforeThePauseThatFollowsIt) {
 }
 
 TEST_F(ControlTest, ASinkMayFailCancelAndLeave) {
-    const auto sink = com::makeObject<Sink>();
-    const auto other = com::makeObject<Sink>();
+    const auto sink = com::makeObject<EventSink>();
+    const auto other = com::makeObject<EventSink>();
     const DWORD cookie = advise(sink->controlling());
     advise(other->controlling());
     sink->onEvent = [&](DISPID member) {
@@ -112,7 +78,7 @@ TEST_F(ControlTest, ASinkMayFailCancelAndLeave) {
 }
 
 TEST_F(ControlTest, ConnectionPointsFollowTheirProtocol) {
-    const auto sink = com::makeObject<Sink>();
+    const auto sink = com::makeObject<EventSink>();
     advise(sink->controlling());
     com::ComPtr<IConnectionPoint> found;
     EXPECT_EQ(container_->FindConnectionPoint(IID_IDispatch, &found), CONNECT_E_NOCONNECTION);

@@ -46,6 +46,14 @@ bool isDialog(HWND window) {
     return IsWindowVisible(window) && IsWindowEnabled(window) && classOf(window) == L"#32770";
 }
 
+INPUT keyInput(WORD virtualKey, DWORD flags) {
+    INPUT input{};
+    input.type = INPUT_KEYBOARD;
+    input.ki.wVk = virtualKey;
+    input.ki.dwFlags = flags;
+    return input;
+}
+
 void describe(std::ostream& stream, HWND window, const char* indent) {
     stream << indent << window << ' ' << com::narrow(classOf(window)) << " '"
            << com::narrow(captionOf(window)) << "' id " << GetDlgCtrlID(window)
@@ -145,20 +153,23 @@ void DialogDriver::setText(int identifier, const std::wstring& text) {
 }
 
 void DialogDriver::key(WORD virtualKey, WORD modifier) {
-    INPUT inputs[4]{};
-    UINT count = 0;
+    std::vector<INPUT> inputs;
     const auto add = [&](WORD code, DWORD flags) {
-        if (code == 0) return;
-        inputs[count].type = INPUT_KEYBOARD;
-        inputs[count].ki.wVk = code;
-        inputs[count].ki.dwFlags = flags;
-        ++count;
+        if (code != 0) inputs.push_back(keyInput(code, flags));
     };
     add(modifier, 0);
     add(virtualKey, 0);
     add(virtualKey, KEYEVENTF_KEYUP);
     add(modifier, KEYEVENTF_KEYUP);
-    SendInput(count, inputs, sizeof(INPUT));
+    SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
+}
+
+void DialogDriver::hold(WORD virtualKey, const std::function<void()>& action) {
+    INPUT input = keyInput(virtualKey, 0);
+    SendInput(1, &input, sizeof input);
+    action();
+    input.ki.dwFlags = KEYEVENTF_KEYUP;
+    SendInput(1, &input, sizeof input);
 }
 
 void DialogDriver::type(std::wstring_view text) {

@@ -44,6 +44,8 @@ public:
     // Presses a key, for the window that has the focus; `modifier` is held down meanwhile.
     void key(WORD virtualKey, WORD modifier = 0);
     void type(std::wstring_view text);
+    // Does something with the mouse while a key is held down.
+    void hold(WORD virtualKey, const std::function<void()>& action);
     // The window of the test's thread that has the focus.
     HWND focus();
     LRESULT send(HWND window, UINT message, WPARAM wide = 0, LPARAM longer = 0);

@@ -1,0 +1,40 @@
+#include "tests/wine/support/event_sink.h"
+
+#include "com/variant.h"
+#include "interfaces/KelUtils.h"
+
+namespace kel::test {
+namespace {
+
+// A collection as the number of its items.
+std::string countOf(IDispatch* object) {
+    com::ComPtr<IFlatCollection> collection;
+    long count = 0;
+    com::check(object->QueryInterface(IID_PPV_ARGS(&collection)));
+    com::check(collection->get_Count(&count));
+    return "(" + std::to_string(count) + ")";
+}
+
+}  // namespace
+
+com::ComPtr<IConnectionPoint> eventsOf(IUnknown* object, const IID& events) {
+    com::ComPtr<IConnectionPointContainer> container;
+    com::ComPtr<IConnectionPoint> point;
+    com::check(object->QueryInterface(IID_PPV_ARGS(&container)));
+    com::check(container->FindConnectionPoint(events, &point));
+    return point;
+}
+
+HRESULT EventSink::Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*,
+                          EXCEPINFO*, UINT*) {
+    events += std::to_string(member);
+    for (UINT i = arguments->cArgs; i-- > 0;) {
+        const VARIANT& argument = arguments->rgvarg[i];
+        events += " " + (argument.vt == VT_DISPATCH ? countOf(argument.pdispVal)
+                                                    : com::Variant(argument).toText());
+    }
+    events += "\n";
+    return onEvent(member);
+}
+
+}  // namespace kel::test
