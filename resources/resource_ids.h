@@ -26,3 +26,12 @@
 #define IDB_KELTERMINAL 101
 #define IDB_DATAGRID 157
 #define IDB_HTMLCHILDWINDOW 162
+
+// Dialogs, each with its controls.
+#define IDD_SELECTOR 300
+#define IDC_SELECTOR_PROMPT 301
+#define IDC_SELECTOR_LIST 302
+
+#define IDD_STATUS 320
+#define IDC_STATUS_MESSAGE 321
+#define IDC_STATUS_BAR 322

@@ -4,6 +4,8 @@
 
 #include "com/error.h"
 #include "com/object.h"
+#include "controls/multi_select_dialog.h"
+#include "controls/status_dialog.h"
 #include "interfaces/KelUtils.h"
 #include "resources/resource_ids.h"
 #include "script/preprocessor.h"
@@ -37,9 +39,10 @@ com::ClassRow table[] = {
     {L"ConnectKelGateDialog", &CLSID_ConnectKelGateDialog, IDR_CONNECTKELGATEDIALOG, createUnbuilt},
     {L"NewSessionDialog", &CLSID_NewSessionDialog, IDR_NEWSESSIONDIALOG, createUnbuilt},
     {L"PressureOffsetDialog", &CLSID_PressureOffsetDialog, IDR_PRESSUREOFFSETDIALOG, createUnbuilt},
-    {L"MultiSelectDialog", &CLSID_MultiSelectDialog, IDR_MULTISELECTDIALOG, createUnbuilt},
+    {L"MultiSelectDialog", &CLSID_MultiSelectDialog, IDR_MULTISELECTDIALOG,
+     kCreate<controls::MultiSelectDialog>},
     {L"PreprocessorExtender", &CLSID_PreprocessorExtender, IDR_PREPROCESSOREXTENDER, createUnbuilt},
-    {L"StatusDialog", &CLSID_StatusDialog, IDR_STATUSDIALOG, createUnbuilt},
+    {L"StatusDialog", &CLSID_StatusDialog, IDR_STATUSDIALOG, kCreate<controls::StatusDialog>},
     {L"DataGrid", &CLSID_DataGrid, IDR_DATAGRID, createUnbuilt},
     {L"HTMLChildWindow", &CLSID_HTMLChildWindow, IDR_HTMLCHILDWINDOW, createUnbuilt},
 };

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "com/object.h"
 #include "interfaces/KelUtils.h"
+#include "tests/wine/null_pointers.h"
 #include "tests/wine/server/expected.h"
 #include "tests/wine/support/library.h"
 
@@ -17,8 +20,20 @@ ComPtr<IClassFactory> factoryOf(REFCLSID identifier) {
 }
 
 bool isBuilt(const ExpectedClass& row) {
-    return row.identifier == CLSID_Preprocessor;
+    static const std::set<std::string> built{"MultiSelectDialog", "Preprocessor", "StatusDialog"};
+    return built.contains(row.name);
 }
+
+class Outer final : public com::Object<Outer> {
+public:
+    static constexpr com::ClassDescription kClass{};
+    com::ComPtr<IUnknown> part;
+
+private:
+    HRESULT findElsewhere(REFIID iid, void** result) override {
+        return part ? part->QueryInterface(iid, result) : E_NOINTERFACE;
+    }
+};
 
 TEST(ClassObject, OnlyTheClassesOfTheTableHaveAFactory) {
     for (const ExpectedClass& row : expectedClasses()) {
@@ -72,6 +87,33 @@ TEST(ClassFactory, UnbuiltClassesSayWhichTheyAre) {
         EXPECT_NE(error->description.find(name), std::wstring::npos);
         EXPECT_EQ(error->source, L"KelUtils." + name + L".1");
         EXPECT_EQ(error->interfaceId, IID_IDispatch);
+    }
+}
+
+TEST(ClassFactory, BuiltClassesKeepTheManners) {
+    for (const ExpectedClass& row : expectedClasses()) {
+        if (!isBuilt(row)) continue;
+        SCOPED_TRACE(row.name);
+        const auto object = kelUtils().create<IDispatch>(row.identifier);
+        expectNullPointersRefused(object.Get());
+        ComPtr<IProvideClassInfo> information;
+        ComPtr<ITypeInfo> type;
+        TYPEATTR* attributes = nullptr;
+        ASSERT_EQ(object.As(&information), S_OK);
+        ASSERT_EQ(information->GetClassInfo(&type), S_OK);
+        ASSERT_EQ(type->GetTypeAttr(&attributes), S_OK);
+        EXPECT_EQ(attributes->guid, row.identifier);
+        type->ReleaseTypeAttr(attributes);
+
+        const auto outer = com::makeObject<Outer>();
+        ASSERT_EQ(factoryOf(row.identifier)
+                      ->CreateInstance(outer->controlling(), IID_PPV_ARGS(&outer->part)),
+                  S_OK);
+        ComPtr<IDispatch> part;
+        ComPtr<IUnknown> identity;
+        ASSERT_EQ(outer->QueryInterface(IID_PPV_ARGS(&part)), S_OK);
+        ASSERT_EQ(part.As(&identity), S_OK);
+        EXPECT_EQ(identity.Get(), outer->controlling());
     }
 }
 
