@@ -90,8 +90,8 @@ void SelectorDialog::fill() {
         item.pszText = options_[i].name.data();
         if (SendMessageW(list(), LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)) < 0)
             throw com::Error(E_OUTOFMEMORY);
-        const UINT image = options_[i].isChecked ? 2 : 1;
-        setState(item.iItem, INDEXTOSTATEIMAGEMASK(image), LVIS_STATEIMAGEMASK);
+        // A new row is not checked.
+        if (options_[i].isChecked) setCheck(item.iItem, true);
     }
     SendMessageW(list(), LVM_SETCOLUMNWIDTH, 0, LVSCW_AUTOSIZE);
     // Where there is no row, no key would do anything; it need not be selected as well.
@@ -159,6 +159,10 @@ void SelectorDialog::setState(int row, UINT state, UINT mask) {
                  reinterpret_cast<LPARAM>(&item));
 }
 
+void SelectorDialog::setCheck(int row, bool isChecked) {
+    setState(row, INDEXTOSTATEIMAGEMASK(isChecked ? 2 : 1), LVIS_STATEIMAGEMASK);
+}
+
 bool SelectorDialog::isChecked(int row) const {
     return state(row, LVIS_STATEIMAGEMASK) == INDEXTOSTATEIMAGEMASK(2);
 }
@@ -186,11 +190,11 @@ void SelectorDialog::work(int row) {
 
 void SelectorDialog::toggleCheck(int row) {
     const std::vector<int> rows = rowsToCheck(row, selectedRows());
-    const UINT image = isChecked(row) ? 1 : 2;
+    const bool checks = !isChecked(row);
     std::optional<ui::RedrawPause> pause;
     if (rows.size() > 1) pause.emplace(list());
     for (const int each : rows)
-        setState(each, INDEXTOSTATEIMAGEMASK(image), LVIS_STATEIMAGEMASK);
+        setCheck(each, checks);
 }
 
 void SelectorDialog::toggleSelection(int row) {

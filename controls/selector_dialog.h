@@ -50,6 +50,7 @@ private:
     int rowOfCheckBox(LPARAM position) const;
     UINT state(int row, UINT mask) const;
     void setState(int row, UINT state, UINT mask);
+    void setCheck(int row, bool isChecked);
     bool isChecked(int row) const;
     std::vector<int> selectedRows() const;
     void work(int row);

@@ -5,15 +5,7 @@ readonly picture_resolutions=(96 144) # dots per inch
 # Writes docs/pictures/RESOLUTION/WINDOW.png.
 take_pictures() {
     local program=$kel_build/win32/tests/wine/pictures/kel_pictures.exe resolution folder
-    take_lock 7 "$kel_build/.test-lock" "testing"
-    lock_build
-    set_up
-    build_preset win32 server/KelUtils.dll kel_pictures
-    make_prefix
-    unlock_build
-    make_test_prefix
-    at_exit stop_prefix "$WINEPREFIX"
-    register_libraries
+    prepare_windows kel_pictures
     for resolution in "${picture_resolutions[@]}"; do
         folder=$kel_root/docs/pictures/$resolution
         say "taking the pictures at $resolution dots per inch"

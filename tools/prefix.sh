@@ -89,3 +89,16 @@ start_server() {
     at_exit end_process "$!"
     run_wine regsvr32 /s scrrun.dll
 }
+
+# Sets up and builds what opens the library's windows, in a throw-away prefix: prepare_windows TARGETS...
+prepare_windows() {
+    take_lock 7 "$kel_build/.test-lock" "testing"
+    lock_build
+    set_up
+    build_preset win32 server/KelUtils.dll "$@"
+    make_prefix
+    unlock_build
+    make_test_prefix
+    at_exit stop_prefix "$WINEPREFIX"
+    register_libraries
+}

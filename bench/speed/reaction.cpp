@@ -175,6 +175,35 @@ double cancelled(const wchar_t* directive, DWORD delay) {
     return now() - request;
 }
 
+// From the call that shows many options until their dialog waits for the user.
+double manyOptions() {
+    static constexpr wchar_t kTitle[] = L"Many options";
+    static double shown;
+    const auto dialog = create<IMultiSelectDialog>(L"KelUtils.MultiSelectDialog");
+    com::check(dialog->put_Title(com::Bstr(kTitle).get()), dialog);
+    for (int i = 0; i < 10000; ++i) {
+        const com::Bstr name(L"Option number " + std::to_wstring(i));
+        com::check(dialog->Add(name.get(), com::variantBool(i % 3 == 0)), dialog);
+    }
+    // A timer comes when nothing is left to be painted.
+    struct Close {
+        static void CALLBACK whenShown(HWND, UINT, UINT_PTR, DWORD) {
+            const HWND window = FindWindowW(nullptr, kTitle);
+            if (!window || !IsWindowVisible(window)) return;
+            if (shown == 0) shown = now();
+            PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
+        }
+    };
+    shown = 0;
+    const UINT_PTR timer = SetTimer(nullptr, 0, 10, Close::whenShown);
+    VARIANT_BOOL result = VARIANT_FALSE;
+    const double call = now();
+    com::check(dialog->ShowModal(0, &result), dialog);
+    KillTimer(nullptr, timer);
+    if (shown == 0) throw com::Error(E_FAIL, L"the dialog was not seen");
+    return shown - call;
+}
+
 void measure(const char* scriptPath) {
     const com::Apartment apartment;
     const com::Bstr script = readScript(scriptPath);
@@ -190,6 +219,10 @@ void measure(const char* scriptPath) {
             times.push_back(cancelled(directive, delay));
         print(com::narrow(directive).c_str(), times);
     }
+    times.clear();
+    for (int i = 0; i < 5; ++i)
+        times.push_back(manyOptions());
+    print("many-options", times);
 }
 
 }  // namespace

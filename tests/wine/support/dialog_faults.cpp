@@ -79,9 +79,9 @@ bool textFits(const Control& control) {
 }
 
 wchar_t mnemonicOf(const std::wstring& text) {
-    for (std::size_t at = text.find(L'&'); at + 1 < text.size(); at = text.find(L'&', at + 2)) {
-        if (text[at + 1] != L'&') return static_cast<wchar_t>(towlower(text[at + 1]));
-        if (at + 2 >= text.size()) break;
+    for (std::size_t i = 0; i + 1 < text.size(); ++i) {
+        if (text[i] != L'&') continue;
+        if (text[++i] != L'&') return static_cast<wchar_t>(towlower(text[i]));
     }
     return L'\0';
 }
@@ -106,7 +106,8 @@ std::vector<std::string> faultsOf(HWND dialog) {
     for (const Control& control : controls) {
         RECT common{};
         IntersectRect(&common, &control.place, &client);
-        if (!EqualRect(&common, &control.place)) faults.push_back(control.name() + " sticks out");
+        if (control.isVisible && !EqualRect(&common, &control.place))
+            faults.push_back(control.name() + " sticks out");
         if (!textFits(control)) faults.push_back(control.name() + " is clipped");
         for (const Control& other : controls) {
             if (&other <= &control || !control.isVisible || !other.isVisible) continue;
@@ -114,7 +115,8 @@ std::vector<std::string> faultsOf(HWND dialog) {
             if (IntersectRect(&common, &control.place, &other.place))
                 faults.push_back(control.name() + " overlaps " + other.name());
         }
-        const bool isText = control.is(L"Button") || control.is(L"Static");
+        const bool isText =
+            control.is(L"Button") || (control.is(L"Static") && (control.style & SS_NOPREFIX) == 0);
         if (const wchar_t mnemonic = isText ? mnemonicOf(control.text) : L'\0') {
             const auto [known, isNew] = mnemonics.emplace(mnemonic, &control);
             if (!isNew)

@@ -46,7 +46,7 @@ TEST(TemplatesTest, EveryFaultIsFound) {
     description.add({L"EDIT", L"", kStop, 0, {40, 4, 60, 12}, 2});
     description.add({L"EDIT", L"", kStop, 0, {4, 40, 60, 12}, 3});
     description.add({L"BUTTON", L"&No && yes", kStop, 0, {4, 20, 50, 14}, 4});
-    description.add({L"BUTTON", L"Far", kStop, 0, {180, 60, 40, 14}, 5});
+    description.add({L"BUTTON", L"Near", kStop, 0, {180, 60, 40, 14}, 5});
     const HWND dialog = CreateDialogIndirectParamW(nullptr, description.get(), nullptr, ignore, 0);
     EXPECT_EQ(faultsOf(dialog),
               (std::vector<std::string>{
@@ -55,7 +55,7 @@ TEST(TemplatesTest, EveryFaultIsFound) {
                   "Edit 3 '' has no label",
                   "Button 4 '&No && yes' has the mnemonic of Static 1 '&Name of the instrument'",
                   "Button 4 '&No && yes' is reached after Edit 3 ''",
-                  "Button 5 'Far' sticks out",
+                  "Button 5 'Near' sticks out",
               }));
 }
 

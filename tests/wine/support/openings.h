@@ -1,0 +1,29 @@
+#pragma once
+// How each window of the library is opened, as openings.txt tells.
+
+#include <windows.h>
+
+#include <functional>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace kel::test {
+
+struct Opening {
+    std::string name;  // of the window's picture
+    std::wstring component;  // its ProgID
+    std::wstring caption;
+    std::vector<std::string> calls;
+    std::string script;
+};
+
+std::vector<Opening> readOpenings();
+
+// Names an opening by its window.
+void PrintTo(const Opening& opening, std::ostream* stream);
+
+// Makes the component, opens its window, lets `look` see it on another thread, and cancels it.
+void open(const Opening& opening, const std::function<void(HWND)>& look);
+
+}  // namespace kel::test

@@ -1,0 +1,41 @@
+// Every window of the library, opened again and again.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "tests/wine/support/dialog_faults.h"
+#include "tests/wine/support/openings.h"
+#include "tests/wine/support/resource_counts.h"
+
+namespace kel::test {
+namespace {
+
+// The platform keeps some of what it makes for the first windows.
+constexpr int kFirstOnes = 4;
+
+// More of them where somebody has the time.
+int rounds() {
+    const char* wanted = std::getenv("KEL_OPENING_ROUNDS");
+    return wanted ? std::atoi(wanted) : 20;
+}
+
+class OpeningsTest : public testing::TestWithParam<Opening> {};
+
+TEST_P(OpeningsTest, LeaveNothingBehind) {
+    const auto openTimes = [](int times) {
+        for (int i = 0; i < times; ++i) {
+            open(GetParam(), [](HWND window) {
+                EXPECT_EQ(faultsOf(window), std::vector<std::string>());
+            });
+        }
+    };
+    openTimes(kFirstOnes);
+    const ResourceCounts before = countResources();
+    openTimes(rounds());
+    EXPECT_EQ(countResources(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(Windows, OpeningsTest, testing::ValuesIn(readOpenings()));
+
+}  // namespace
+}  // namespace kel::test
