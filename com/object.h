@@ -121,8 +121,8 @@ private:
     LONG references_ = 1;
 };
 
-// Holds a reference on an object, and on the outer object that it is part of, for the time of a call
-// out: the host may drop its last one.
+// Holds a reference on an object, and on the outer object that it is part of, for the time of a
+// call out: the host may drop its last one.
 class KeepAlive {
 public:
     explicit KeepAlive(ObjectCore& object) : object_(object.controlling()) {}

@@ -1,11 +1,11 @@
 #include <optional>
 
 #include "tests/wine/support/bench_link.h"
+#include "tests/wine/support/registry_sandbox.h"
 
 namespace kel::bench::test {
 namespace {
 
-constexpr wchar_t kSandbox[] = L"Software\\KelBenchLinkTests";
 constexpr wchar_t kSerial[] = L"CLSID\\{50AEA896-D75C-4B50-83E5-4FD1CD14EDEF}\\InprocServer32";
 constexpr wchar_t kNetwork[] = L"CLSID\\{8C1E8A0D-3F42-4E6B-9B57-6A0C2D917E34}\\InprocServer32";
 constexpr wchar_t kProgram[] = L"BenchLink.Communicator\\CLSID";
@@ -15,19 +15,6 @@ constexpr wchar_t kCommunicator[] =
 // Its own HKEY_CLASSES_ROOT, empty at first.
 class RegistrationTest : public testing::Test {
 protected:
-    void SetUp() override {
-        kel::test::benchLink();
-        RegDeleteTreeW(HKEY_CURRENT_USER, kSandbox);
-        HKEY sandbox = nullptr;
-        ASSERT_EQ(RegCreateKeyW(HKEY_CURRENT_USER, kSandbox, &sandbox), ERROR_SUCCESS);
-        ASSERT_EQ(RegOverridePredefKey(HKEY_CLASSES_ROOT, sandbox), ERROR_SUCCESS);
-        RegCloseKey(sandbox);
-    }
-    void TearDown() override {
-        RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr);
-        RegDeleteTreeW(HKEY_CURRENT_USER, kSandbox);
-    }
-
     static HRESULT call(const char* entryPoint) {
         return kel::test::exportOf<HRESULT WINAPI()>(kel::test::benchLink().module(), entryPoint)();
     }
@@ -46,6 +33,8 @@ protected:
                                   static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))),
                   ERROR_SUCCESS);
     }
+
+    kel::test::RegistrySandbox classes_{HKEY_CLASSES_ROOT};
 };
 
 TEST_F(RegistrationTest, WritesItsClassesAndNoInterfaces) {

@@ -9,75 +9,24 @@
 #include "tests/wine/server/expected.h"
 #include "tests/wine/support/import_patch.h"
 #include "tests/wine/support/library.h"
+#include "tests/wine/support/registry_sandbox.h"
 
 namespace kel::test {
 namespace {
 
-// A line for each key and each named value, sorted.
-using Listing = std::set<std::string>;
-
-std::string joined(const Listing& lines) {
-    std::string text;
-    for (const std::string& line : lines)
-        text += line + "\n";
-    return text;
-}
-
-// What stands below a key. The line of a key shows its default value.
-void addKeys(HKEY key, const std::string& path, Listing& listing) {
-    char name[300];
-    char data[1000];
-    std::string line = path;
-    for (DWORD i = 0;; ++i) {
-        DWORD nameSize = sizeof name;
-        DWORD dataSize = sizeof data;
-        DWORD type = 0;
-        if (RegEnumValueA(key, i, name, &nameSize, nullptr, &type, reinterpret_cast<BYTE*>(data),
-                          &dataSize) != ERROR_SUCCESS) {
-            break;
-        }
-        EXPECT_EQ(type, static_cast<DWORD>(REG_SZ)) << path;
-        const std::string value = std::string(" = \"") + data + "\"";
-        if (nameSize == 0) {
-            line += value;
-        } else {
-            listing.insert(path + " : " + name + value);
-        }
-    }
-    listing.insert(line);
-    for (DWORD i = 0; RegEnumKeyA(key, i, name, sizeof name) == ERROR_SUCCESS; ++i) {
-        HKEY child = nullptr;
-        ASSERT_EQ(RegOpenKeyA(key, name, &child), ERROR_SUCCESS);
-        addKeys(child, path.empty() ? name : path + "\\" + name, listing);
-        RegCloseKey(child);
-    }
-}
-
-// Puts a key of its own in the place of the classes of the machine.
+// Has the classes of the machine for itself.
 class Registration : public testing::Test {
 protected:
     Registration() {
-        EXPECT_EQ(
-            RegCreateKeyExW(HKEY_CURRENT_USER, path_.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                            KEY_ALL_ACCESS, nullptr, &root_, nullptr),
-            ERROR_SUCCESS);
         for (const wchar_t* name : {L"CLSID", L"Interface", L"TypeLib"}) {
-            HKEY key = nullptr;
-            EXPECT_EQ(RegCreateKeyW(root_, name, &key), ERROR_SUCCESS);
-            RegCloseKey(key);
+            com::RegistryKeyHandle key;
+            EXPECT_EQ(RegCreateKeyW(classes_.key(), name, key.put()), ERROR_SUCCESS);
         }
-        EXPECT_EQ(RegOverridePredefKey(HKEY_CLASSES_ROOT, root_), ERROR_SUCCESS);
-    }
-    ~Registration() override {
-        RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr);
-        RegCloseKey(root_);
-        RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
     }
 
     // The platform's own marshallers left out.
     std::string registered() {
-        Listing all;
-        addKeys(root_, "", all);
+        std::set<std::string> all = classes_.listing();
         std::erase_if(all, [](const std::string& line) {
             return line.find("\\ProxyStubClsid") != std::string::npos;
         });
@@ -86,7 +35,7 @@ protected:
 
     // The classes of registration.txt and the interfaces of interface_table.txt, nobody else's.
     static std::string expected(const std::filesystem::path& module) {
-        Listing listing = {"", "Interface"};
+        std::set<std::string> listing = {"", "Interface"};
         for (std::string line : resourceLines(L"registration")) {
             if (const auto at = line.find("%MODULE%"); at != std::string::npos) {
                 line.replace(at, 8, module.string());
@@ -111,9 +60,7 @@ protected:
     // What unregistering leaves: the roots that are everybody's.
     const std::string nothing_ = "\nCLSID\nInterface\nTypeLib\n";
 
-    const std::wstring path_ =
-        L"Software\\KelUtilsTests\\" + std::to_wstring(GetCurrentProcessId());
-    HKEY root_ = nullptr;
+    RegistrySandbox classes_{HKEY_CLASSES_ROOT};
 };
 
 HRESULT registerServer(HMODULE library = kelUtils().module()) {
@@ -150,10 +97,9 @@ private:
 };
 
 TEST_F(Registration, WritesEveryKeyAndTakesItBack) {
-    HKEY stale = nullptr;
+    com::RegistryKeyHandle stale;
     const std::string leftOver = "CLSID\\" + toText(CLSID_Preprocessor) + "\\OlderVersion";
-    ASSERT_EQ(RegCreateKeyA(root_, leftOver.c_str(), &stale), ERROR_SUCCESS);
-    RegCloseKey(stale);
+    ASSERT_EQ(RegCreateKeyA(classes_.key(), leftOver.c_str(), stale.put()), ERROR_SUCCESS);
     for (int round = 0; round < 2; ++round) {
         ASSERT_EQ(registerServer(), S_OK);
         EXPECT_EQ(registered(), expected(kelUtils().path()));

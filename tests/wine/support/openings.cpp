@@ -38,11 +38,8 @@ std::vector<Opening> readOpenings() {
     std::vector<Opening> openings;
     for (const Case& row : readCases(KEL_OPENINGS)) {
         const Step& step = row.steps.at(0);
-        Opening opening{setting(step, "file"),
-                        L"KelUtils." + com::widen(setting(step, "class")),
-                        com::widen(setting(step, "caption")),
-                        step.lines,
-                        setting(step, "script")};
+        Opening opening{setting(step, "file"), L"KelUtils." + com::widen(setting(step, "class")),
+                        com::widen(setting(step, "caption")), step.lines, setting(step, "script")};
         if (!opening.script.empty()) opening.calls.clear();
         openings.push_back(opening);
     }

@@ -11,7 +11,7 @@
 namespace kel::test {
 
 struct Opening {
-    std::string name;  // of the window's picture
+    std::string name;        // of the window's picture
     std::wstring component;  // its ProgID
     std::wstring caption;
     std::vector<std::string> calls;

@@ -1,0 +1,255 @@
+// The store, down to the bytes that it leaves in the registry.
+#include <gtest/gtest.h>
+
+#include "settings/settings_key.h"
+#include "settings/settings_list.h"
+#include "settings/vocabulary.h"
+#include "tests/wine/support/import_patch.h"
+#include "tests/wine/support/library.h"
+#include "tests/wine/support/registry_sandbox.h"
+
+namespace kel::settings {
+namespace {
+
+using Entries = std::vector<ListEntry>;
+
+class SettingsTest : public testing::Test {
+protected:
+    // Stores anything in a key of the store, as another program might.
+    void put(const std::string& section, const char* name, DWORD type, std::string_view bytes) {
+        const com::RegistryKeyHandle key = [&] {
+            HKEY opened = nullptr;
+            EXPECT_EQ(RegCreateKeyA(sandbox_.key(), (kRoot + section).c_str(), &opened), 0);
+            return com::RegistryKeyHandle(opened);
+        }();
+        EXPECT_EQ(
+            RegSetValueExA(key.get(), name, 0, type, reinterpret_cast<const BYTE*>(bytes.data()),
+                           static_cast<DWORD>(bytes.size())),
+            0);
+    }
+
+    static Entries connections() { return readList(connections::kKey, connections::kFields); }
+
+    test::RegistrySandbox sandbox_{HKEY_CURRENT_USER};
+};
+
+TEST_F(SettingsTest, EverythingIsKeptAsTheTableSays) {
+    const SettingsKey serial = SettingsKey::forWriting(serial::key("Host"));
+    WriteStringSetting(serial, serial::kPort, "Com3:");
+    WriteStringSetting(serial, serial::kBaud, "19200");
+    writeList(connections::kKey, connections::kFields,
+              Entries{{"Pier", "10.0.0.7", "4444"}, {"", "buoy", "23"}});
+    for (const char* application : {"Host", ""}) {
+        const SettingsKey session = SettingsKey::forWriting(new_session::key(application));
+        session.writeNumber(new_session::kOption, 2);
+        session.writeNumber(new_session::kLastConnection, 0xFFFFFFFF);
+    }
+    SettingsKey::forWriting(open_file::key("Host")).writeNumber(open_file::kUseWorkspaces, 1);
+    writeList(recent_files::key("Host"), recent_files::kFields, Entries{{"C:\\Data\\a.dat"}});
+    WriteStringSetting(SettingsKey::forWriting(firmware::kKey), firmware::kLastUsedFile, "f.hex");
+    const SettingsKey recorder = SettingsKey::forWriting(recorder::kKey);
+    WriteStringSetting(recorder, recorder::kDownloadFolder, "");
+    WriteStringSetting(recorder, recorder::kDownloadRate, "57600");
+    EXPECT_EQ(test::joined(sandbox_.listing()), R"(
+Software
+Software\Kelvra
+Software\Kelvra\Components
+Software\Kelvra\Components\KelGateConnect
+Software\Kelvra\Components\KelGateConnect\Connections
+Software\Kelvra\Components\KelGateConnect\Connections : Count = dword:00000002
+Software\Kelvra\Components\KelGateConnect\Connections\0
+Software\Kelvra\Components\KelGateConnect\Connections\0 : Address = "10.0.0.7"
+Software\Kelvra\Components\KelGateConnect\Connections\0 : Name = "Pier"
+Software\Kelvra\Components\KelGateConnect\Connections\0 : Port = "4444"
+Software\Kelvra\Components\KelGateConnect\Connections\1
+Software\Kelvra\Components\KelGateConnect\Connections\1 : Address = "buoy"
+Software\Kelvra\Components\KelGateConnect\Connections\1 : Name = ""
+Software\Kelvra\Components\KelGateConnect\Connections\1 : Port = "23"
+Software\Kelvra\Components\NewSessionDialog
+Software\Kelvra\Components\NewSessionDialog\App_
+Software\Kelvra\Components\NewSessionDialog\App_ : LastConnection = dword:ffffffff
+Software\Kelvra\Components\NewSessionDialog\App_ : Option = dword:00000002
+Software\Kelvra\Components\NewSessionDialog\App_Host
+Software\Kelvra\Components\NewSessionDialog\App_Host : LastConnection = dword:ffffffff
+Software\Kelvra\Components\NewSessionDialog\App_Host : Option = dword:00000002
+Software\Kelvra\Components\OpenDataFileDialog
+Software\Kelvra\Components\OpenDataFileDialog\App_Host
+Software\Kelvra\Components\OpenDataFileDialog\App_Host\RecentFiles
+Software\Kelvra\Components\OpenDataFileDialog\App_Host\RecentFiles : Count = dword:00000001
+Software\Kelvra\Components\OpenDataFileDialog\App_Host\RecentFiles\0
+Software\Kelvra\Components\OpenDataFileDialog\App_Host\RecentFiles\0 : FileName = "C:\Data\a.dat"
+Software\Kelvra\Components\OpenDataFileDialog\App_Host\Settings
+Software\Kelvra\Components\OpenDataFileDialog\App_Host\Settings : Use Workspaces = dword:00000001
+Software\Kelvra\Components\Recorder
+Software\Kelvra\Components\Recorder : DownloadFolder = ""
+Software\Kelvra\Components\Recorder : DownoadRate = "57600"
+Software\Kelvra\Components\SerialConnect
+Software\Kelvra\Components\SerialConnect\App_Host
+Software\Kelvra\Components\SerialConnect\App_Host\Settings
+Software\Kelvra\Components\SerialConnect\App_Host\Settings : Baud = "19200"
+Software\Kelvra\Components\SerialConnect\App_Host\Settings : Port = "Com3:"
+Software\Kelvra\Components\UploadFirmwareDialog
+Software\Kelvra\Components\UploadFirmwareDialog : LastUsedFile = "f.hex"
+)");
+}
+
+TEST_F(SettingsTest, OnlyWholeTextsOfTheRightKindAreRead) {
+    using namespace std::string_view_literals;
+    const std::string longest = std::string(498, 'x');
+    const std::string tooLong = longest + "x";
+    const std::string farTooLong = std::string(5000, 'x');
+    const auto whole = [](const std::string& text) {
+        return std::string_view(text.c_str(), text.size() + 1);
+    };
+    const struct {
+        DWORD type;
+        std::string_view bytes;
+        std::string_view read;
+    } cases[] = {
+        {REG_SZ, "57600\0"sv, "57600"},
+        {REG_SZ, "\0"sv, ""},
+        {REG_SZ, "a\0b\0"sv, "a"},
+        {REG_SZ, whole(longest), longest},
+        {REG_SZ, whole(tooLong), "default"},
+        {REG_SZ, whole(farTooLong), "default"},
+        // The platform adds a terminator that stands behind the bytes; a blank stands there.
+        {REG_SZ, "57600 "sv.substr(0, 5), "default"},
+        {REG_SZ, " "sv.substr(0, 0), "default"},
+        {REG_DWORD, "abc\0"sv, "default"},
+        {REG_BINARY, "57600\0"sv, "default"},
+        {REG_EXPAND_SZ, "57600\0"sv, "default"},
+    };
+    for (const auto& row : cases) {
+        put(recorder::kKey, recorder::kDownloadRate, row.type, row.bytes);
+        EXPECT_EQ(ReadStringSetting(recorder::kKey, recorder::kDownloadRate, "default"), row.read)
+            << row.type << " " << row.bytes;
+    }
+}
+
+TEST_F(SettingsTest, OnlyNumbersAreReadAsNumbers) {
+    const std::string section = new_session::key("Host");
+    const SettingsKey key = SettingsKey::forReading(section);
+    DWORD value = 7;
+    EXPECT_FALSE(key.readNumber(new_session::kOption, value));
+    put(section, new_session::kOption, REG_SZ, std::string_view("12\0", 4));
+    EXPECT_FALSE(key.readNumber(new_session::kOption, value));
+    put(section, new_session::kOption, REG_DWORD, "12");
+    EXPECT_FALSE(key.readNumber(new_session::kOption, value));
+    EXPECT_EQ(value, 7u);
+    put(section, new_session::kOption, REG_DWORD, std::string_view("\2\0\0\0", 4));
+    EXPECT_TRUE(key.readNumber(new_session::kOption, value));
+    EXPECT_EQ(value, 2u);
+}
+
+TEST_F(SettingsTest, ReadingMakesTheKeyAndNoValue) {
+    EXPECT_EQ(ReadStringSetting(recorder::kKey, recorder::kDownloadFolder, "C:\\KelData"),
+              "C:\\KelData");
+    EXPECT_EQ(connections(), Entries());
+    EXPECT_EQ(test::joined(sandbox_.listing()),
+              "\nSoftware\nSoftware\\Kelvra\nSoftware\\Kelvra\\Components\n"
+              "Software\\Kelvra\\Components\\KelGateConnect\n"
+              "Software\\Kelvra\\Components\\KelGateConnect\\Connections\n"
+              "Software\\Kelvra\\Components\\Recorder\n");
+}
+
+TEST_F(SettingsTest, AListEndsBeforeItsFirstIncompleteEntry) {
+    const Entries three = {{"a", "b", "c"}, {"d", "e", "f"}, {"g", "h", "i"}};
+    writeList(connections::kKey, connections::kFields, three);
+    EXPECT_EQ(connections(), three);
+
+    writeList(connections::kKey, connections::kFields, Entries{three[2]});
+    EXPECT_EQ(connections(), Entries{three[2]});
+    EXPECT_EQ(sandbox_.listing().count(
+                  "Software\\Kelvra\\Components\\KelGateConnect\\Connections\\2 : Port = \"i\""),
+              1u);
+
+    // Four thousand million, most of which there are not.
+    put(connections::kKey, "Count", REG_DWORD, std::string_view("\x00\x28\x6b\xee", 4));
+    EXPECT_EQ(connections(), (Entries{three[2], three[1], three[2]}));
+    put(std::string(connections::kKey) + "\\1", "Address", REG_DWORD, "abcd");
+    EXPECT_EQ(connections(), Entries{three[2]});
+    put(connections::kKey, "Count", REG_SZ, std::string_view("1\0", 2));
+    EXPECT_EQ(connections(), Entries());
+}
+
+// Counts the calls on the registry and refuses one of them. What is patched is this program, whose
+// own calls would come here too.
+const HMODULE platform = GetModuleHandleW(L"advapi32.dll");
+int calls;
+int refusedCall;
+
+bool isRefused() {
+    return ++calls == refusedCall;
+}
+
+LSTATUS WINAPI create(HKEY key, const char* name, DWORD reserved, char* className, DWORD options,
+                      REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* result,
+                      DWORD* disposition) {
+    EXPECT_EQ(options, 0u);
+    EXPECT_TRUE(access == 0x20019 || access == 0x20006) << access;
+    if (!isRefused())
+        return test::exportOf<decltype(RegCreateKeyExA)>(platform, "RegCreateKeyExA")(
+            key, name, reserved, className, options, access, security, result, disposition);
+    *result = reinterpret_cast<HKEY>(1);
+    return ERROR_ACCESS_DENIED;
+}
+
+LSTATUS WINAPI query(HKEY key, const char* name, DWORD* reserved, DWORD* type, BYTE* data,
+                     DWORD* size) {
+    return isRefused() ? ERROR_ACCESS_DENIED
+                       : test::exportOf<decltype(RegQueryValueExA)>(platform, "RegQueryValueExA")(
+                             key, name, reserved, type, data, size);
+}
+
+LSTATUS WINAPI set(HKEY key, const char* name, DWORD reserved, DWORD type, const BYTE* data,
+                   DWORD size) {
+    return isRefused() ? ERROR_ACCESS_DENIED
+                       : test::exportOf<decltype(RegSetValueExA)>(platform, "RegSetValueExA")(
+                             key, name, reserved, type, data, size);
+}
+
+TEST_F(SettingsTest, ARefusedCallLosesWhatFollows) {
+    const Entries two = {{"a", "b", "c"}, {"d", "e", "f"}};
+    writeList(connections::kKey, connections::kFields, two);
+    const HMODULE program = GetModuleHandleW(nullptr);
+    const test::ImportPatch patches[] = {
+        {program, "RegCreateKeyExA", reinterpret_cast<void*>(create)},
+        {program, "RegQueryValueExA", reinterpret_cast<void*>(query)},
+        {program, "RegSetValueExA", reinterpret_cast<void*>(set)}};
+    const auto texts = [] {
+        std::string all;
+        for (const ListEntry& entry : connections()) {
+            for (const std::string& text : entry)
+                all += text;
+        }
+        return all;
+    };
+    const Entries other = {{"A", "B", "C"}, {"D", "E", "F"}};
+    // The list, its length, then for each entry its key and three texts.
+    const struct {
+        const char* read;
+        const char* afterWriting;
+    } expected[] = {{"", "abcdef"},    {"", "abcdef"},    {"", "abcdef"},      {"", "abcdef"},
+                    {"", "Abcdef"},    {"", "ABcdef"},    {"abc", "ABCdef"},   {"abc", "ABCdef"},
+                    {"abc", "ABCDef"}, {"abc", "ABCDEf"}, {"abcdef", "ABCDEF"}};
+    for (const auto& row : expected) {
+        refusedCall = 0;
+        writeList(connections::kKey, connections::kFields, two);
+        calls = 0;
+        refusedCall = static_cast<int>(&row - expected) + 1;
+        EXPECT_EQ(texts(), row.read) << refusedCall;
+        const int made = std::min(refusedCall, 10);
+        EXPECT_EQ(calls, made) << "nothing follows a failure";
+        calls = 0;
+        writeList(connections::kKey, connections::kFields, other);
+        EXPECT_EQ(calls, made);
+        refusedCall = 0;
+        EXPECT_EQ(texts(), row.afterWriting) << made;
+    }
+    calls = 0;
+    refusedCall = 1;
+    EXPECT_EQ(ReadStringSetting(recorder::kKey, recorder::kDownloadRate, "default"), "default");
+}
+
+}  // namespace
+}  // namespace kel::settings

@@ -1,0 +1,93 @@
+#include "tests/wine/support/registry_sandbox.h"
+
+#include <cstdio>
+#include <cstring>
+#include <vector>
+
+#include "com/error.h"
+
+namespace kel::test {
+namespace {
+
+void check(LSTATUS status) {
+    if (status != ERROR_SUCCESS) throw com::Error(HRESULT_FROM_WIN32(status));
+}
+
+std::string shown(DWORD type, const std::string& bytes) {
+    char text[16];
+    if (type == REG_SZ && bytes.find('\0') + 1 == bytes.size())
+        return "\"" + bytes.substr(0, bytes.size() - 1) + "\"";
+    if (type == REG_DWORD && bytes.size() == sizeof(DWORD)) {
+        DWORD number = 0;
+        std::memcpy(&number, bytes.data(), sizeof number);
+        std::snprintf(text, sizeof text, "dword:%08lx", number);
+        return text;
+    }
+    std::string value = "type " + std::to_string(type) + ":";
+    for (const char byte : bytes) {
+        std::snprintf(text, sizeof text, " %02x", static_cast<unsigned char>(byte));
+        value += text;
+    }
+    return value;
+}
+
+// What stands below a key.
+void addKeys(HKEY key, const std::string& path, std::set<std::string>& listing) {
+    char name[300];
+    std::vector<char> data(0x10000);
+    std::string line = path;
+    for (DWORD i = 0;; ++i) {
+        DWORD nameSize = sizeof name;
+        auto dataSize = static_cast<DWORD>(data.size());
+        DWORD type = 0;
+        if (RegEnumValueA(key, i, name, &nameSize, nullptr, &type,
+                          reinterpret_cast<BYTE*>(data.data()), &dataSize) != ERROR_SUCCESS)
+            break;
+        const std::string value = " = " + shown(type, std::string(data.data(), dataSize));
+        if (nameSize == 0) {
+            line += value;
+        } else {
+            listing.insert(path + " : " + name + value);
+        }
+    }
+    listing.insert(line);
+    for (DWORD i = 0; RegEnumKeyA(key, i, name, sizeof name) == ERROR_SUCCESS; ++i) {
+        com::RegistryKeyHandle child;
+        check(RegOpenKeyA(key, name, child.put()));
+        addKeys(child.get(), path.empty() ? name : path + "\\" + name, listing);
+    }
+}
+
+}  // namespace
+
+RegistrySandbox::RegistrySandbox(HKEY root)
+    : root_(root), path_(L"Software\\KelUtilsTests\\" + std::to_wstring(GetCurrentProcessId())) {
+    clear();
+    check(RegCreateKeyExW(HKEY_CURRENT_USER, path_.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                          KEY_ALL_ACCESS, nullptr, key_.put(), nullptr));
+    check(RegOverridePredefKey(root_, key_.get()));
+}
+
+RegistrySandbox::~RegistrySandbox() {
+    RegOverridePredefKey(root_, nullptr);
+    clear();
+}
+
+void RegistrySandbox::clear() const {
+    RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
+}
+
+std::set<std::string> RegistrySandbox::listing() const {
+    std::set<std::string> lines;
+    addKeys(key(), "", lines);
+    return lines;
+}
+
+std::string joined(const std::set<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines)
+        text += line + "\n";
+    return text;
+}
+
+}  // namespace kel::test
