@@ -5,11 +5,11 @@
 namespace kel::bench {
 
 void LogFile::open(const std::wstring& path) {
-    Handle file;
+    com::FileHandle file;
     if (!path.empty()) {
-        file =
-            Handle(CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                               nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+        file = com::FileHandle(CreateFileW(path.c_str(), FILE_APPEND_DATA,
+                                           FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
+                                           FILE_ATTRIBUTE_NORMAL, nullptr));
         if (!file) {
             throw com::Error(com::lastError().code(), L"The log file " + path + L" does not open");
         }
@@ -27,7 +27,7 @@ void LogFile::append(std::string_view bytes) {
 
     const HRESULT code = com::lastError().code();
     const std::wstring path = std::exchange(path_, {});
-    file_ = Handle();
+    file_ = com::FileHandle();
     throw com::Error(code, L"The log file " + path + L" takes no more and is closed");
 }
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "bench/link/handle.h"
+#include "com/handles.h"
 
 namespace kel::bench {
 
@@ -21,7 +21,7 @@ public:
 
 private:
     std::wstring path_;
-    Handle file_;
+    com::FileHandle file_;
 };
 
 }  // namespace kel::bench

@@ -41,7 +41,8 @@ std::optional<std::wstring> RegistryKey::read(const std::wstring& path) {
 
 void RegistryKey::set(const wchar_t* name, const std::wstring& text) {
     const auto size = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
-    check(RegSetValueExW(key_, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()), size));
+    check(RegSetValueExW(key_.get(), name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+                         size));
 }
 
 }  // namespace kel::bench

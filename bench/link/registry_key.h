@@ -5,7 +5,8 @@
 
 #include <optional>
 #include <string>
-#include <utility>
+
+#include "com/handles.h"
 
 namespace kel::bench {
 
@@ -21,19 +22,13 @@ public:
     // there is no such key or value.
     static std::optional<std::wstring> read(const std::wstring& path);
 
-    RegistryKey(RegistryKey&& other) noexcept : key_(std::exchange(other.key_, nullptr)) {}
-    RegistryKey& operator=(RegistryKey&&) = delete;
-    ~RegistryKey() {
-        if (key_) RegCloseKey(key_);
-    }
-
     // Sets a value; null is the default value's name.
     void set(const wchar_t* name, const std::wstring& text);
 
 private:
     explicit RegistryKey(HKEY key) : key_(key) {}
 
-    HKEY key_;
+    com::RegistryKeyHandle key_;
 };
 
 }  // namespace kel::bench

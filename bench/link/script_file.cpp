@@ -4,8 +4,8 @@
 
 #include <stdexcept>
 
-#include "bench/link/handle.h"
 #include "com/error.h"
+#include "com/handles.h"
 #include "com/text.h"
 #include "com/text_file.h"
 
@@ -25,8 +25,9 @@ std::string readFile(const std::wstring& path) {
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY)) {
         refuse(ERROR_FILE_NOT_FOUND, path, L"it is a folder");
     }
-    const Handle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                  nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const com::FileHandle file(CreateFileW(path.c_str(), GENERIC_READ,
+                                           FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                           OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
     LARGE_INTEGER size{};
     if (!file || !GetFileSizeEx(file.get(), &size)) {
         const DWORD error = GetLastError();

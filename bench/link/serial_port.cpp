@@ -39,14 +39,14 @@ std::wstring_view withoutColon(std::wstring_view name) {
 
 // Opens the device; the last error tells of a failure. Nothing but the name of a device is taken:
 // the prefix would open any file.
-Handle openDevice(std::wstring_view name) {
+com::FileHandle openDevice(std::wstring_view name) {
     if (name.empty() || name.find_first_of(L"\\/:") != name.npos) {
         SetLastError(ERROR_FILE_NOT_FOUND);
         return {};
     }
     const std::wstring path = L"\\\\.\\" + std::wstring(name);
-    return Handle(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
-                              0, nullptr));
+    return com::FileHandle(CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                       OPEN_EXISTING, 0, nullptr));
 }
 
 DCB initialState(const DCB& present, long baudRate) {
@@ -88,7 +88,7 @@ bool prepare(HANDLE device, long baudRate) {
 DWORD SerialPort::open(std::wstring_view name, long baudRate) {
     close();
     const std::wstring_view bare = withoutColon(name);
-    Handle device = openDevice(bare);
+    com::FileHandle device = openDevice(bare);
     if (!device || !prepare(device.get(), baudRate)) return GetLastError();
     device_ = std::move(device);
     name_ = bare;
@@ -123,7 +123,7 @@ bool SerialPort::setLine(const std::wstring& parity, long dataBits, long stopBit
 }
 
 void SerialPort::close() {
-    device_ = Handle();
+    device_ = com::FileHandle();
     name_.clear();
 }
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "bench/link/handle.h"
 #include "bench/link/transport.h"
+#include "com/handles.h"
 
 namespace kel::bench {
 
@@ -35,7 +35,7 @@ public:
 private:
     DCB state() const;
 
-    Handle device_;
+    com::FileHandle device_;
     std::wstring name_;
     // Not every driver tells its settings truly when it is asked.
     std::wstring parity_;

@@ -3,7 +3,7 @@
 
 #include <winsock2.h>
 
-#include <utility>
+#include "com/unique_handle.h"
 
 namespace kel::bench {
 
@@ -16,24 +16,11 @@ public:
     SocketLibrary& operator=(const SocketLibrary&) = delete;
 };
 
-class Socket {
-public:
-    Socket() = default;
-    explicit Socket(SOCKET socket) : socket_(socket) {}
-    Socket(Socket&& other) noexcept : socket_(std::exchange(other.socket_, INVALID_SOCKET)) {}
-    Socket& operator=(Socket other) noexcept {
-        std::swap(socket_, other.socket_);
-        return *this;
-    }
-    ~Socket() {
-        if (*this) closesocket(socket_);
-    }
-
-    SOCKET get() const { return socket_; }
-    explicit operator bool() const { return socket_ != INVALID_SOCKET; }
-
-private:
-    SOCKET socket_ = INVALID_SOCKET;
+struct SocketTraits {
+    using Type = SOCKET;
+    static Type none() { return INVALID_SOCKET; }
+    static void close(Type socket) { closesocket(socket); }
 };
+using Socket = com::UniqueHandle<SocketTraits>;
 
 }  // namespace kel::bench

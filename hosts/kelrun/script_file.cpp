@@ -5,10 +5,10 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "com/handles.h"
 #include "com/text.h"
 #include "com/text_file.h"
 #include "hosts/kelrun/error_text.h"
-#include "hosts/kelrun/file_handle.h"
 #include "hosts/kelrun/model/failure.h"
 
 namespace kel::kelrun {
@@ -38,7 +38,7 @@ public:
     }
 
 private:
-    FileHandle open(const std::wstring& path) const {
+    com::FileHandle open(const std::wstring& path) const {
         const DWORD attributes = GetFileAttributesW(path.c_str());
         if (attributes == INVALID_FILE_ATTRIBUTES) refuseForLastError();
         if (attributes & FILE_ATTRIBUTE_DIRECTORY) refuse("is a folder, not a script");
@@ -46,7 +46,7 @@ private:
             CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                         OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr);
         if (handle == INVALID_HANDLE_VALUE) refuseForLastError();
-        FileHandle file(handle);
+        com::FileHandle file(handle);
         if (GetFileType(handle) != FILE_TYPE_DISK) refuse("is a device, not a script");
         return file;
     }
@@ -67,7 +67,7 @@ private:
     }
 
     std::string shownPath_;
-    FileHandle file_;
+    com::FileHandle file_;
 };
 
 std::wstring decode(const Reader& file) {

@@ -9,10 +9,10 @@
 namespace kel::kelrun {
 namespace {
 
-FileHandle create(const std::string& path) {
+com::FileHandle create(const std::string& path) {
     const HANDLE handle = CreateFileW(com::widen(path, CP_UTF8).c_str(), GENERIC_WRITE,
                                       FILE_SHARE_READ, nullptr, CREATE_ALWAYS, 0, nullptr);
-    if (handle != INVALID_HANDLE_VALUE) return FileHandle(handle);
+    if (handle != INVALID_HANDLE_VALUE) return com::FileHandle(handle);
     const DWORD error = GetLastError();
     throw Failure(ExitCode::kUsage, path + " cannot be written: " + systemText(error));
 }

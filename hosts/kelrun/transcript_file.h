@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "hosts/kelrun/file_handle.h"
+#include "com/handles.h"
 #include "hosts/kelrun/model/transcript.h"
 
 namespace kel::kelrun {
@@ -27,7 +27,7 @@ private:
     void write(std::string_view line);
     long long milliseconds() const;
 
-    FileHandle file_;
+    com::FileHandle file_;
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
     bool broken_ = false;
     Transcript transcript_;

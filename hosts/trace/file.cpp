@@ -10,7 +10,7 @@ File::File(HANDLE handle, const std::wstring& path) {
     if (handle == INVALID_HANDLE_VALUE) {
         throw com::Error(com::lastError().code(), L"The file '" + path + L"' cannot be opened");
     }
-    handle_.reset(handle);
+    handle_ = com::FileHandle(handle);
 }
 
 File File::create(const std::wstring& path) {

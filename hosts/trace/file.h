@@ -3,9 +3,10 @@
 
 #include <windows.h>
 
-#include <memory>
 #include <string>
 #include <string_view>
+
+#include "com/handles.h"
 
 namespace kel::trace {
 
@@ -20,13 +21,9 @@ public:
     std::string readAll();
 
 private:
-    struct Close {
-        void operator()(void* handle) const { CloseHandle(handle); }
-    };
-
     File(HANDLE handle, const std::wstring& path);
 
-    std::unique_ptr<void, Close> handle_;
+    com::FileHandle handle_;
 };
 
 }  // namespace kel::trace
