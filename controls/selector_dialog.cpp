@@ -12,10 +12,6 @@ namespace {
 
 constexpr int kCaptionMargin = 16;
 
-bool isControlHeld() {
-    return GetKeyState(VK_CONTROL) < 0;
-}
-
 }  // namespace
 
 std::optional<std::vector<bool>> SelectorDialog::ask(HWND owner) {
@@ -116,14 +112,14 @@ std::optional<LRESULT> SelectorDialog::intercepted(HWND, UINT message, WPARAM wi
             const int row = rowOfCheckBox(longer);
             if (row < 0) return std::nullopt;
             SetFocus(list());
-            work(row);
+            work(row, (wide & MK_CONTROL) != 0);
             return 0;
         }
         case WM_KEYDOWN: {
             if (wide != VK_SPACE) return std::nullopt;
             const auto row = static_cast<int>(
                 SendMessageW(list(), LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
-            if (row >= 0) work(row);
+            if (row >= 0) work(row, GetKeyState(VK_CONTROL) < 0);
             return 0;
         }
         case WM_CHAR:
@@ -179,9 +175,9 @@ std::vector<int> SelectorDialog::selectedRows() const {
 }
 
 // A click on a row's check box, or the space bar.
-void SelectorDialog::work(int row) {
+void SelectorDialog::work(int row, bool isControlHeld) {
     setState(row, LVIS_FOCUSED, LVIS_FOCUSED);
-    if (isControlHeld()) {
+    if (isControlHeld) {
         toggleSelection(row);
     } else {
         toggleCheck(row);

@@ -53,7 +53,7 @@ private:
     void setCheck(int row, bool isChecked);
     bool isChecked(int row) const;
     std::vector<int> selectedRows() const;
-    void work(int row);
+    void work(int row, bool isControlHeld);
     void toggleCheck(int row);
     void toggleSelection(int row);
 

@@ -345,7 +345,8 @@ blocks_after() {
         $0 == "```text" && due { on = 1; due = 0 }' "$2"
 }
 
-# Every JScript client in the documents prints what the block after it says.
+# Every JScript client in the documents prints what the block after it says. Those that wait for a
+# user are not marked as "js" and do not run here.
 test_documented_clients() {
     local page script=$folder/client.js count=0
     for page in README.md docs/hosting.md; do

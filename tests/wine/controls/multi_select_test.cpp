@@ -87,7 +87,7 @@ void act(DialogDriver& user, const std::string& line) {
     } else if (word == "doubleclick") {
         clickBox({WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP});
     } else if (word == "controlclick") {
-        user.hold(VK_CONTROL, [&] { clickBox({WM_LBUTTONDOWN, WM_LBUTTONUP}, MK_CONTROL); });
+        clickBox({WM_LBUTTONDOWN, WM_LBUTTONUP}, MK_CONTROL);
     } else if (word == "labelclick") {
         const POINT at = labelOf(user, row());
         for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP})

@@ -6,6 +6,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "com/message_loop.h"
 #include "com/text.h"
 #include "tests/wine/support/picture.h"
 
@@ -68,12 +69,14 @@ DialogDriver::DialogDriver(std::function<void(DialogDriver&)> steps)
       thread_([this, steps = std::move(steps)] { run(steps); }) {}
 
 DialogDriver::~DialogDriver() {
+    isOver_ = true;
     thread_.join();
 }
 
 void DialogDriver::run(const std::function<void(DialogDriver&)>& steps) {
     try {
         steps(*this);
+        hasEnded_ = true;
     } catch (const std::exception& failure) {
         giveUp(failure.what());
     }
@@ -96,15 +99,20 @@ void DialogDriver::giveUp(const std::string& reason) {
         }
     }
     ADD_FAILURE() << report.str();
-    const auto end = std::chrono::steady_clock::now() + kPatience;
-    for (bool any = true; any && std::chrono::steady_clock::now() < end; Sleep(20)) {
-        any = false;
+    hasEnded_ = true;
+    for (; !isOver_; Sleep(20)) {
         for (const HWND window : windowsOf(testThread_)) {
-            if (!isDialog(window)) continue;
-            any = true;
-            PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
+            if (isDialog(window)) PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
         }
     }
+}
+
+void DialogDriver::runMessageLoop() {
+    while (!hasEnded_) {
+        com::sleepUntilMessage(std::chrono::milliseconds(10));
+        com::runWaitingMessages();
+    }
+    com::runWaitingMessages();
 }
 
 void DialogDriver::waitUntil(const char* what, const std::function<bool()>& holds) {
@@ -162,14 +170,6 @@ void DialogDriver::key(WORD virtualKey, WORD modifier) {
     add(virtualKey, KEYEVENTF_KEYUP);
     add(modifier, KEYEVENTF_KEYUP);
     SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
-}
-
-void DialogDriver::hold(WORD virtualKey, const std::function<void()>& action) {
-    INPUT input = keyInput(virtualKey, 0);
-    SendInput(1, &input, sizeof input);
-    action();
-    input.ki.dwFlags = KEYEVENTF_KEYUP;
-    SendInput(1, &input, sizeof input);
 }
 
 void DialogDriver::type(std::wstring_view text) {

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -20,7 +21,8 @@ namespace kel::test {
 //     dialog->ShowModal(0, &result);
 //
 // A step that does not succeed in time is a failure of the test that tells all windows and the
-// focus, takes a picture beside the program, and cancels every dialog, so that the test ends.
+// focus, takes a picture beside the program, and cancels every dialog until the test's thread is
+// through, so that the test ends.
 class DialogDriver {
 public:
     explicit DialogDriver(std::function<void(DialogDriver&)> steps);
@@ -28,6 +30,9 @@ public:
     ~DialogDriver();
     DialogDriver(const DialogDriver&) = delete;
     DialogDriver& operator=(const DialogDriver&) = delete;
+
+    // Runs the message loop of the test's thread until the last step, for what is not modal.
+    void runMessageLoop();
 
     // Waits for a dialog with this caption that takes input. The following steps are for it.
     HWND waitFor(const std::wstring& caption);
@@ -44,8 +49,6 @@ public:
     // Presses a key, for the window that has the focus; `modifier` is held down meanwhile.
     void key(WORD virtualKey, WORD modifier = 0);
     void type(std::wstring_view text);
-    // Does something with the mouse while a key is held down.
-    void hold(WORD virtualKey, const std::function<void()>& action);
     // The window of the test's thread that has the focus.
     HWND focus();
     LRESULT send(HWND window, UINT message, WPARAM wide = 0, LPARAM longer = 0);
@@ -55,6 +58,8 @@ private:
     void giveUp(const std::string& reason);
 
     DWORD testThread_;
+    std::atomic<bool> hasEnded_ = false;
+    std::atomic<bool> isOver_ = false;
     HWND window_ = nullptr;
     std::thread thread_;
 };

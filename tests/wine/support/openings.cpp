@@ -2,10 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <ostream>
 
-#include "com/message_loop.h"
 #include "com/text.h"
 #include "interfaces/KelUtils.h"
 #include "tests/support/cases.h"
@@ -54,21 +52,15 @@ void open(const Opening& opening, const std::function<void(HWND)>& look) {
     CLSID component{};
     com::check(CLSIDFromProgID(opening.component.c_str(), &component));
     const auto object = kelUtils().create<IDispatch>(component);
-    std::atomic<bool> done = false;
-    const DialogDriver user([&](DialogDriver& driver) {
+    DialogDriver user([&](DialogDriver& driver) {
         driver.waitFor(opening.caption);
         look(driver.window());
         PostMessageW(driver.window(), WM_COMMAND, IDCANCEL, 0);
-        done = true;
     });
     for (const std::string& line : opening.calls)
         EXPECT_EQ(call(object.Get(), line), line.starts_with("ShowModal") ? "False" : "") << line;
     if (!opening.script.empty()) runScript(object.Get(), opening.script);
-    while (!done) {
-        com::sleepUntilMessage(std::chrono::milliseconds(10));
-        com::runWaitingMessages();
-    }
-    com::runWaitingMessages();
+    user.runMessageLoop();
 }
 
 }  // namespace kel::test
