@@ -1,12 +1,36 @@
 // The store, down to the bytes that it leaves in the registry.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <utility>
+
 #include "settings/settings_key.h"
 #include "settings/settings_list.h"
 #include "settings/vocabulary.h"
 #include "tests/wine/support/import_patch.h"
 #include "tests/wine/support/library.h"
 #include "tests/wine/support/registry_sandbox.h"
+
+namespace {
+
+int refusedAllocation;  // counts down; 0 refuses none
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    const bool refused = refusedAllocation > 0 && --refusedAllocation == 0;
+    void* const memory = refused ? nullptr : std::malloc(size);
+    if (!memory) throw std::bad_alloc();
+    return memory;
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
 
 namespace kel::settings {
 namespace {
@@ -93,6 +117,17 @@ Software\Kelvra\Components\UploadFirmwareDialog : LastUsedFile = "f.hex"
 )");
 }
 
+TEST_F(SettingsTest, ATextThatIsNotKeptWholeIsListedByItsBytes) {
+    put(firmware::kKey, "Nothing", REG_SZ, "");
+    put(firmware::kKey, "Bare", REG_SZ, std::string_view("ab ", 2));
+    put(firmware::kKey, "Two", REG_SZ, std::string_view("a\0b\0", 4));
+    put(firmware::kKey, "Zero", REG_SZ, std::string_view("\0", 1));
+    const std::string key = "Software\\Kelvra\\Components\\UploadFirmwareDialog : ";
+    for (const char* line :
+         {"Nothing = type 1:", "Bare = type 1: 61 62", "Two = type 1: 61 00 62 00", "Zero = \"\""})
+        EXPECT_EQ(sandbox_.listing().count(key + line), 1u) << line;
+}
+
 TEST_F(SettingsTest, OnlyWholeTextsOfTheRightKindAreRead) {
     using namespace std::string_view_literals;
     const std::string longest = std::string(498, 'x');
@@ -165,7 +200,11 @@ TEST_F(SettingsTest, AListEndsBeforeItsFirstIncompleteEntry) {
 
     // Four thousand million, most of which there are not.
     put(connections::kKey, "Count", REG_DWORD, std::string_view("\x00\x28\x6b\xee", 4));
+    const std::string before = test::joined(sandbox_.listing());
     EXPECT_EQ(connections(), (Entries{three[2], three[1], three[2]}));
+    EXPECT_EQ(test::joined(sandbox_.listing()),
+              before + "Software\\Kelvra\\Components\\KelGateConnect\\Connections\\3\n")
+        << "the look for the fourth makes its key and no more";
     put(std::string(connections::kKey) + "\\1", "Address", REG_DWORD, "abcd");
     EXPECT_EQ(connections(), Entries{three[2]});
     put(connections::kKey, "Count", REG_SZ, std::string_view("1\0", 2));
@@ -177,6 +216,7 @@ TEST_F(SettingsTest, AListEndsBeforeItsFirstIncompleteEntry) {
 const HMODULE platform = GetModuleHandleW(L"advapi32.dll");
 int calls;
 int refusedCall;
+int openKeys;
 
 bool isRefused() {
     return ++calls == refusedCall;
@@ -187,11 +227,21 @@ LSTATUS WINAPI create(HKEY key, const char* name, DWORD reserved, char* classNam
                       DWORD* disposition) {
     EXPECT_EQ(options, 0u);
     EXPECT_TRUE(access == 0x20019 || access == 0x20006) << access;
-    if (!isRefused())
-        return test::exportOf<decltype(RegCreateKeyExA)>(platform, "RegCreateKeyExA")(
-            key, name, reserved, className, options, access, security, result, disposition);
+    EXPECT_TRUE(!className && !security);
+    if (!isRefused()) {
+        const LSTATUS status =
+            test::exportOf<decltype(RegCreateKeyExA)>(platform, "RegCreateKeyExA")(
+                key, name, reserved, className, options, access, security, result, disposition);
+        openKeys += status == ERROR_SUCCESS;
+        return status;
+    }
     *result = reinterpret_cast<HKEY>(1);
     return ERROR_ACCESS_DENIED;
+}
+
+LSTATUS WINAPI close(HKEY key) {
+    --openKeys;
+    return test::exportOf<decltype(RegCloseKey)>(platform, "RegCloseKey")(key);
 }
 
 LSTATUS WINAPI query(HKEY key, const char* name, DWORD* reserved, DWORD* type, BYTE* data,
@@ -203,19 +253,31 @@ LSTATUS WINAPI query(HKEY key, const char* name, DWORD* reserved, DWORD* type, B
 
 LSTATUS WINAPI set(HKEY key, const char* name, DWORD reserved, DWORD type, const BYTE* data,
                    DWORD size) {
+    // The platform would add a terminator that is not counted.
+    if (type == REG_SZ) {
+        EXPECT_EQ(size, std::strlen(reinterpret_cast<const char*>(data)) + 1);
+    }
     return isRefused() ? ERROR_ACCESS_DENIED
                        : test::exportOf<decltype(RegSetValueExA)>(platform, "RegSetValueExA")(
                              key, name, reserved, type, data, size);
 }
 
-TEST_F(SettingsTest, ARefusedCallLosesWhatFollows) {
+class WatchedSettingsTest : public SettingsTest {
+protected:
+    WatchedSettingsTest() { calls = refusedCall = openKeys = 0; }
+    ~WatchedSettingsTest() override { EXPECT_EQ(openKeys, 0) << "keys are left open"; }
+
+private:
+    const HMODULE program_ = GetModuleHandleW(nullptr);
+    const test::ImportPatch patches_[4] = {
+        {program_, "RegCreateKeyExA", reinterpret_cast<void*>(create)},
+        {program_, "RegCloseKey", reinterpret_cast<void*>(close)},
+        {program_, "RegQueryValueExA", reinterpret_cast<void*>(query)},
+        {program_, "RegSetValueExA", reinterpret_cast<void*>(set)}};
+};
+
+TEST_F(WatchedSettingsTest, ARefusedCallLosesWhatFollows) {
     const Entries two = {{"a", "b", "c"}, {"d", "e", "f"}};
-    writeList(connections::kKey, connections::kFields, two);
-    const HMODULE program = GetModuleHandleW(nullptr);
-    const test::ImportPatch patches[] = {
-        {program, "RegCreateKeyExA", reinterpret_cast<void*>(create)},
-        {program, "RegQueryValueExA", reinterpret_cast<void*>(query)},
-        {program, "RegSetValueExA", reinterpret_cast<void*>(set)}};
     const auto texts = [] {
         std::string all;
         for (const ListEntry& entry : connections()) {
@@ -249,6 +311,37 @@ TEST_F(SettingsTest, ARefusedCallLosesWhatFollows) {
     calls = 0;
     refusedCall = 1;
     EXPECT_EQ(ReadStringSetting(recorder::kKey, recorder::kDownloadRate, "default"), "default");
+}
+
+TEST_F(WatchedSettingsTest, ATextIsWrittenUpToItsFirstZeroAndKeysAreClosedOnce) {
+    SettingsKey key = SettingsKey::forWriting(firmware::kKey);
+    EXPECT_TRUE(WriteStringSetting(key, firmware::kLastUsedFile, std::string("a\0b", 3)));
+    EXPECT_EQ(openKeys, 1);
+    key.close();
+    key.close();
+    EXPECT_EQ(openKeys, 0);
+    EXPECT_FALSE(WriteStringSetting(key, firmware::kLastUsedFile, "c"));
+    EXPECT_FALSE(SettingsKey(key, "Below", KEY_READ));
+    EXPECT_EQ(ReadStringSetting(firmware::kKey, firmware::kLastUsedFile, ""), "a");
+}
+
+TEST_F(WatchedSettingsTest, WantOfMemoryIsPassedOnAndLeavesNoKeyOpen) {
+    const std::string longText(100, 'x');
+    const Entries entries = {{longText, longText, longText}, {longText, longText, longText}};
+    const std::string application(50, 'p');
+    int refused = 0;
+    for (bool done = false; !done;) {
+        refusedAllocation = ++refused;
+        try {
+            writeList(recent_files::key(application), connections::kFields, entries);
+            const Entries read = readList(recent_files::key(application), connections::kFields);
+            done = std::exchange(refusedAllocation, 0) > 0;
+            EXPECT_EQ(read, entries) << refused;
+        } catch (const std::bad_alloc&) {
+        }
+        EXPECT_EQ(openKeys, 0) << refused;
+    }
+    EXPECT_GT(refused, 10) << "allocations are refused at all";
 }
 
 }  // namespace

@@ -15,7 +15,7 @@ void check(LSTATUS status) {
 
 std::string shown(DWORD type, const std::string& bytes) {
     char text[16];
-    if (type == REG_SZ && bytes.find('\0') + 1 == bytes.size())
+    if (type == REG_SZ && !bytes.empty() && bytes.find('\0') == bytes.size() - 1)
         return "\"" + bytes.substr(0, bytes.size() - 1) + "\"";
     if (type == REG_DWORD && bytes.size() == sizeof(DWORD)) {
         DWORD number = 0;
@@ -31,6 +31,13 @@ std::string shown(DWORD type, const std::string& bytes) {
     return value;
 }
 
+// What an enumeration answers. Only its end may end it: a listing never leaves anything out.
+bool isThere(LSTATUS status) {
+    if (status == ERROR_NO_MORE_ITEMS) return false;
+    check(status);
+    return true;
+}
+
 // What stands below a key.
 void addKeys(HKEY key, const std::string& path, std::set<std::string>& listing) {
     char name[300];
@@ -40,8 +47,8 @@ void addKeys(HKEY key, const std::string& path, std::set<std::string>& listing) 
         DWORD nameSize = sizeof name;
         auto dataSize = static_cast<DWORD>(data.size());
         DWORD type = 0;
-        if (RegEnumValueA(key, i, name, &nameSize, nullptr, &type,
-                          reinterpret_cast<BYTE*>(data.data()), &dataSize) != ERROR_SUCCESS)
+        if (!isThere(RegEnumValueA(key, i, name, &nameSize, nullptr, &type,
+                                   reinterpret_cast<BYTE*>(data.data()), &dataSize)))
             break;
         const std::string value = " = " + shown(type, std::string(data.data(), dataSize));
         if (nameSize == 0) {
@@ -51,7 +58,7 @@ void addKeys(HKEY key, const std::string& path, std::set<std::string>& listing) 
         }
     }
     listing.insert(line);
-    for (DWORD i = 0; RegEnumKeyA(key, i, name, sizeof name) == ERROR_SUCCESS; ++i) {
+    for (DWORD i = 0; isThere(RegEnumKeyA(key, i, name, sizeof name)); ++i) {
         com::RegistryKeyHandle child;
         check(RegOpenKeyA(key, name, child.put()));
         addKeys(child.get(), path.empty() ? name : path + "\\" + name, listing);

@@ -24,7 +24,7 @@ public:
 
     // A sorted line for each key, with its default value, and for each named value: "key = value",
     // "key : name = value". A value is a text in quotes, a number as "dword:0000000a", or its type
-    // and bytes where it is kept in any other form than those two.
+    // and bytes where it is kept in any other form than those two. Throws com::Error.
     std::set<std::string> listing() const;
 
 private:
