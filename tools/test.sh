@@ -35,7 +35,7 @@ run_tests() {
     register_libraries
     run_test_program "the portable core as 32-bit code" wine "$kel_build/win32/tests/core/kel_core_tests.exe"
     run_ctest win32 "32-bit Windows" --parallel 2 --label-exclude 'core|end_to_end'
-    [[ ! -d $kel_root/tests/end_to_end ]] || run_ctest win32 "end to end" --label-regex end_to_end
+    [[ ! -d $kel_root/tests/end_to_end ]] || run_ctest win32 "end to end" --parallel 2 --label-regex end_to_end
     ended_early=no
     ((failed == 0)) || exit 1
 }
