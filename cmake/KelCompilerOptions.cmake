@@ -11,9 +11,9 @@ add_compile_options(-Wall -Wextra -Wshadow)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # GCC 12 takes the addition of texts for an overlapping copy.
     add_compile_options(-Wno-restrict)
-    # With precompiled headers also for a copy beyond their end, inside the platform's headers.
+    # With precompiled headers also for a copy beyond their ends, inside the platform's headers.
     if(WIN32)
-        add_compile_options(-Wno-array-bounds)
+        add_compile_options(-Wno-array-bounds -Wno-stringop-overflow -Wno-stringop-overread)
     endif()
 endif()
 if(KEL_WARNINGS_AS_ERRORS)
