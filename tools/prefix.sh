@@ -58,7 +58,7 @@ windows_path() {
 # Registers our libraries in the prefix in use, unless these very files are.
 register_libraries() {
     local state library libraries=("$kel_build/win32/server/KelUtils.dll" "$kel_build/win32/bench/link/BenchLink.dll")
-    state=$(sha256sum -- "${libraries[@]}")
+    state=$(sha256sum -- "${libraries[@]}") || fail "a library to be registered is missing"
     [[ $(cat -- "$WINEPREFIX/.registered" 2>/dev/null) != "$state" ]] || return 0
     for library in "${libraries[@]}"; do
         say "registering ${library##*/}"
@@ -95,7 +95,7 @@ prepare_windows() {
     take_lock 7 "$kel_build/.test-lock" "testing"
     lock_build
     set_up
-    build_preset win32 server/KelUtils.dll "$@"
+    build_preset win32 server/KelUtils.dll bench/link/BenchLink.dll "$@"
     make_prefix
     unlock_build
     make_test_prefix

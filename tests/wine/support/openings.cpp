@@ -8,6 +8,7 @@
 #include "interfaces/KelUtils.h"
 #include "tests/support/cases.h"
 #include "tests/wine/support/dialog_driver.h"
+#include "tests/wine/support/fake_link.h"
 #include "tests/wine/support/late_bound.h"
 #include "tests/wine/support/library.h"
 
@@ -51,7 +52,10 @@ void PrintTo(const Opening& opening, std::ostream* stream) {
 void open(const Opening& opening, const std::function<void(HWND)>& look) {
     CLSID component{};
     com::check(CLSIDFromProgID(opening.component.c_str(), &component));
+    const FakeLink link;
     const auto object = kelUtils().create<IDispatch>(component);
+    com::ComPtr<IKelModalDialog> dialog;
+    if (SUCCEEDED(object.As(&dialog))) com::check(dialog->put_Communicator(link.communicator()));
     DialogDriver user([&](DialogDriver& driver) {
         driver.waitFor(opening.caption);
         look(driver.window());

@@ -23,7 +23,8 @@ std::vector<Opening> readOpenings();
 // Names an opening by its window.
 void PrintTo(const Opening& opening, std::ostream* stream);
 
-// Makes the component, opens its window, lets `look` see it on another thread, and cancels it.
+// Makes the component, with a link where it wants one, opens its window, lets `look` see it on
+// another thread, and cancels it.
 void open(const Opening& opening, const std::function<void(HWND)>& look);
 
 }  // namespace kel::test
