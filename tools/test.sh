@@ -14,7 +14,7 @@ print_sum() {
 
 # Set-up, build, all tests; fails if any does.
 run_tests() {
-    local prefix_maker
+    local prefix_maker program
     at_exit finish_tests
     ended_early=yes
     take_lock 7 "$kel_build/.test-lock" "testing"
@@ -34,7 +34,9 @@ run_tests() {
     start_server
     register_libraries
     run_test_program "the portable core as 32-bit code" wine "$kel_build/win32/tests/core/kel_core_tests.exe"
-    run_ctest win32 "32-bit Windows" --parallel 2 --label-exclude 'core|end_to_end'
+    for program in "$kel_build"/win32/tests/wine/*/*_wine_tests.exe; do
+        run_test_program "$(basename -- "${program%_wine_tests.exe}")" wine "$program"
+    done
     [[ ! -d $kel_root/tests/end_to_end ]] || run_ctest win32 "end to end" --parallel 2 --label-regex end_to_end
     ended_early=no
     ((failed == 0)) || exit 1
