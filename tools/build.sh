@@ -41,7 +41,7 @@ build_preset() {
         targets+=(--target "$target")
     done
     configure "$name"
-    logged "building $name" "$log" run_cmake --build --preset "$(preset_name "$name")" "${targets[@]}" ||
+    logged "building $name" "$log" run_cmake --build --preset "$(preset_name "$name")" --parallel "$(nproc)" "${targets[@]}" ||
         show_failure "$log" "building $name failed"
     warnings=$(grep -c ' warning: ' -- "$log") || true
     ((warnings == 0)) || say "$warnings warnings, see $log"
