@@ -14,7 +14,7 @@ read_run_arguments() {
                 read_run_option "$1" "$2"
                 shift
                 ;;
-            --check | --help) needs_line=no options+=("$1") ;;
+            --check | --help | --version) needs_line=no options+=("$1") ;;
             -*) options+=("$1") ;;
             *)
                 [[ -z $script ]] || usage_error "one script at a time: $script or $1"
@@ -24,6 +24,15 @@ read_run_arguments() {
         shift
     done
     script=${script:-$kel_root/examples/deploy.kel}
+    # A device that nobody opens need not be there. Devices and the virtual instrument get the first
+    # port unless other runs use it, so a recording was most likely made there.
+    case $needs_line in
+        no) device='' ;;
+        replay)
+            device=''
+            [[ -n $port$tcp ]] || port=COM$first_port
+            ;;
+    esac
 }
 
 read_run_option() {
@@ -31,9 +40,13 @@ read_run_option() {
         --port | --tcp) [[ -z $port$device$tcp ]] || usage_error "one --port or --tcp at a time" ;;
     esac
     case $1 in
+        --replay)
+            [[ $needs_line == no ]] || needs_line=replay
+            options+=("$1" "$(windows_path "$2")")
+            ;;
         --port) if [[ $2 == */* ]]; then device=$2; else port=$2; fi ;;
         --tcp) tcp=$2 ;;
-        --script-path | --system-path | --transcript | --record | --replay) options+=("$1" "$(windows_path "$2")") ;;
+        --script-path | --system-path | --transcript | --record) options+=("$1" "$(windows_path "$2")") ;;
         *) options+=("$1" "$2") ;;
     esac
 }
