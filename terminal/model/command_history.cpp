@@ -1,7 +1,8 @@
 #include "terminal/model/command_history.h"
 
 #include <algorithm>
-#include <cwctype>
+
+#include "terminal/model/letter_case.h"
 
 namespace kel::terminal {
 namespace {
@@ -10,10 +11,8 @@ constexpr std::size_t kMostEntries = 100;
 
 bool beginsWith(std::wstring_view entry, std::wstring_view start) {
     return entry.size() >= start.size() &&
-           std::equal(start.begin(), start.end(), entry.begin(), [](wchar_t one, wchar_t other) {
-               return std::towlower(static_cast<std::wint_t>(one)) ==
-                      std::towlower(static_cast<std::wint_t>(other));
-           });
+           std::equal(start.begin(), start.end(), entry.begin(),
+                      [](wchar_t one, wchar_t other) { return folded(one) == folded(other); });
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "terminal/model/command_history.h"
 #include "terminal/model/pane_text.h"
 #include "terminal/model/terminal_layout.h"
+#include "terminal/model/text_search.h"
 
 namespace kel::terminal {
 namespace {
@@ -95,6 +96,28 @@ TEST(PaneTextTest, ALineBeginsWithItsTimeWhenItsFirstCharacterCame) {
     text.take(L"\bd", change);
     EXPECT_EQ(change.removed, 0u);
     EXPECT_EQ(change.added, L"3 d");
+}
+
+TEST(TextSearchTest, GoesAroundTheEnds) {
+    const TextSearch search(L"ok OK\r\nbroken", L"Ok", false);
+    EXPECT_EQ(search.count(), 3u);
+    EXPECT_EQ(search.next(0), 0u);
+    EXPECT_EQ(search.next(1), 3u);
+    EXPECT_EQ(search.next(10), 0u);
+    EXPECT_EQ(search.next(1000), 0u);
+    EXPECT_EQ(search.previous(9), 3u);
+    EXPECT_EQ(search.previous(3), 0u);
+    EXPECT_EQ(search.previous(0), 9u);
+    EXPECT_EQ(search.previous(1000), 9u);
+}
+
+TEST(TextSearchTest, FindsNothingWhereThereIsNothing) {
+    EXPECT_EQ(TextSearch(L"ok", L"OK", true).next(0), std::nullopt);
+    EXPECT_EQ(TextSearch(L"ok", L"", false).next(0), std::nullopt);
+    EXPECT_EQ(TextSearch(L"ok", L"", false).previous(1), std::nullopt);
+    EXPECT_EQ(TextSearch(L"ok", L"", false).count(), 0u);
+    EXPECT_EQ(TextSearch(L"", L"ok", false).previous(0), std::nullopt);
+    EXPECT_EQ(TextSearch(L"aaaa", L"aa", true).count(), 2u);
 }
 
 TEST(TerminalLayoutTest, NothingStandsOutsideTheWindow) {
