@@ -3,6 +3,8 @@
 #include <commctrl.h>
 #include <windowsx.h>
 
+#include <algorithm>
+
 #include "controls/model/check_rule.h"
 #include "resources/resource_ids.h"
 #include "ui/redraw_pause.h"
@@ -11,6 +13,8 @@ namespace kel::controls {
 namespace {
 
 constexpr int kCaptionMargin = 16;
+// What the list leaves free before and behind the text of a row.
+constexpr int kLabelMargin = 16;
 
 }  // namespace
 
@@ -89,9 +93,28 @@ void SelectorDialog::fill() {
         // A new row is not checked.
         if (options_[i].isChecked) setCheck(item.iItem, true);
     }
-    SendMessageW(list(), LVM_SETCOLUMNWIDTH, 0, LVSCW_AUTOSIZE);
+    fitColumn();
     // Where there is no row, no key would do anything; it need not be selected as well.
     setState(0, LVIS_FOCUSED, LVIS_FOCUSED);
+}
+
+// The list can do that by itself, in three times the time.
+void SelectorDialog::fitColumn() {
+    RECT label{LVIR_LABEL, 0, 0, 0};
+    if (!SendMessageW(list(), LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&label))) return;
+    const HDC device = GetDC(list());
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(list(), WM_GETFONT, 0, 0));
+    const HGDIOBJ before = SelectObject(device, font);
+    LONG widest = 0;
+    for (const Option& option : options_) {
+        SIZE size{};
+        GetTextExtentPoint32W(device, option.name.c_str(), static_cast<int>(option.name.size()),
+                              &size);
+        widest = std::max(widest, size.cx);
+    }
+    SelectObject(device, before);
+    ReleaseDC(list(), device);
+    SendMessageW(list(), LVM_SETCOLUMNWIDTH, 0, label.left + widest + kLabelMargin);
 }
 
 bool SelectorDialog::command(int control, int notification) {

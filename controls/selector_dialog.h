@@ -45,6 +45,7 @@ private:
     int buttonWidth(int identifier) const;
     SIZE measure(int identifier, int width, UINT format) const;
     void fill();
+    void fitColumn();
 
     HWND list() const;
     int rowOfCheckBox(LPARAM position) const;
