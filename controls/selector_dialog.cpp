@@ -16,6 +16,29 @@ constexpr int kCaptionMargin = 16;
 // What the list leaves free before and behind the text of a row.
 constexpr int kLabelMargin = 16;
 
+// What a control draws on, in its font.
+class ControlDevice {
+public:
+    explicit ControlDevice(HWND control)
+        : control_(control),
+          device_(GetDC(control)),
+          before_(SelectObject(device_,
+                               reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)))) {}
+    ~ControlDevice() {
+        SelectObject(device_, before_);
+        ReleaseDC(control_, device_);
+    }
+    ControlDevice(const ControlDevice&) = delete;
+    ControlDevice& operator=(const ControlDevice&) = delete;
+
+    HDC get() const { return device_; }
+
+private:
+    HWND control_;
+    HDC device_;
+    HGDIOBJ before_;
+};
+
 }  // namespace
 
 std::optional<std::vector<bool>> SelectorDialog::ask(HWND owner) {
@@ -63,14 +86,9 @@ int SelectorDialog::buttonWidth(int identifier) const {
 }
 
 SIZE SelectorDialog::measure(int identifier, int width, UINT format) const {
-    const HWND window = control(identifier);
-    const HDC device = GetDC(window);
-    const auto font = reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0));
-    const HGDIOBJ before = SelectObject(device, font);
+    const ControlDevice device(control(identifier));
     RECT needed{0, 0, width, 0};
-    DrawTextW(device, text(identifier).c_str(), -1, &needed, format | DT_CALCRECT);
-    SelectObject(device, before);
-    ReleaseDC(window, device);
+    DrawTextW(device.get(), text(identifier).c_str(), -1, &needed, format | DT_CALCRECT);
     return {needed.right, needed.bottom};
 }
 
@@ -102,18 +120,14 @@ void SelectorDialog::fill() {
 void SelectorDialog::fitColumn() {
     RECT label{LVIR_LABEL, 0, 0, 0};
     if (!SendMessageW(list(), LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&label))) return;
-    const HDC device = GetDC(list());
-    const auto font = reinterpret_cast<HFONT>(SendMessageW(list(), WM_GETFONT, 0, 0));
-    const HGDIOBJ before = SelectObject(device, font);
+    const ControlDevice device(list());
     LONG widest = 0;
     for (const Option& option : options_) {
         SIZE size{};
-        GetTextExtentPoint32W(device, option.name.c_str(), static_cast<int>(option.name.size()),
-                              &size);
+        GetTextExtentPoint32W(device.get(), option.name.c_str(),
+                              static_cast<int>(option.name.size()), &size);
         widest = std::max(widest, size.cx);
     }
-    SelectObject(device, before);
-    ReleaseDC(list(), device);
     SendMessageW(list(), LVM_SETCOLUMNWIDTH, 0, label.left + widest + kLabelMargin);
 }
 

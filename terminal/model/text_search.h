@@ -8,7 +8,7 @@
 
 namespace kel::terminal {
 
-// Looks for one text in another; neither may change meanwhile. Places are counted in characters.
+// Looks for one text in a copy of another. Places are counted in characters.
 class TextSearch {
 public:
     // Without `matchesCase` capital and small letters are the same.

@@ -177,7 +177,7 @@ TEST_F(MultiSelectTest, OptionsAreFoundByIndexOrName) {
 }
 
 TEST_F(MultiSelectTest, TheHostMayCallAnythingWhileItIsOpen) {
-    com::check(dialog_->Add(com::Bstr(L"a").get(), VARIANT_TRUE));
+    com::check(dialog_->Add(com::Bstr(L"Mean of the last hour").get(), VARIANT_TRUE));
     com::check(dialog_->put_Title(com::Bstr(L"Parts & more").get()));
     com::check(dialog_->put_Prompt(com::Bstr(L"Which\nof these").get()));
     com::check(dialog_->put_OKText(com::Bstr(L"Take all that are checked").get()));
@@ -199,6 +199,9 @@ TEST_F(MultiSelectTest, TheHostMayCallAnythingWhileItIsOpen) {
                   WS_EX_NOPARENTNOTIFY);
         EXPECT_EQ(driver.send(listOf(driver), LVM_GETEXTENDEDLISTVIEWSTYLE),
                   LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT);
+        const LRESULT width = driver.send(listOf(driver), LVM_GETCOLUMNWIDTH);
+        driver.send(listOf(driver), LVM_SETCOLUMNWIDTH, 0, LVSCW_AUTOSIZE);
+        EXPECT_GE(width, driver.send(listOf(driver), LVM_GETCOLUMNWIDTH));
         driver.press(IDOK);
     });
     VARIANT_BOOL first = VARIANT_FALSE;
