@@ -72,10 +72,6 @@ using ConnectionEnumerator = ListEnumerator<IEnumConnections, CONNECTDATA, copyC
 }  // namespace
 
 void ConnectionPoint::fire(DISPID member, std::initializer_list<Variant> arguments) {
-    std::vector<ComPtr<IDispatch>> sinks;
-    for (const auto& [cookie, sink] : sinks_)
-        sinks.push_back(sink);
-
     // Arguments of a late-bound call stand in reverse order. They are lent, not given.
     std::vector<VARIANT> values;
     for (const Variant& argument : arguments)
@@ -83,7 +79,7 @@ void ConnectionPoint::fire(DISPID member, std::initializer_list<Variant> argumen
     std::reverse(values.begin(), values.end());
     DISPPARAMS parameters = {values.data(), nullptr, static_cast<UINT>(values.size()), 0};
 
-    for (const ComPtr<IDispatch>& sink : sinks) {
+    for (const ComPtr<IDispatch>& sink : sinks<IDispatch>()) {
         sink->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr,
                      nullptr, nullptr);
     }
@@ -113,13 +109,15 @@ HRESULT ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) {
     return guard(IID_IConnectionPoint, nullptr, [&] {
         out(cookie) = 0;
         if (!sink) throw Error(E_POINTER);
-        ComPtr<IDispatch> dispatch;
+        ComPtr<IUnknown> taken;
+        const auto takes = [&](const IID& iid) {
+            void** place = reinterpret_cast<void**>(taken.ReleaseAndGetAddressOf());
+            return SUCCEEDED(sink->QueryInterface(iid, place));
+        };
         // Sinks of script hosts answer the outgoing interface, plain ones IDispatch only.
-        if (FAILED(sink->QueryInterface(source_, &dispatch)) &&
-            FAILED(sink->QueryInterface(IID_PPV_ARGS(&dispatch)))) {
+        if (!takes(source_) && !(isDispatch_ && takes(IID_IDispatch)))
             throw Error(CONNECT_E_CANNOTCONNECT);
-        }
-        sinks_.emplace(lastCookie_ + 1, std::move(dispatch));
+        sinks_.emplace(lastCookie_ + 1, std::move(taken));
         *cookie = ++lastCookie_;
     });
 }

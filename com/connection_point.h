@@ -1,5 +1,5 @@
 #pragma once
-// Events: the outgoing dispatch interface of a component.
+// Events: the outgoing interface of a component, as a rule a dispatch interface.
 //
 //     class Counter final : public com::Object<Counter, com::Dual<ICounter>,
 //                                              com::Events<&DIID__ICounterEvents>> {
@@ -13,6 +13,8 @@
 
 #include <initializer_list>
 #include <map>
+#include <type_traits>
+#include <vector>
 
 #include "com/error.h"
 #include "com/variant.h"
@@ -23,16 +25,28 @@ namespace kel::com {
 // has an identity of its own. Used on the component's thread.
 class ConnectionPoint final : public IConnectionPoint {
 public:
-    ConnectionPoint(IConnectionPointContainer& container, const IID& source)
-        : container_(container), source_(source) {}
+    // Where the source is a dispatch interface, sinks may answer IDispatch in its place.
+    ConnectionPoint(IConnectionPointContainer& container, const IID& source, bool isDispatch)
+        : container_(container), source_(source), isDispatch_(isDispatch) {}
     ConnectionPoint(const ConnectionPoint&) = delete;
     ConnectionPoint& operator=(const ConnectionPoint&) = delete;
 
     bool hasSinks() const { return !sinks_.empty(); }
 
-    // Calls a member of every sink. A sink may advise or unadvise meanwhile; one that fails is none
-    // of the component's business. Throws for want of memory only.
+    // Calls a member of every sink of a dispatch interface. A sink may advise or unadvise
+    // meanwhile; one that fails is none of the component's business. Throws for want of memory
+    // only.
     void fire(DISPID member, std::initializer_list<Variant> arguments);
+
+    // The sinks of now. `Sink` is the source interface.
+    template <class Sink>
+    std::vector<ComPtr<Sink>> sinks() const {
+        std::vector<ComPtr<Sink>> sinks;
+        // What is kept is the pointer to that interface.
+        for (const auto& [cookie, sink] : sinks_)
+            sinks.emplace_back(static_cast<Sink*>(sink.Get()));
+        return sinks;
+    }
 
     STDMETHODIMP QueryInterface(REFIID iid, void** result) override;
     STDMETHODIMP_(ULONG) AddRef() override { return container_.AddRef(); }
@@ -46,12 +60,13 @@ public:
 private:
     IConnectionPointContainer& container_;
     const IID& source_;
-    std::map<DWORD, ComPtr<IDispatch>> sinks_;
+    bool isDispatch_;
+    std::map<DWORD, ComPtr<IUnknown>> sinks_;
     DWORD lastCookie_ = 0;
 };
 
 // Gives an object one outgoing interface; stands in the object's list of interfaces.
-template <const IID* source>
+template <const IID* source, class Sink = IDispatch>
 class Events : public IConnectionPointContainer {
 public:
     STDMETHODIMP EnumConnectionPoints(IEnumConnectionPoints** enumerator) override;
@@ -71,14 +86,14 @@ protected:
                                                     : nullptr;
     }
 
-    ConnectionPoint events_{*this, *source};
+    ConnectionPoint events_{*this, *source, std::is_same_v<Sink, IDispatch>};
 };
 
 // The enumerator over a container's only connection point; the caller owns it.
 IEnumConnectionPoints* enumerateOne(IConnectionPoint* point);
 
-template <const IID* source>
-HRESULT Events<source>::EnumConnectionPoints(IEnumConnectionPoints** enumerator) {
+template <const IID* source, class Sink>
+HRESULT Events<source, Sink>::EnumConnectionPoints(IEnumConnectionPoints** enumerator) {
     return guard(IID_IConnectionPointContainer, nullptr,
                  [&] { out(enumerator) = enumerateOne(&events_); });
 }

@@ -9,6 +9,7 @@
 #include "interfaces/KelUtils.h"
 #include "resources/resource_ids.h"
 #include "script/preprocessor.h"
+#include "terminal/terminal.h"
 
 namespace kel::server {
 namespace {
@@ -26,7 +27,7 @@ template <class Component>
 constexpr auto kCreate = com::rowCreator<com::createInstance<Component>>;
 
 com::ClassRow table[] = {
-    {L"KelTerminal", &CLSID_KelTerminal, IDR_KELTERMINAL, createUnbuilt},
+    {L"KelTerminal", &CLSID_KelTerminal, IDR_KELTERMINAL, kCreate<terminal::KelTerminal>},
     {L"ConnectSerialDialog", &CLSID_ConnectSerialDialog, IDR_CONNECTSERIALDIALOG, createUnbuilt},
     {L"UploadFirmwareDialog", &CLSID_UploadFirmwareDialog, IDR_UPLOADFIRMWAREDIALOG, createUnbuilt},
     {L"Preprocessor", &CLSID_Preprocessor, IDR_PREPROCESSOR, kCreate<script::Preprocessor>},

@@ -93,6 +93,13 @@ void Dialog::create(WORD resource, HWND owner) {
     });
 }
 
+void Dialog::createPart(WORD resource, HWND parent) {
+    runAs(false, [&] {
+        CreateDialogParamW(com::moduleInstance(), MAKEINTRESOURCEW(resource), parent, procedure,
+                           reinterpret_cast<LPARAM>(this));
+    });
+}
+
 void Dialog::create(const DialogTemplate& description, HWND owner) {
     runAs(false, [&] {
         CreateDialogIndirectParamW(com::moduleInstance(), description.get(), owner, procedure,
@@ -262,18 +269,21 @@ void Dialog::tick(UINT_PTR identifier) {
     timer(identifier);
 }
 
+void Dialog::showFailure(const std::wstring& text) {
+    if (statusLine() != 0) {
+        showStatus(text);
+        return;
+    }
+    wchar_t title[256] = L"";
+    GetWindowTextW(window_, title, static_cast<int>(std::size(title)));
+    MessageBoxW(window_, text.c_str(), title, MB_OK | MB_ICONSTOP);
+}
+
 // The last resort must not fail itself: without memory for the text there is none.
 void Dialog::reportFailure() noexcept {
     try {
         const std::wstring text = com::textOfCurrentException();
-        if (!window_) return;
-        if (statusLine() != 0) {
-            showStatus(text);
-        } else {
-            wchar_t title[256] = L"";
-            GetWindowTextW(window_, title, static_cast<int>(std::size(title)));
-            MessageBoxW(window_, text.c_str(), title, MB_OK | MB_ICONSTOP);
-        }
+        if (window_) showFailure(text);
     } catch (const std::bad_alloc&) {
         MessageBeep(MB_ICONSTOP);
     }

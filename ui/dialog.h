@@ -16,9 +16,8 @@
 
 namespace kel::ui {
 
-// Belongs to the thread that shows it. Handlers may throw: the handler ends, the failure's text
-// appears in the status line, or in a message box where the dialog has none, and the dialog lives
-// on.
+// Belongs to the thread that shows it. Handlers may throw: the handler ends, the failure's text is
+// shown, and the dialog lives on.
 class Dialog {
 public:
     // `component`, when given, is kept alive while a handler runs, and must outlive the dialog.
@@ -37,6 +36,8 @@ public:
 
     // Makes a modeless dialog, not yet visible unless its description says so. Throws as above.
     void create(WORD resource, HWND owner);
+    // The same for a part of another window, which holds nothing but the platform's own controls.
+    void createPart(WORD resource, HWND parent);
     void create(const DialogTemplate& description, HWND owner);
 
     // Null while there is none.
@@ -70,6 +71,10 @@ protected:
 
     // The control that shows what happens; 0 for none.
     virtual int statusLine() const { return 0; }
+
+    // What a handler failed with: shown in the status line, or in a message box where there is
+    // none.
+    virtual void showFailure(const std::wstring& text);
 
     // Shows a text in the status line at once: what follows may take long.
     void showStatus(std::wstring_view text);

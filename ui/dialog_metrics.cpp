@@ -3,6 +3,7 @@
 #include <string>
 
 #include "com/error.h"
+#include "com/module.h"
 #include "ui/dialog_template.h"
 
 namespace kel::ui {
@@ -55,6 +56,35 @@ UnitSize DialogMetrics::largestClient(HWND over) const {
     const int height = static_cast<int>(area.bottom - area.top) -
                        2 * GetSystemMetrics(SM_CYFIXEDFRAME) - GetSystemMetrics(SM_CYCAPTION);
     return {width * 4 / baseWidth_, height * 8 / baseHeight_};
+}
+
+SIZE DialogMetrics::pixels(UnitSize units) const {
+    return {MulDiv(units.width, baseWidth_, 4), MulDiv(units.height, baseHeight_, 8)};
+}
+
+UnitSize clientOf(WORD resource) {
+    const HMODULE module = com::moduleInstance();
+    const HRSRC found = FindResourceA(module, MAKEINTRESOURCEA(resource), RT_DIALOG);
+    const HGLOBAL loaded = found ? LoadResource(module, found) : nullptr;
+    if (!loaded) throw com::lastError();
+
+        // The beginning of an extended description, which no header declares.
+#pragma pack(push, 2)
+    struct ExtendedTemplate {
+        WORD version;
+        WORD signature;
+        DWORD helpIdentifier;
+        DWORD extendedStyle;
+        DWORD style;
+        WORD controls;
+        short left;
+        short top;
+        short width;
+        short height;
+    };
+#pragma pack(pop)
+    const auto* description = static_cast<const ExtendedTemplate*>(LockResource(loaded));
+    return {description->width, description->height};
 }
 
 }  // namespace kel::ui

@@ -26,6 +26,8 @@ public:
     // the first monitor where that is null.
     UnitSize largestClient(HWND over) const;
 
+    SIZE pixels(UnitSize units) const;
+
     int scrollBarWidth() const { return unitsAcross(GetSystemMetrics(SM_CXVSCROLL)); }
 
 private:
@@ -41,5 +43,9 @@ private:
     int baseWidth_ = 0;
     int baseHeight_ = 0;
 };
+
+// The client area of a dialog from the resources in the font of all dialogs here. Throws com::Error
+// when there is no such dialog.
+UnitSize clientOf(WORD resource);
 
 }  // namespace kel::ui

@@ -28,6 +28,8 @@ public:
     // The pane has been emptied.
     void clear();
 
+    bool isAtLineStart() const { return atLineStart_; }
+
 private:
     void show(std::wstring_view text, PaneChange& change);
     void takeBack(PaneChange& change);

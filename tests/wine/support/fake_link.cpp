@@ -154,7 +154,10 @@ public:
                                                          : port == link_.port_.Get() ? "port"
                                                                                      : "foreign"));
     }
-    STDMETHODIMP get_Preprocessor(IPreprocessor**) override { return E_NOTIMPL; }
+    STDMETHODIMP get_Preprocessor(IPreprocessor** preprocessor) override {
+        com::ComPtr<IPreprocessor>(link_.preprocessor).CopyTo(preprocessor);
+        return S_OK;
+    }
     STDMETHODIMP put_Preprocessor(IPreprocessor*) override { return E_NOTIMPL; }
     STDMETHODIMP get_FastConnection(VARIANT_BOOL*) override { return E_NOTIMPL; }
     STDMETHODIMP put_FastConnection(VARIANT_BOOL fast) override {

@@ -44,6 +44,7 @@ public:
     long baudRate = 9600;
     long echoWindow = 0;
     std::wstring reply;
+    IPreprocessor* preprocessor = nullptr;  // not told
 
     // Where it is set, waits find only what stands in it.
     std::optional<std::string> received;

@@ -1,0 +1,122 @@
+#include "terminal/stream_poll.h"
+
+#include <atomic>
+#include <utility>
+
+#include "com/variant.h"
+
+namespace kel::terminal {
+namespace {
+
+// Of all terminals of the process: reading a stream may run the message loop, and with it the
+// timers of others that show the same stream.
+class TickGuard {
+public:
+    ~TickGuard() {
+        if (isFirst_) isRunning = false;
+    }
+    TickGuard() = default;
+    TickGuard(const TickGuard&) = delete;
+    TickGuard& operator=(const TickGuard&) = delete;
+
+    bool isFirst() const { return isFirst_; }
+
+private:
+    inline static std::atomic<bool> isRunning = false;
+    const bool isFirst_ = !isRunning.exchange(true);
+};
+
+bool isSameObject(IUnknown* left, IUnknown* right) {
+    if (!left || !right) return left == right;
+    com::ComPtr<IUnknown> leftIdentity;
+    com::ComPtr<IUnknown> rightIdentity;
+    left->QueryInterface(IID_PPV_ARGS(&leftIdentity));
+    right->QueryInterface(IID_PPV_ARGS(&rightIdentity));
+    return leftIdentity.Get() == rightIdentity.Get();
+}
+
+com::ComPtr<IKelStream> portOf(const com::ComPtr<IKelCommunicator>& link) {
+    com::ComPtr<IKelStream> port;
+    if (link) com::check(link->get_Port(&port), link);
+    return port;
+}
+
+// True while a script reads the stream, and while that cannot be told.
+bool isRead(const com::ComPtr<IKelCommunicator>& link) {
+    com::ComPtr<IPreprocessor> preprocessor;
+    com::ComPtr<IPreprocessor2> reader;
+    if (FAILED(link->get_Preprocessor(&preprocessor)) || !preprocessor) return false;
+    if (FAILED(preprocessor.As(&reader))) return false;
+    VARIANT_BOOL isReading = VARIANT_FALSE;
+    return FAILED(reader->get_ReadingFromStream(&isReading)) || com::isTrue(isReading);
+}
+
+void empty(const com::ComPtr<IKelCommunicator>& link, const com::ComPtr<IKelStream>& port) {
+    long window = 0;
+    com::check(port->get_EchoWindow(&window), port);
+    if (window == 0) return;
+    long bytes = 0;
+    com::check(port->get_BytesInReadBuffer(&bytes), port);
+    if (bytes == 0 || isRead(link)) return;
+    com::check(port->ClearReadBuffer(), port);
+}
+
+}  // namespace
+
+void StreamPoll::claim(const com::ComPtr<IKelCommunicator>& link, HWND pane) {
+    com::ComPtr<IKelStream> port;
+    try {
+        if (pane) port = portOf(link);
+    } catch (...) {
+        release();
+        throw;
+    }
+    const bool isClaimed =
+        isSameObject(port.Get(), stream_.Get()) && paneNumber_ == HandleToLong(pane);
+    if (!isClaimed) follow(port, pane);
+}
+
+void StreamPoll::follow(const com::ComPtr<IKelStream>& port, HWND pane) {
+    release();
+    if (!port) return;
+    stream_ = port;
+    paneNumber_ = HandleToLong(pane);
+    rests_ = true;
+    com::check(port->put_EchoWindow(paneNumber_), port);
+    isClaimed_ = true;
+    rests_ = false;
+}
+
+void StreamPoll::release() noexcept {
+    const com::ComPtr<IKelStream> stream = std::exchange(stream_, nullptr);
+    rests_ = false;
+    if (!stream || !std::exchange(isClaimed_, false)) return;
+    const long pane = paneNumber_;
+    long window = 0;
+    if (SUCCEEDED(stream->get_EchoWindow(&window)) && window == pane) stream->put_EchoWindow(0);
+}
+
+void StreamPoll::tick(const com::ComPtr<IKelCommunicator>& link, HWND pane) {
+    const TickGuard guard;
+    if (!guard.isFirst() || !link) return;
+
+    com::ComPtr<IKelStream> port;
+    try {
+        port = portOf(link);
+        hasLinkFailed_ = false;
+    } catch (const com::Error&) {
+        if (std::exchange(hasLinkFailed_, true)) return;
+        throw;
+    }
+    if (!isSameObject(port.Get(), stream_.Get())) follow(port, pane);
+    if (!port || rests_) return;
+    try {
+        empty(link, port);
+    } catch (const com::Error&) {
+        // Another port may have come meanwhile.
+        if (isSameObject(port.Get(), stream_.Get())) rests_ = true;
+        throw;
+    }
+}
+
+}  // namespace kel::terminal
