@@ -3,7 +3,7 @@
 #include <atomic>
 #include <utility>
 
-#include "hosts/kelrun/model/failure.h"
+#include "hosts/shared/model/failure.h"
 
 namespace kel::kelrun {
 namespace {
@@ -17,7 +17,7 @@ BOOL WINAPI takeInterrupt(DWORD kind) {
     const bool isInterrupt = kind == CTRL_C_EVENT || kind == CTRL_BREAK_EVENT;
     if (isInterrupt && isAskedAlready.exchange(true)) {
         // No orderly end: the thread that would do it is the one that does not listen.
-        TerminateProcess(GetCurrentProcess(), static_cast<UINT>(ExitCode::kCancelled));
+        TerminateProcess(GetCurrentProcess(), static_cast<UINT>(host::ExitCode::kCancelled));
     }
     PostMessageW(target, kCancelMessage, 0, 0);
     if (!isInterrupt) Sleep(INFINITE);  // the console closes: the process ends when this returns

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "com/text.h"
-#include "hosts/kelrun/model/diagnostic.h"
 #include "hosts/kelrun/model/source_text.h"
+#include "hosts/shared/model/diagnostic.h"
 
 namespace kel::kelrun {
 namespace {

@@ -2,10 +2,10 @@
 // What is found in a script before it runs, shown as compilers do.
 
 #include "hosts/kelrun/console_output.h"
-#include "hosts/kelrun/model/failure.h"
 #include "hosts/kelrun/model/options.h"
 #include "hosts/kelrun/preprocessor.h"
-#include "hosts/kelrun/script_file.h"
+#include "hosts/shared/model/failure.h"
+#include "hosts/shared/script_file.h"
 
 namespace kel::kelrun {
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "com/text.h"
-#include "hosts/kelrun/error_text.h"
 #include "hosts/kelrun/run.h"
+#include "hosts/shared/error_text.h"
 
 namespace {
 

@@ -2,55 +2,16 @@
 
 #include "com/text.h"
 #include "com/variant.h"
-#include "hosts/kelrun/create.h"
-#include "hosts/kelrun/model/failure.h"
-#include "hosts/kelrun/script_file.h"
+#include "hosts/shared/create.h"
+#include "hosts/shared/diagnostics.h"
+#include "hosts/shared/model/failure.h"
+#include "hosts/shared/script_file.h"
 
 namespace kel::kelrun {
 namespace {
 
 constexpr char kProgramIdentifier[] = "KelUtils.Preprocessor";
 constexpr char kRemedy[] = "run regsvr32 KelUtils.dll";
-
-std::string utf8(std::wstring_view text) {
-    return com::narrow(text, CP_UTF8);
-}
-
-std::string textOf(const com::ComPtr<IScriptDiagnostic>& source,
-                   HRESULT (STDMETHODCALLTYPE IScriptDiagnostic::*get)(BSTR*)) {
-    com::Bstr text;
-    com::check((source.Get()->*get)(text.put()), source);
-    return utf8(text.view());
-}
-
-long countOf(const auto& collection) {
-    long count = 0;
-    com::check(collection->get_Count(&count), collection);
-    return count;
-}
-
-Diagnostic read(const com::ComPtr<IScriptDiagnostic>& source) {
-    long line = 0;
-    long column = 0;
-    ScriptSeverity severity = ScriptError;
-    com::check(source->get_Line(&line), source);
-    com::check(source->get_Column(&column), source);
-    com::check(source->get_Severity(&severity), source);
-    return {textOf(source, &IScriptDiagnostic::get_ScriptName), static_cast<std::size_t>(line),
-            static_cast<std::size_t>(column), severity == ScriptError,
-            textOf(source, &IScriptDiagnostic::get_Message)};
-}
-
-std::vector<Diagnostic> read(const com::ComPtr<IScriptDiagnostics>& source) {
-    std::vector<Diagnostic> diagnostics;
-    const long count = countOf(source);
-    for (long i = 0; i < count; ++i) {
-        com::ComPtr<IScriptDiagnostic> diagnostic;
-        com::check(source->get_Item(i, &diagnostic), source);
-        diagnostics.push_back(read(diagnostic));
-    }
-    return diagnostics;
-}
 
 // Gives each pair to a member of the preprocessor.
 void pass(const std::vector<NamedText>& texts, const std::string& option,
@@ -82,13 +43,13 @@ Preprocessor::Preprocessor(const Options& options, std::wstring_view scriptFolde
 }
 
 std::string Preprocessor::scriptName() const {
-    return utf8(com::widen(com::narrow(com::widen(script_, CP_UTF8))));
+    return com::narrow(com::widen(com::narrow(com::widen(script_, CP_UTF8))), CP_UTF8);
 }
 
 std::vector<Diagnostic> Preprocessor::check(std::wstring_view script) const {
     com::ComPtr<IScriptDiagnostics> found;
     com::check(control_->Check(com::Bstr(script).get(), &found), control_);
-    std::vector<Diagnostic> diagnostics = read(found);
+    std::vector<Diagnostic> diagnostics = readDiagnostics(found);
     for (Diagnostic& diagnostic : diagnostics)
         diagnostic.file = script_;  // the only one, whatever the code page has made of its name
     return diagnostics;
@@ -97,23 +58,11 @@ std::vector<Diagnostic> Preprocessor::check(std::wstring_view script) const {
 std::vector<Diagnostic> Preprocessor::lastRun() const {
     com::ComPtr<IScriptDiagnostics> found;
     com::check(control_->get_Diagnostics(&found), control_);
-    return read(found);
+    return readDiagnostics(found);
 }
 
 std::vector<NamedText> Preprocessor::variables() const {
-    com::ComPtr<IFlatCollection> source;
-    com::check(control_->get_Variables(&source), control_);
-    std::vector<NamedText> variables;
-    const long count = countOf(source);
-    for (long i = 0; i < count; ++i) {
-        com::Bstr name;
-        com::Variant value;
-        com::check(source->get_Name(i, name.put()), source);
-        com::check(source->get_Item(com::Variant(i).get(), value.put()), source);
-        const com::Variant text = value.convertedTo(VT_BSTR);
-        variables.push_back({utf8(name.view()), utf8(com::view(text.get().bstrVal))});
-    }
-    return variables;
+    return readVariables(control_);
 }
 
 }  // namespace kel::kelrun

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "com/error.h"
-#include "hosts/kelrun/model/diagnostic.h"
 #include "hosts/kelrun/model/options.h"
+#include "hosts/shared/model/diagnostic.h"
 #include "interfaces/KelUtils.h"
 
 namespace kel::kelrun {

@@ -9,12 +9,12 @@
 
 #include "com/apartment.h"
 #include "hosts/kelrun/check.h"
-#include "hosts/kelrun/error_text.h"
-#include "hosts/kelrun/model/visible_text.h"
+#include "hosts/shared/model/visible_text.h"
 #include "hosts/kelrun/preprocessor.h"
-#include "hosts/kelrun/script_file.h"
 #include "hosts/kelrun/session.h"
 #include "hosts/kelrun/transcript_file.h"
+#include "hosts/shared/error_text.h"
+#include "hosts/shared/script_file.h"
 
 namespace kel::kelrun {
 namespace {
@@ -71,7 +71,7 @@ std::string endText(ExitCode code, const Options& options, const std::string& na
                     Clock::duration time) {
     if (code == ExitCode::kCancelled) return name + " was cancelled after " + seconds(time);
     if (code == ExitCode::kRan) return name + " ran to its end (" + seconds(time) + ")";
-    const bool isConnected = !options.port.empty() || !options.tcp.empty();
+    const bool isConnected = !options.target.port.empty() || !options.target.tcp.empty();
     return name + " stopped on an error" +
            (isConnected ? "" : " (neither --port nor --tcp was given)");
 }

@@ -1,17 +1,12 @@
 #pragma once
 // The events of the preprocessor: where a run is, and what a transcript tells of it.
 
-#include <windows.h>
-
-#include <ocidl.h>
-
 #include <cstddef>
 #include <string>
 
-#include "com/error.h"
 #include "hosts/kelrun/model/transcript.h"
 #include "hosts/kelrun/trace.h"
-#include "interfaces/KelUtils.h"
+#include "hosts/shared/script_events.h"
 
 namespace kel::kelrun {
 
@@ -27,17 +22,18 @@ public:
     // com::Error.
     RunEvents(const com::ComPtr<IPreprocessorControl>& preprocessor, const Trace& trace,
               Transcript* transcript);
-    ~RunEvents();
-    RunEvents(const RunEvents&) = delete;
-    RunEvents& operator=(const RunEvents&) = delete;
 
     // The line that began last; line 0 when none has.
     const ScriptPlace& place() const { return place_; }
 
 private:
+    void take(host::ScriptEvent event, const host::EventArguments& arguments);
+    void tell(host::ScriptEvent event, const host::EventArguments& arguments) const;
+
     ScriptPlace place_;
-    com::ComPtr<IConnectionPoint> source_;
-    DWORD cookie_ = 0;
+    const Trace& trace_;
+    Transcript* transcript_;
+    host::ScriptEvents events_;
 };
 
 }  // namespace kel::kelrun

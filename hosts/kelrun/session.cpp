@@ -2,7 +2,7 @@
 
 #include "com/text.h"
 #include "com/variant.h"
-#include "hosts/kelrun/create.h"
+#include "hosts/shared/create.h"
 
 namespace kel::kelrun {
 namespace {
@@ -23,7 +23,7 @@ Session::Session(const com::ComPtr<IPreprocessorControl>& preprocessor, const Op
           trace.link([&] { return create<IKelCommunicator>(options.link, kLinkRemedy); })),
       cancel_(preprocessor_),
       echo_(options.quiet, transcript),
-      connection_(options),
+      connection_(options.target),
       events_(preprocessor_, trace, transcript) {}
 
 // The components are there when this begins, so the destructor parts them if it fails.

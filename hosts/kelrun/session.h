@@ -4,12 +4,12 @@
 #include <string_view>
 
 #include "hosts/kelrun/cancel.h"
-#include "hosts/kelrun/connection.h"
 #include "hosts/kelrun/console_echo.h"
 #include "hosts/kelrun/model/options.h"
 #include "hosts/kelrun/model/transcript.h"
 #include "hosts/kelrun/preprocessor.h"
 #include "hosts/kelrun/run_events.h"
+#include "hosts/shared/connection.h"
 
 namespace kel::kelrun {
 

@@ -1,8 +1,8 @@
 #include "hosts/kelrun/trace.h"
 
 #include "com/text.h"
-#include "hosts/kelrun/error_text.h"
-#include "hosts/kelrun/model/failure.h"
+#include "hosts/shared/error_text.h"
+#include "hosts/shared/model/failure.h"
 
 namespace kel::kelrun {
 namespace {

@@ -1,6 +1,6 @@
 #include "hosts/kelrun/model/dialogue_text.h"
 
-#include "hosts/kelrun/model/visible_text.h"
+#include "hosts/shared/model/visible_text.h"
 #include "hosts/model/unicode.h"
 
 namespace kel::kelrun {
@@ -21,7 +21,7 @@ std::string DialogueText::next(std::u16string_view piece) {
         afterReturn_ = character == u'\r';
         if (continuesLineEnd) continue;
         atLineStart_ = character == u'\r' || character == u'\n';
-        readable += atLineStart_ ? u'\n' : visible(character);
+        readable += atLineStart_ ? u'\n' : host::visible(character);
     }
     return hosts::toUtf8(readable);
 }

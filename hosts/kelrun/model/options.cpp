@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "hosts/kelrun/model/failure.h"
+#include "hosts/shared/model/failure.h"
 
 namespace kel::kelrun {
 namespace {
@@ -20,9 +20,9 @@ constexpr std::size_t kHelpColumn = 23;
 
 void setBaudRate(Options& options, std::string_view value) {
     const auto [end, error] =
-        std::from_chars(value.data(), value.data() + value.size(), options.baudRate);
-    if (error != std::errc() || end != value.data() + value.size() || options.baudRate < 1 ||
-        options.baudRate > kHighestBaudRate) {
+        std::from_chars(value.data(), value.data() + value.size(), options.target.baudRate);
+    if (error != std::errc() || end != value.data() + value.size() || options.target.baudRate < 1 ||
+        options.target.baudRate > kHighestBaudRate) {
         refuse("--baud: '" + std::string(value) + "' is no rate");
     }
 }
@@ -49,6 +49,11 @@ void setText(Options& options, std::string_view value) {
     options.*member = std::string(value);
 }
 
+template <std::string Target::*member>
+void setPlace(Options& options, std::string_view value) {
+    options.target.*member = std::string(value);
+}
+
 template <bool Options::*member>
 void setFlag(Options& options, std::string_view) {
     options.*member = true;
@@ -64,9 +69,9 @@ struct Option {
 
 // A new option is a new row: parsing and --help follow.
 constexpr Option kOptions[] = {
-    {"--port", "NAME", "serial port of the instrument, such as COM3", setText<&Options::port>},
+    {"--port", "NAME", "serial port of the instrument, such as COM3", setPlace<&Target::port>},
     {"--baud", "RATE", "its speed in bits a second; 9600 unless given", setBaudRate},
-    {"--tcp", "HOST:PORT", "instrument behind a network gateway", setText<&Options::tcp>},
+    {"--tcp", "HOST:PORT", "instrument behind a network gateway", setPlace<&Target::tcp>},
     {"--link", "PROGID", "instrument link; BenchLink.Communicator unless given",
      setText<&Options::link>},
     {"--var", "NAME=VALUE", "sets a script variable; may be given several times",
@@ -174,7 +179,7 @@ Options parseOptions(std::span<const std::string> arguments) {
     Options options = ArgumentReader(arguments).read();
     if (options.help || options.version) return options;
     if (options.script.empty()) refuse("which script?");
-    if (!options.port.empty() && !options.tcp.empty())
+    if (!options.target.port.empty() && !options.target.tcp.empty())
         refuse("--port and --tcp exclude each other");
     if (!options.record.empty() && !options.replay.empty())
         refuse("--record and --replay exclude each other");

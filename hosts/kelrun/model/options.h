@@ -6,19 +6,17 @@
 #include <string>
 #include <vector>
 
+#include "hosts/shared/model/named_text.h"
+#include "hosts/shared/model/target.h"
+
 namespace kel::kelrun {
 
-// A variable, or the answer to a question.
-struct NamedText {
-    std::string name;
-    std::string value;
-};
+// The program is one of the hosts.
+using namespace host;
 
 struct Options {
     std::string script;
-    std::string port;  // empty for none
-    long baudRate = 9600;
-    std::string tcp;  // HOST:PORT, not yet taken apart; empty for none
+    Target target;
     std::string link = "BenchLink.Communicator";
     std::vector<NamedText> variables;
     std::vector<NamedText> answers;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "hosts/kelrun/model/visible_text.h"
+#include "hosts/shared/model/visible_text.h"
 #include "hosts/model/unicode.h"
 
 namespace kel::kelrun {

@@ -6,8 +6,8 @@
 #include <iterator>
 #include <sstream>
 
-#include "hosts/kelrun/model/address.h"
-#include "hosts/kelrun/model/failure.h"
+#include "hosts/shared/model/address.h"
+#include "hosts/shared/model/failure.h"
 
 namespace kel::kelrun {
 namespace {
@@ -36,8 +36,8 @@ TEST(KelrunOptions, ReadsEveryOption) {
               "--script-path C:\\s --system-path D:\\ --transcript t --record r --speed 0.5 "
               "--check --json --keep-going --interactive --print-variables --quiet"));
     EXPECT_EQ(options.script, "a.kel");
-    EXPECT_EQ(options.port, "COM3");
-    EXPECT_EQ(options.baudRate, 115200);
+    EXPECT_EQ(options.target.port, "COM3");
+    EXPECT_EQ(options.target.baudRate, 115200);
     EXPECT_EQ(options.link, "Some.Link");
     ASSERT_EQ(options.variables.size(), 2u);
     EXPECT_EQ(options.variables[1].name, "b");

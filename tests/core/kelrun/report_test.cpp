@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "hosts/kelrun/model/diagnostic.h"
+#include "hosts/shared/model/diagnostic.h"
 #include "hosts/kelrun/model/source_text.h"
 #include "hosts/kelrun/model/transcript.h"
 

@@ -1,11 +1,11 @@
-#include "hosts/kelrun/error_text.h"
+#include "hosts/shared/error_text.h"
 
 #include <cstdio>
 #include <iterator>
 
 #include "com/text.h"
 
-namespace kel::kelrun {
+namespace kel::host {
 std::string systemText(DWORD code) {
     wchar_t text[512];
     const DWORD size = FormatMessageW(
@@ -44,4 +44,4 @@ std::string describe(const com::Error& error) {
     return text + codeText(error.code()) + ")";
 }
 
-}  // namespace kel::kelrun
+}  // namespace kel::host

@@ -5,7 +5,7 @@
 #include <span>
 #include <string>
 
-namespace kel::kelrun {
+namespace kel::host {
 
 // Texts are UTF-8.
 struct Diagnostic {
@@ -25,4 +25,4 @@ std::string compilerText(const Diagnostic& diagnostic);
 // An array of objects, one a line.
 std::string toJson(std::span<const Diagnostic> diagnostics);
 
-}  // namespace kel::kelrun
+}  // namespace kel::host

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace kel::kelrun {
+namespace kel::host {
 
 enum class ExitCode {
     kRan = 0,
@@ -26,4 +26,4 @@ private:
     ExitCode code_;
 };
 
-}  // namespace kel::kelrun
+}  // namespace kel::host

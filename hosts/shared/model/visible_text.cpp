@@ -1,10 +1,10 @@
-#include "hosts/kelrun/model/visible_text.h"
+#include "hosts/shared/model/visible_text.h"
 
 #include <algorithm>
 
 #include "hosts/model/unicode.h"
 
-namespace kel::kelrun {
+namespace kel::host {
 namespace {
 
 constexpr char16_t kFirstControlPicture = 0x2400;
@@ -29,4 +29,4 @@ std::string oneLine(std::string_view text) {
     return hosts::toUtf8(readable);
 }
 
-}  // namespace kel::kelrun
+}  // namespace kel::host

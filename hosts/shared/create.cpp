@@ -1,10 +1,10 @@
-#include "hosts/kelrun/create.h"
+#include "hosts/shared/create.h"
 
 #include "com/text.h"
-#include "hosts/kelrun/error_text.h"
-#include "hosts/kelrun/model/failure.h"
+#include "hosts/shared/error_text.h"
+#include "hosts/shared/model/failure.h"
 
-namespace kel::kelrun {
+namespace kel::host {
 namespace {
 
 [[noreturn]] void reportMissing(const ComponentNames& names, HRESULT code) {
@@ -35,4 +35,4 @@ void createComponent(REFCLSID identifier, const ComponentNames& names, REFIID ii
                   names.component + " cannot be created: " + describe(com::Error(code, {}, iid)));
 }
 
-}  // namespace kel::kelrun
+}  // namespace kel::host

@@ -1,4 +1,4 @@
-#include "hosts/kelrun/connection.h"
+#include "hosts/shared/connection.h"
 
 #include <winsock2.h>
 
@@ -8,13 +8,13 @@
 
 #include "com/text.h"
 #include "com/variant.h"
-#include "hosts/kelrun/create.h"
-#include "hosts/kelrun/error_text.h"
-#include "hosts/kelrun/model/address.h"
-#include "hosts/kelrun/model/failure.h"
+#include "hosts/shared/create.h"
+#include "hosts/shared/error_text.h"
+#include "hosts/shared/model/address.h"
+#include "hosts/shared/model/failure.h"
 #include "interfaces/link_classes.h"
 
-namespace kel::kelrun {
+namespace kel::host {
 namespace {
 
 const ComponentNames kSerialStream{"the serial stream of the instrument link",
@@ -85,12 +85,12 @@ com::ComPtr<IKelStream> openPort(const std::string& port, long baudRate) {
 
 }  // namespace
 
-Connection::Connection(const Options& options)
-    : stream_(options.tcp.empty() ? openPort(options.port, options.baudRate)
-                                  : connectTo(options.tcp)) {}
+Connection::Connection(const Target& target)
+    : stream_(target.tcp.empty() ? openPort(target.port, target.baudRate) : connectTo(target.tcp)) {
+}
 
 Connection::~Connection() {
     stream_->Close();
 }
 
-}  // namespace kel::kelrun
+}  // namespace kel::host

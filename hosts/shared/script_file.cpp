@@ -1,4 +1,4 @@
-#include "hosts/kelrun/script_file.h"
+#include "hosts/shared/script_file.h"
 
 #include <windows.h>
 
@@ -8,10 +8,10 @@
 #include "com/handles.h"
 #include "com/text.h"
 #include "com/text_file.h"
-#include "hosts/kelrun/error_text.h"
-#include "hosts/kelrun/model/failure.h"
+#include "hosts/shared/error_text.h"
+#include "hosts/shared/model/failure.h"
 
-namespace kel::kelrun {
+namespace kel::host {
 namespace {
 
 // Far above any script; text, lines and records of one must fit into a 32-bit process together.
@@ -104,4 +104,4 @@ bool fitsCodePage(std::wstring_view text) {
     return !isReplaced;
 }
 
-}  // namespace kel::kelrun
+}  // namespace kel::host

@@ -7,7 +7,7 @@
 
 #include "com/error.h"
 
-namespace kel::kelrun {
+namespace kel::host {
 
 // The system's own words for an error code or HRESULT, one line; empty when it has none.
 std::string systemText(DWORD code);
@@ -21,4 +21,4 @@ std::string interfaceName(const IID& identifier);
 // What a component says about its failure, the interface it failed on, and the code.
 std::string describe(const com::Error& error);
 
-}  // namespace kel::kelrun
+}  // namespace kel::host

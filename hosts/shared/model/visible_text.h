@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace kel::kelrun {
+namespace kel::host {
 
 // A visible sign in place of a control character; a tab and all others stay as they are.
 char16_t visible(char16_t character);
@@ -12,4 +12,4 @@ char16_t visible(char16_t character);
 // The text with its control characters, line ends included, as visible signs. In and out: UTF-8.
 std::string oneLine(std::string_view text);
 
-}  // namespace kel::kelrun
+}  // namespace kel::host

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace kel::kelrun {
+namespace kel::host {
 
 struct Address {
     std::string host;
@@ -15,4 +15,4 @@ struct Address {
 // Throws Failure (no connection) when it is none.
 Address parseAddress(std::string_view text);
 
-}  // namespace kel::kelrun
+}  // namespace kel::host

@@ -5,7 +5,7 @@
 
 #include "com/error.h"
 
-namespace kel::kelrun {
+namespace kel::host {
 
 // What the user is told about a component that cannot be made.
 struct ComponentNames {
@@ -30,4 +30,4 @@ com::ComPtr<Interface> create(const std::string& programIdentifier, const std::s
     return create<Interface>(classOf(programIdentifier, names), names);
 }
 
-}  // namespace kel::kelrun
+}  // namespace kel::host

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace kel::kelrun {
+namespace kel::host {
 
 struct ScriptFile {
     std::string name;     // without its folder; UTF-8
@@ -19,4 +19,4 @@ ScriptFile readScript(const std::string& path);
 // True when nothing of the text is lost in the user's code page, in which scripts run.
 bool fitsCodePage(std::wstring_view text);
 
-}  // namespace kel::kelrun
+}  // namespace kel::host

@@ -1,11 +1,11 @@
-#include "hosts/kelrun/model/diagnostic.h"
+#include "hosts/shared/model/diagnostic.h"
 
 #include <string_view>
 
-#include "hosts/kelrun/model/visible_text.h"
+#include "hosts/shared/model/visible_text.h"
 #include "hosts/model/json.h"
 
-namespace kel::kelrun {
+namespace kel::host {
 namespace {
 
 std::string place(const Diagnostic& diagnostic) {
@@ -43,4 +43,4 @@ std::string toJson(std::span<const Diagnostic> diagnostics) {
     return text + "\n]\n";
 }
 
-}  // namespace kel::kelrun
+}  // namespace kel::host

@@ -1,10 +1,10 @@
-#include "hosts/kelrun/model/address.h"
+#include "hosts/shared/model/address.h"
 
 #include <charconv>
 
-#include "hosts/kelrun/model/failure.h"
+#include "hosts/shared/model/failure.h"
 
-namespace kel::kelrun {
+namespace kel::host {
 namespace {
 
 constexpr unsigned kHighestPort = 65535;
@@ -36,4 +36,4 @@ Address parseAddress(std::string_view text) {
                   "no connection: '" + std::string(text) + "' is not HOST:PORT (port 1 to 65535)");
 }
 
-}  // namespace kel::kelrun
+}  // namespace kel::host

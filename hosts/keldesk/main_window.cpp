@@ -1,0 +1,397 @@
+#include "hosts/keldesk/main_window.h"
+
+#include <commctrl.h>
+#include <commdlg.h>
+
+#include "com/variant.h"
+#include "hosts/keldesk/connect_dialog.h"
+#include "hosts/keldesk/look.h"
+#include "hosts/keldesk/resource_ids.h"
+#include "hosts/keldesk/settings.h"
+#include "hosts/keldesk/wide.h"
+#include "hosts/shared/error_text.h"
+#include "hosts/shared/model/failure.h"
+
+namespace kel::keldesk {
+namespace {
+
+constexpr wchar_t kMainClass[] = L"KelDesk";
+constexpr UINT_PTR kWatchTimer = 1;
+constexpr UINT kWatchInterval = 1000;
+constexpr int kMainWidth = 900;
+constexpr int kMainHeight = 600;
+constexpr int kStatusParts[] = {220, 480, -1};  // their right edges
+
+constexpr TerminalColour kColours[] = {
+    {&IKelTerminal::get_ForeColor, &IKelTerminal::put_ForeColor},
+    {&IKelTerminal::get_BackColor, &IKelTerminal::put_BackColor},
+    {&IKelTerminal::get_CommandLineTextColor, &IKelTerminal::put_CommandLineTextColor},
+    {&IKelTerminal::get_CommandLineBackColor, &IKelTerminal::put_CommandLineBackColor},
+};
+
+// What the user is told of the exception that is being handled.
+std::wstring failureText() {
+    try {
+        throw;
+    } catch (const com::Error& error) {
+        return wide(host::describe(error));
+    } catch (const std::exception& error) {
+        return wide(error.what());
+    }
+}
+
+// A path that the user has chosen; empty when he has not.
+std::wstring askForFile(HWND owner, const wchar_t* title, const wchar_t* filter, bool isToSave) {
+    wchar_t path[32768] = L"";
+    OPENFILENAMEW question{};
+    question.lStructSize = sizeof question;
+    question.hwndOwner = owner;
+    question.lpstrFilter = filter;
+    question.lpstrFile = path;
+    question.nMaxFile = static_cast<DWORD>(std::size(path));
+    question.lpstrTitle = title;
+    question.Flags = OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_EXPLORER |
+                     (isToSave ? OFN_PATHMUSTEXIST : OFN_FILEMUSTEXIST);
+    const BOOL chosen = isToSave ? GetSaveFileNameW(&question) : GetOpenFileNameW(&question);
+    return chosen ? path : L"";
+}
+
+}  // namespace
+
+MainWindow::MainWindow(const DeskOptions& options)
+    : recent_(readRecentScripts()), target_(readTarget()) {
+    const HINSTANCE module = GetModuleHandleW(nullptr);
+    INITCOMMONCONTROLSEX classes{sizeof classes, ICC_BAR_CLASSES | ICC_LISTVIEW_CLASSES};
+    InitCommonControlsEx(&classes);
+    WNDCLASSW description{};
+    description.lpfnWndProc = procedure;
+    description.hInstance = module;
+    description.hCursor = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
+    description.hIcon = LoadIconW(nullptr, reinterpret_cast<LPCWSTR>(IDI_APPLICATION));
+    description.lpszClassName = kMainClass;
+    description.lpszMenuName = MAKEINTRESOURCEW(IDR_DESK);
+    RegisterClassW(&description);
+    window_ = CreateWindowExW(0, kMainClass, L"KelDesk", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
+                              CW_USEDEFAULT, CW_USEDEFAULT, kMainWidth, kMainHeight, nullptr,
+                              nullptr, module, nullptr);
+    if (!window_) throw com::lastError();
+    status_ = CreateWindowExW(0, STATUSCLASSNAMEW, nullptr, WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP,
+                              0, 0, 0, 0, window_, nullptr, module, nullptr);
+    SendMessageW(status_, SB_SETPARTS, std::size(kStatusParts),
+                 reinterpret_cast<LPARAM>(kStatusParts));
+
+    host_ = std::make_unique<TerminalHost>(window_);
+    instrument_ = std::make_unique<Instrument>(
+        options.link, window_,
+        [this](host::ScriptEvent event, const host::EventArguments& arguments) {
+            followScript(event, arguments);
+        });
+    com::check(host_->terminal()->put_Communicator(instrument_->link().Get()), host_->terminal());
+    runner_ = std::make_unique<ScriptRunner>(*instrument_, window_,
+                                             [this](const std::wstring& text) { say(text); });
+    variables_ = std::make_unique<ListWindow>(window_, L"Variables",
+                                              std::vector<Column>{{L"Name", 160}, {L"Value", 260}});
+    accelerators_.emplace(window_, static_cast<WORD>(IDR_DESK));
+    SetWindowLongPtrW(window_, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    arrange();
+    showConnection();
+}
+
+MainWindow::~MainWindow() {
+    if (!window_) return;
+    SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
+    accelerators_.reset();
+    host_.reset();
+    runner_.reset();
+    variables_.reset();
+    instrument_.reset();
+    DestroyWindow(window_);
+}
+
+void MainWindow::run(const DeskOptions& options) {
+    attempt([&] {
+        if (const std::string look = readLook(); !look.empty())
+            restoreLook(host_->terminal(), look);
+    });
+    ShowWindow(window_, SW_SHOWNORMAL);
+    host_->takeFocus();
+    SetTimer(window_, kWatchTimer, kWatchInterval, nullptr);
+    if (!nameOf(options.target).empty()) attempt([&] { connect(options.target); });
+    if (!options.script.empty()) attempt([&] { runScript(wide(options.script)); });
+
+    MSG message;
+    while (!isClosing_ && GetMessageW(&message, nullptr, 0, 0) > 0) {
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+    attempt([&] { keepSettings(); });
+}
+
+LRESULT CALLBACK MainWindow::procedure(HWND window, UINT message, WPARAM wide, LPARAM longer) {
+    auto* self = reinterpret_cast<MainWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    return self ? self->handle(message, wide, longer)
+                : DefWindowProcW(window, message, wide, longer);
+}
+
+template <class Deed>
+void MainWindow::attempt(Deed&& deed) noexcept {
+    try {
+        deed();
+    } catch (...) {
+        MessageBoxW(window_, failureText().c_str(), L"KelDesk", MB_OK | MB_ICONERROR);
+    }
+}
+
+LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM longer) {
+    switch (message) {
+        case WM_SIZE:
+            arrange();
+            return 0;
+        case WM_SETFOCUS:
+            host_->takeFocus();
+            return 0;
+        case WM_INITMENUPOPUP:
+            attempt([&] { updateMenu(); });
+            return 0;
+        case WM_COMMAND:
+            attempt([&] { command(LOWORD(wide)); });
+            return 0;
+        case WM_TIMER:
+            attempt([&] { watchConnection(); });
+            return 0;
+        case WM_CLOSE:
+            attempt([&] { close(); });
+            return 0;
+        default:
+            return DefWindowProcW(window_, message, wide, longer);
+    }
+}
+
+void MainWindow::arrange() {
+    SendMessageW(status_, WM_SIZE, 0, 0);
+    RECT client{};
+    RECT bar{};
+    GetClientRect(window_, &client);
+    GetWindowRect(status_, &bar);
+    client.bottom -= std::min(client.bottom, bar.bottom - bar.top);
+    host_->setPlace(client);
+}
+
+void MainWindow::command(int command) {
+    const auto& recent = recent_.paths();
+    const auto index = static_cast<std::size_t>(command - IDM_RECENT_FIRST);
+    if (command >= IDM_RECENT_FIRST && index < recent.size()) {
+        const std::wstring path = recent[index];
+        return runScript(path);
+    }
+    switch (command) {
+        case IDM_RUN_SCRIPT:
+            return askForScript(true);
+        case IDM_CHECK_SCRIPT:
+            return askForScript(false);
+        case IDM_LOG:
+            return toggleLog();
+        case IDM_EXIT:
+            return close();
+        case IDM_CONNECT:
+            if (isRunning()) return say(L"A script is running");
+            if (const auto target = askForTarget(window_, target_)) connect(*target);
+            return;
+        case IDM_DISCONNECT:
+            return disconnect(L"Disconnected");
+        case IDM_CANCEL_SCRIPT:
+            if (isRunning()) instrument_->cancel();
+            return;
+        case IDM_VARIABLES:
+            return showVariables();
+        case IDM_ABOUT:
+            MessageBoxW(window_,
+                        L"KelDesk " KEL_VERSION
+                        "\n\nA desktop host of KelUtils: a terminal and scripts for field "
+                        "instruments.\n\nThe link BenchLink.Communicator stands in for the "
+                        "library of an instrument's maker.",
+                        L"About KelDesk", MB_OK | MB_ICONINFORMATION);
+            return;
+        default:
+            change(command);
+    }
+}
+
+// What the terminal shows, and how.
+void MainWindow::change(int command) {
+    const auto& terminal = host_->terminal();
+    switch (command) {
+        case IDM_OUTPUT_TEXT:
+        case IDM_OUTPUT_BACKGROUND:
+        case IDM_COMMAND_TEXT:
+        case IDM_COMMAND_BACKGROUND:
+            return chooseColour(window_, terminal, kColours[command - IDM_OUTPUT_TEXT]);
+        case IDM_FONT:
+            return chooseFont(window_, terminal);
+        case IDM_COMMAND_LINE:
+            return toggle(&IKelTerminal3::get_ShowCommandLine, &IKelTerminal3::put_ShowCommandLine);
+        case IDM_TIME_STAMPS:
+            return toggle(&IKelTerminal3::get_TimeStamps, &IKelTerminal3::put_TimeStamps);
+        case IDM_CLEAR:
+            return com::check(terminal->Clear(), terminal);
+        case IDM_FIND:
+            return com::check(terminal->ShowSearch(), terminal);
+    }
+}
+
+void MainWindow::toggle(HRESULT (STDMETHODCALLTYPE IKelTerminal3::*get)(VARIANT_BOOL*),
+                        HRESULT (STDMETHODCALLTYPE IKelTerminal3::*put)(VARIANT_BOOL)) {
+    const auto& terminal = host_->terminal();
+    VARIANT_BOOL is = VARIANT_FALSE;
+    com::check((terminal.Get()->*get)(&is), terminal);
+    com::check((terminal.Get()->*put)(com::variantBool(!com::isTrue(is))), terminal);
+}
+
+void MainWindow::updateMenu() {
+    const HMENU menu = GetMenu(window_);
+    const auto enable = [&](int command, bool isEnabled) {
+        EnableMenuItem(menu, static_cast<UINT>(command), isEnabled ? MF_ENABLED : MF_GRAYED);
+    };
+    const auto tick = [&](int command, bool isTicked) {
+        CheckMenuItem(menu, static_cast<UINT>(command), isTicked ? MF_CHECKED : MF_UNCHECKED);
+    };
+    const auto& terminal = host_->terminal();
+    VARIANT_BOOL showsCommandLine = VARIANT_FALSE;
+    VARIANT_BOOL hasTimeStamps = VARIANT_FALSE;
+    com::check(terminal->get_ShowCommandLine(&showsCommandLine), terminal);
+    com::check(terminal->get_TimeStamps(&hasTimeStamps), terminal);
+    enable(IDM_RUN_SCRIPT, !isRunning());
+    enable(IDM_CHECK_SCRIPT, !isRunning());
+    enable(IDM_CONNECT, !isRunning());
+    enable(IDM_DISCONNECT, !isRunning() && instrument_->isConnected());
+    enable(IDM_CANCEL_SCRIPT, isRunning());
+    tick(IDM_LOG, !instrument_->logFile().empty());
+    tick(IDM_COMMAND_LINE, com::isTrue(showsCommandLine));
+    tick(IDM_TIME_STAMPS, com::isTrue(hasTimeStamps));
+    updateRecentMenu();
+}
+
+void MainWindow::updateRecentMenu() {
+    const HMENU menu = GetSubMenu(GetSubMenu(GetMenu(window_), 0), 1);
+    while (DeleteMenu(menu, 0, MF_BYPOSITION))
+        continue;
+    const auto& paths = recent_.paths();
+    const UINT state = isRunning() ? MF_GRAYED : MF_ENABLED;
+    for (std::size_t i = 0; i < paths.size(); ++i)
+        AppendMenuW(menu, MF_STRING | state, IDM_RECENT_FIRST + i, menuText(i, paths[i]).c_str());
+    if (paths.empty()) AppendMenuW(menu, MF_STRING | MF_GRAYED, IDM_RECENT_FIRST, L"(none)");
+}
+
+void MainWindow::connect(const host::Target& target) {
+    say(L"Connecting to " + wide(nameOf(target)));
+    try {
+        instrument_->connect(target);
+    } catch (...) {
+        say(L"Not connected");
+        throw;
+    }
+    target_ = target;
+    writeTarget(target);
+    say(L"Connected");
+    showConnection();
+}
+
+void MainWindow::disconnect(const wchar_t* why) {
+    if (isRunning() || !instrument_->isConnected()) return;
+    instrument_->disconnect();
+    say(why);
+    showConnection();
+}
+
+void MainWindow::watchConnection() {
+    if (instrument_->isConnected() && !instrument_->isAlive())
+        disconnect(L"The connection was lost");
+}
+
+void MainWindow::showConnection() {
+    const std::wstring name = instrument_->isConnected() ? wide(nameOf(target_)) : std::wstring();
+    SetWindowTextW(window_, name.empty() ? L"KelDesk" : (name + L" - KelDesk").c_str());
+    setPart(0, name.empty()          ? L"Not connected"
+               : target_.tcp.empty() ? name + L", " + std::to_wstring(target_.baudRate) + L" baud"
+                                     : name);
+}
+
+void MainWindow::askForScript(bool isToRun) {
+    if (isRunning()) return say(L"A script is running");
+    const std::wstring path = askForFile(window_, isToRun ? L"Run script" : L"Check script",
+                                         L"Scripts (*.kel)\0*.kel\0All files (*.*)\0*.*\0", false);
+    if (path.empty()) return;
+    if (isToRun) return runScript(path);
+    runner_->check(path);
+}
+
+void MainWindow::runScript(const std::wstring& path) {
+    if (isRunning()) return say(L"A script is running");
+    if (GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES) {
+        recent_.remove(path);
+        writeRecentScripts(recent_.paths());
+        throw host::Failure(host::ExitCode::kUsage,
+                            com::narrow(path, CP_UTF8) + " is not there any more");
+    }
+    if (!instrument_->isConnected())
+        throw host::Failure(host::ExitCode::kNoConnection, "Connect to an instrument first.");
+    recent_.add(path);
+    writeRecentScripts(recent_.paths());
+    runner_->run(path);
+    setPart(1, {});
+    // The user wanted to close the window and has stopped the script for that.
+    if (isClosing_) PostMessageW(window_, WM_NULL, 0, 0);
+}
+
+void MainWindow::followScript(host::ScriptEvent event, const host::EventArguments& arguments) {
+    if (event == host::kLineStarted) {
+        std::wstring name = arguments.text(0);
+        name.erase(0, name.find_last_of(L"\\/") + 1);
+        setPart(1, name + L", line " + std::to_wstring(arguments.number(1)));
+    } else if (event == host::kVariableSet) {
+        variables_->setRow({arguments.text(0), arguments.text(1)});
+    }
+}
+
+void MainWindow::toggleLog() {
+    std::wstring path;
+    if (instrument_->logFile().empty()) {
+        path = askForFile(window_, L"Log to file",
+                          L"Log files (*.log)\0*.log\0All files (*.*)\0*.*\0", true);
+        if (path.empty()) return;
+    }
+    instrument_->setLogFile(path);
+    say(path.empty() ? L"The log is closed" : L"Logging to " + path);
+}
+
+void MainWindow::showVariables() {
+    std::vector<ListWindow::Row> rows;
+    for (const host::NamedText& variable : instrument_->variables())
+        rows.push_back({wide(variable.name), wide(variable.value)});
+    variables_->setRows(rows);
+    variables_->show();
+}
+
+void MainWindow::close() {
+    if (isRunning()) {
+        if (MessageBoxW(window_, L"A script is running. Stop it and close?", L"KelDesk",
+                        MB_YESNO | MB_DEFBUTTON2 | MB_ICONQUESTION) != IDYES) {
+            return;
+        }
+        // It may have ended while the question was open.
+        if (isRunning()) instrument_->cancel();
+    }
+    isClosing_ = true;
+    PostMessageW(window_, WM_NULL, 0, 0);
+}
+
+void MainWindow::keepSettings() {
+    writeLook(savedLook(host_->terminal()));
+}
+
+void MainWindow::setPart(int part, const std::wstring& text) {
+    SendMessageW(status_, SB_SETTEXTW, static_cast<WPARAM>(part),
+                 reinterpret_cast<LPARAM>(text.c_str()));
+}
+
+}  // namespace kel::keldesk

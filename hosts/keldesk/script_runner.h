@@ -1,0 +1,36 @@
+#pragma once
+// Running and checking scripts, and telling the user how it went.
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+
+#include "hosts/keldesk/instrument.h"
+#include "hosts/keldesk/list_window.h"
+
+namespace kel::keldesk {
+
+class ScriptRunner {
+public:
+    // `say` shows a short text. All must outlive the runner. Throws com::Error.
+    ScriptRunner(Instrument& instrument, HWND owner,
+                 std::function<void(const std::wstring& text)> say);
+
+    // Checks a script first: one with errors runs only if the user says so. What is wrong, before
+    // or after, is listed. Throw host::Failure (no such file), com::Error.
+    void run(const std::wstring& path);
+    void check(const std::wstring& path);
+
+private:
+    std::wstring runToEnd(const std::wstring& path, const std::wstring& name,
+                          const std::wstring& folder, const std::wstring& text);
+    void list(const std::vector<host::Diagnostic>& found);
+
+    Instrument& instrument_;
+    HWND owner_;
+    std::function<void(const std::wstring&)> say_;
+    ListWindow findings_;
+};
+
+}  // namespace kel::keldesk

@@ -1,0 +1,71 @@
+#include "hosts/shared/script_events.h"
+
+#include <utility>
+
+#include "com/object.h"
+#include "com/text.h"
+#include "com/variant.h"
+
+namespace kel::host {
+namespace {
+
+class Sink final : public com::Object<Sink, com::Plain<IDispatch>> {
+public:
+    static constexpr com::ClassDescription kClass{};
+
+    explicit Sink(ScriptEvents::Listener listener) : listener_(std::move(listener)) {}
+
+    STDMETHODIMP GetTypeInfoCount(UINT* count) override {
+        return guarded<IDispatch>([&] { com::out(count) = 0; });
+    }
+    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+        return E_NOTIMPL;
+    }
+    STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*,
+                        EXCEPINFO*, UINT*) override {
+        return guarded<IDispatch>([&] {
+            if (!parameters) return E_INVALIDARG;
+            listener_(static_cast<ScriptEvent>(member), EventArguments(*parameters));
+            return S_OK;
+        });
+    }
+
+private:
+    ScriptEvents::Listener listener_;
+};
+
+}  // namespace
+
+const VARIANT& EventArguments::at(UINT index) const {
+    if (index >= parameters_.cArgs) throw com::Error(DISP_E_BADPARAMCOUNT);
+    return parameters_.rgvarg[parameters_.cArgs - 1 - index];
+}
+
+std::wstring EventArguments::text(UINT index) const {
+    const com::Variant value = com::Variant(at(index)).convertedTo(VT_BSTR);
+    return std::wstring(com::view(value.get().bstrVal));
+}
+
+std::string EventArguments::utf8(UINT index) const {
+    return com::narrow(text(index), CP_UTF8);
+}
+
+std::size_t EventArguments::number(UINT index) const {
+    return static_cast<std::size_t>(com::Variant(at(index)).convertedTo(VT_I4).get().lVal);
+}
+
+ScriptEvents::ScriptEvents(const com::ComPtr<IPreprocessorControl>& preprocessor,
+                           Listener listener) {
+    com::ComPtr<IConnectionPointContainer> container;
+    com::check(preprocessor.As(&container), preprocessor);
+    com::check(container->FindConnectionPoint(DIID__IPreprocessorEvents, &source_), container);
+    const auto sink = com::makeObject<Sink>(std::move(listener));
+    com::check(source_->Advise(sink->controlling(), &cookie_), source_);
+}
+
+ScriptEvents::~ScriptEvents() {
+    source_->Unadvise(cookie_);
+}
+
+}  // namespace kel::host
