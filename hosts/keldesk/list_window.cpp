@@ -76,6 +76,11 @@ LRESULT CALLBACK ListWindow::procedure(HWND window, UINT message, WPARAM wide, L
         case WM_SETFOCUS:
             SetFocus(list);
             return 0;
+        case WM_NOTIFY: {
+            const auto& key = *reinterpret_cast<const NMLVKEYDOWN*>(longer);
+            if (key.hdr.code == LVN_KEYDOWN && key.wVKey == VK_ESCAPE) ShowWindow(window, SW_HIDE);
+            return 0;
+        }
         case WM_CLOSE:
             ShowWindow(window, SW_HIDE);
             return 0;

@@ -1,0 +1,69 @@
+// What keldesk decides without a window.
+#include <gtest/gtest.h>
+
+#include "hosts/keldesk/model/desk_options.h"
+#include "hosts/keldesk/model/recent_scripts.h"
+#include "hosts/shared/model/failure.h"
+
+namespace kel::keldesk {
+namespace {
+
+TEST(KeldeskRecentScripts, NewestFirstNoneTwiceTenAtMost) {
+    RecentScripts recent({L"C:\\a.kel", L"c:\\A.KEL", L"", L"C:\\b.kel"});
+    EXPECT_EQ(recent.paths(), (std::vector<std::wstring>{L"C:\\a.kel", L"C:\\b.kel"}));
+    recent.add(L"C:\\B.kel");
+    EXPECT_EQ(recent.paths(), (std::vector<std::wstring>{L"C:\\B.kel", L"C:\\a.kel"}));
+    recent.remove(L"C:\\A.kel");
+    EXPECT_EQ(recent.paths().size(), 1u);
+    for (int i = 0; i < 20; ++i)
+        recent.add(std::to_wstring(i));
+    EXPECT_EQ(recent.paths().size(), 10u);
+    EXPECT_EQ(recent.paths().front(), L"19");
+}
+
+TEST(KeldeskRecentScripts, MenuShowsNumberAndPath) {
+    EXPECT_EQ(menuText(0, L"C:\\salt & sea.kel"), L"&1 C:\\salt && sea.kel");
+    EXPECT_EQ(menuText(9, L"a"), L"1&0 a");
+    const std::wstring text = menuText(1, L"C:\\" + std::wstring(300, L'x') + L"\\deploy.kel");
+    EXPECT_EQ(text.size(), 63u);
+    EXPECT_EQ(text.substr(0, 7), L"&2 C:\\\u2026");
+    EXPECT_EQ(text.substr(53), L"deploy.kel");
+}
+
+TEST(KeldeskOptions, ReadsTheCommandLine) {
+    const std::vector<std::string> given{"--tcp",  "host:1",    "--baud", "19200",
+                                         "--link", "Some.Link", "a.kel"};
+    const DeskOptions options = parseDeskOptions(given);
+    EXPECT_EQ(nameOf(options.target), "host:1");
+    EXPECT_EQ(options.target.baudRate, 19200);
+    EXPECT_EQ(options.link, "Some.Link");
+    EXPECT_EQ(options.script, "a.kel");
+    using Arguments = std::vector<std::string>;
+    for (const Arguments& wrong :
+         {Arguments{"--port"}, Arguments{"--baud", "fast"}, Arguments{"--baud", "0"},
+          Arguments{"--nosuch", "x"}, Arguments{"a", "b"},
+          Arguments{"--port", "COM1", "--tcp", "h:1"}}) {
+        EXPECT_THROW(parseDeskOptions(wrong), host::Failure) << wrong.front();
+    }
+}
+
+TEST(KeldeskOptions, TellsPortsFromAddresses) {
+    const struct {
+        const char* typed;
+        const char* port;
+        const char* tcp;
+    } rows[] = {{"COM3", "COM3", ""},
+                {"com3:", "com3", ""},
+                {"localhost:4000", "", "localhost:4000"},
+                {"[::1]:4000", "", "[::1]:4000"},
+                {"", "", ""}};
+    for (const auto& row : rows) {
+        const host::Target target = targetOf(row.typed, 300);
+        EXPECT_EQ(target.port, row.port);
+        EXPECT_EQ(target.tcp, row.tcp);
+        EXPECT_EQ(target.baudRate, 300);
+    }
+}
+
+}  // namespace
+}  // namespace kel::keldesk
