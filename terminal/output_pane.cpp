@@ -19,9 +19,12 @@ constexpr UINT_PTR kSubclass = 0;
 constexpr UINT_PTR kFlushTimer = 0x4B45;
 constexpr UINT kFlushInterval = 33;
 constexpr UINT kLongestInterval = 500;
-// Showing takes a third of the time at most: its thread has other things to do.
+// Showing takes a third of the time at most: its thread has other things to do. So as not to keep
+// them waiting, it is done in parts that take no longer than this (in milliseconds).
 constexpr UINT kRestFactor = 2;
-// As much is shown without waiting for the timer.
+constexpr double kLongestPart = 40;
+constexpr std::size_t kSmallestPart = 1 << 12;
+// Whoever feeds more than that has to wait until a part of it is shown.
 constexpr std::size_t kMostCollected = 1 << 16;
 // More than any feeder adds: it is the pane that makes room.
 constexpr LRESULT kLimitTold = 0x7FFFFFFE;
@@ -39,7 +42,6 @@ bool readsText(UINT message) {
     switch (message) {
         case WM_GETTEXT:
         case WM_COPY:
-        case EM_GETSEL:
         case EM_GETLINE:
         case EM_GETLINECOUNT:
         case EM_LINEINDEX:
@@ -68,7 +70,7 @@ OutputPane::OutputPane(HWND edit)
 
 OutputPane::~OutputPane() {
     if (!edit_) return;
-    KillTimer(edit_, kFlushTimer);
+    flush();
     RemoveWindowSubclass(edit_, procedure, kSubclass);
 }
 
@@ -80,6 +82,8 @@ LRESULT CALLBACK OutputPane::procedure(HWND window, UINT message, WPARAM wide, L
         self->edit_ = nullptr;
         return DefSubclassProc(window, message, wide, longer);
     }
+    if (std::exchange(self->asked_, WM_NULL) == message && message != WM_NULL)
+        return DefSubclassProc(window, message, wide, longer);
     try {
         return self->process(message, wide, longer);
     } catch (const std::bad_alloc&) {
@@ -88,8 +92,10 @@ LRESULT CALLBACK OutputPane::procedure(HWND window, UINT message, WPARAM wide, L
     }
 }
 
-LRESULT OutputPane::ask(UINT message, WPARAM wide, LPARAM longer) const {
-    return DefSubclassProc(edit_, message, wide, longer);
+// The next procedure in the chain can be called from within this one only.
+LRESULT OutputPane::ask(UINT message, WPARAM wide, LPARAM longer) {
+    asked_ = message;
+    return SendMessageW(edit_, message, wide, longer);
 }
 
 LRESULT OutputPane::process(UINT message, WPARAM wide, LPARAM longer) {
@@ -109,10 +115,12 @@ LRESULT OutputPane::process(UINT message, WPARAM wide, LPARAM longer) {
                 if (const auto* text = reinterpret_cast<const wchar_t*>(longer)) append(text);
                 return 0;
             }
-            flush();
-            ask(message, wide, longer);
-            forget();
+            replace(longer);
             return 0;
+        case EM_GETSEL:
+            // What is collected changes nothing in the selection, unless it makes others go.
+            if (pending_.removed > 0 || length() > limit_) flush();
+            break;
         case EM_SCROLLCARET:
             // A feeder wants its piece to be seen: that is for the reader to decide.
             return isFeeding_ ? 0 : ask(message, wide, longer);
@@ -120,12 +128,13 @@ LRESULT OutputPane::process(UINT message, WPARAM wide, LPARAM longer) {
             pending_ = {};
             const LRESULT result = ask(message, wide, longer);
             forget();
+            isFeeding_ = shown_ == 0;
             return result;
         }
         case WM_TIMER:
             if (wide != kFlushTimer) break;
             // Text that moves cannot be selected.
-            if (GetCapture() != edit_) flush();
+            if (GetCapture() != edit_) flushPart();
             return 0;
         case WM_SIZE:
         case WM_SETFONT:
@@ -135,7 +144,7 @@ LRESULT OutputPane::process(UINT message, WPARAM wide, LPARAM longer) {
             showMenu({static_cast<short>(LOWORD(longer)), static_cast<short>(HIWORD(longer))});
             return 0;
     }
-    return ask(message, wide, longer);
+    return DefSubclassProc(edit_, message, wide, longer);
 }
 
 LRESULT OutputPane::selectFor(WPARAM begin, LPARAM end) {
@@ -143,11 +152,23 @@ LRESULT OutputPane::selectFor(WPARAM begin, LPARAM end) {
     isFeeding_ =
         begin >= length() || (told > 0 && begin == told && end == static_cast<LPARAM>(told));
     if (isFeeding_) return 1;
-    flush();
     // Some feeders put back what was selected, which would scroll to it.
-    const Selection now = selection();
+    const Selection now = selected();
     if (begin == now.begin && static_cast<std::size_t>(end) == now.end) return 1;
+    flush();
     return ask(EM_SETSEL, begin, end);
+}
+
+// Somebody replaces what is selected, wherever it is.
+void OutputPane::replace(LPARAM text) {
+    flush();
+    const bool isInside = selected().end < shown_;
+    ask(EM_REPLACESEL, FALSE, text);
+    if (isInside) {
+        shown_ = static_cast<std::size_t>(ask(WM_GETTEXTLENGTH));
+    } else {
+        forget();
+    }
 }
 
 std::size_t OutputPane::length() const {
@@ -167,86 +188,122 @@ void OutputPane::addLine(std::wstring_view text) {
 }
 
 void OutputPane::collected() {
-    if (pending_.added.empty() && pending_.removed == 0) return;
+    if (!hasPending()) return;
     if (pending_.added.size() >= kMostCollected && GetCapture() != edit_) {
-        flush();
+        flushPart();
     } else if (!hasTimer_) {
-        hasTimer_ = SetTimer(edit_, kFlushTimer, interval_, nullptr) != 0;
-        if (!hasTimer_) flush();
+        wait();
     }
+}
+
+void OutputPane::wait() {
+    hasTimer_ = SetTimer(edit_, kFlushTimer, interval_, nullptr) != 0;
+    if (!hasTimer_) flush();
 }
 
 void OutputPane::flush() {
     if (!edit_ || isShowing_) return;
     if (std::exchange(hasTimer_, false)) KillTimer(edit_, kFlushTimer);
-    if (pending_.added.empty() && pending_.removed == 0) return;
+    if (hasPending()) show(std::exchange(pending_, {}), false);
+}
 
-    const com::Scoped showing(isShowing_, true);
+// As much as can be shown in a short time; the rest is next.
+void OutputPane::flushPart() {
+    if (!edit_ || isShowing_) return;
+    if (std::exchange(hasTimer_, false)) KillTimer(edit_, kFlushTimer);
+    if (!hasPending()) return;
+
     const auto begin = std::chrono::steady_clock::now();
-    show();
-    const auto taken = std::chrono::duration_cast<std::chrono::milliseconds>(
-        std::chrono::steady_clock::now() - begin);
-    interval_ = std::clamp(static_cast<UINT>(taken.count()) * kRestFactor, kFlushInterval,
-                           kLongestInterval);
+    const std::size_t size = std::min(lengthOfPart(), pending_.added.size());
+    // Making room is a part by itself.
+    const bool makesRoom = shown_ + size > limit_ && shown_ > kept();
+    if (makesRoom) {
+        show({}, true);
+    } else {
+        PaneChange part{std::exchange(pending_.removed, 0), pending_.added.substr(0, size)};
+        pending_.added.erase(0, size);
+        show(part, false);
+    }
+    const double taken =
+        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+    if (!makesRoom) adapt(size, taken);
+    interval_ =
+        std::clamp(static_cast<UINT>(taken) * kRestFactor, kFlushInterval, kLongestInterval);
+    if (hasPending()) wait();
+}
+
+// Whole lines, where there are any.
+std::size_t OutputPane::lengthOfPart() const {
+    const std::wstring& text = pending_.added;
+    if (text.size() <= part_) return text.size();
+    std::size_t end = text.rfind(L'\n', part_ - 1);
+    if (end == std::wstring::npos) end = text.find(L'\n', part_);
+    return end == std::wstring::npos ? text.size() : end + 1;
+}
+
+// How quick the control is depends on its text, its font and the machine.
+void OutputPane::adapt(std::size_t size, double taken) {
+    if (taken > kLongestPart) {
+        part_ = std::max(kSmallestPart, std::min(part_, size) * 3 / 4);
+    } else if (taken < kLongestPart / 2 && size >= part_ / 2) {
+        part_ = std::min(kMostCollected, part_ + part_ / 4);
+    }
 }
 
 // The reader's view and selection stay, unless he looks at the end.
-void OutputPane::show() {
-    PaneChange change = std::exchange(pending_, {});
+void OutputPane::show(const PaneChange& change, bool makesRoom) {
+    const com::Scoped showing(isShowing_, true);
     const bool follows = isAtEnd();
     const auto firstLine = static_cast<int>(ask(EM_GETFIRSTVISIBLELINE));
-    SCROLLINFO across{};
-    across.cbSize = sizeof across;
-    across.fMask = SIF_POS;
-    GetScrollInfo(edit_, SB_HORZ, &across);
-    DWORD selectionBegin = 0;
-    DWORD selectionEnd = 0;
-    ask(EM_GETSEL, reinterpret_cast<WPARAM>(&selectionBegin),
-        reinterpret_cast<LPARAM>(&selectionEnd));
+    const int across = GetScrollPos(edit_, SB_HORZ);
+    const Selection before = selected();
 
-    const std::size_t from = shown_ - std::min(change.removed, shown_);
     std::size_t cut = 0;
     int cutLines = 0;
-    {
-        const ui::RedrawPause pause(edit_);
+    const ui::RedrawPause pause(edit_);
+    if (!change.added.empty() || change.removed > 0) {
+        const std::size_t from = shown_ - std::min(change.removed, shown_);
         ask(EM_SETSEL, from, static_cast<LPARAM>(shown_));
         ask(EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(change.added.c_str()));
         shown_ = from + change.added.size();
-        if (shown_ > limit_) {
-            const auto lines = static_cast<int>(ask(EM_GETLINECOUNT));
-            cut = trim();
-            cutLines = lines - static_cast<int>(ask(EM_GETLINECOUNT));
-        }
-        if (selectionBegin < selectionEnd && selectionEnd > cut) {
-            const std::size_t begin = std::max<std::size_t>(selectionBegin, cut) - cut;
-            ask(EM_SETSEL, begin, static_cast<LPARAM>(selectionEnd - cut));
-        }
-        scrollTo(follows ? static_cast<int>(ask(EM_GETLINECOUNT)) - visibleLines()
-                         : firstLine - cutLines);
-        ask(WM_HSCROLL, MAKEWPARAM(SB_THUMBPOSITION, across.nPos), 0);
     }
+    if (makesRoom || shown_ > limit_) {
+        const auto lines = static_cast<int>(ask(EM_GETLINECOUNT));
+        cut = trim();
+        cutLines = lines - static_cast<int>(ask(EM_GETLINECOUNT));
+    }
+    if (before.begin < before.end && before.end > cut) {
+        const std::size_t begin = std::max(before.begin, cut) - cut;
+        ask(EM_SETSEL, begin, static_cast<LPARAM>(before.end - cut));
+    } else if (makesRoom) {
+        ask(EM_SETSEL, shown_, static_cast<LPARAM>(shown_));
+    }
+    scrollTo(follows ? static_cast<int>(ask(EM_GETLINECOUNT)) - visibleLines()
+                     : firstLine - cutLines);
+    if (GetScrollPos(edit_, SB_HORZ) != across)
+        ask(WM_HSCROLL, static_cast<WPARAM>(MAKELONG(SB_THUMBPOSITION, across)), 0);
 }
 
 // Whole lines, a quarter of the limit at least; within a line only where there is no other.
 std::size_t OutputPane::trim() {
-    std::size_t cut = shown_ - (limit_ - limit_ / 4);
+    std::size_t cut = shown_ - kept();
     const LRESULT line = ask(EM_LINEFROMCHAR, cut);
     const auto next = ask(EM_LINEINDEX, static_cast<WPARAM>(line) + 1);
     if (next > 0 && static_cast<std::size_t>(next) < shown_) cut = static_cast<std::size_t>(next);
     ask(EM_SETSEL, 0, static_cast<LPARAM>(cut));
     ask(EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(L""));
     shown_ -= cut;
-    ask(EM_SETSEL, shown_, static_cast<LPARAM>(shown_));
     return cut;
 }
 
-// Somebody else has changed the text.
+// Somebody else has changed the end of the text.
 void OutputPane::forget() {
     shown_ = static_cast<std::size_t>(ask(WM_GETTEXTLENGTH));
-    content_.clear();
+    const auto lastLine = static_cast<WPARAM>(ask(EM_GETLINECOUNT) - 1);
+    content_.restart(static_cast<std::size_t>(ask(EM_LINEINDEX, lastLine)) == shown_);
 }
 
-bool OutputPane::isAtEnd() const {
+bool OutputPane::isAtEnd() {
     return ask(EM_GETFIRSTVISIBLELINE) + visibleLines() >= ask(EM_GETLINECOUNT);
 }
 
@@ -278,7 +335,7 @@ void OutputPane::clear() {
 void OutputPane::setLimit(std::size_t characters) {
     limit_ = characters;
     flush();
-    if (edit_ && shown_ > limit_) show();
+    if (edit_ && shown_ > limit_) show({}, true);
 }
 
 std::wstring OutputPane::text() {
@@ -290,6 +347,10 @@ std::wstring OutputPane::text() {
 
 OutputPane::Selection OutputPane::selection() {
     flush();
+    return selected();
+}
+
+OutputPane::Selection OutputPane::selected() {
     DWORD begin = 0;
     DWORD end = 0;
     ask(EM_GETSEL, reinterpret_cast<WPARAM>(&begin), reinterpret_cast<LPARAM>(&end));

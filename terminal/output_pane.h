@@ -58,21 +58,30 @@ private:
 
     LRESULT process(UINT message, WPARAM wide, LPARAM longer);
     // The edit control's own answer.
-    LRESULT ask(UINT message, WPARAM wide = 0, LPARAM longer = 0) const;
+    LRESULT ask(UINT message, WPARAM wide = 0, LPARAM longer = 0);
 
     LRESULT selectFor(WPARAM begin, LPARAM end);
+    Selection selected();
     void append(std::wstring_view text);
+    void replace(LPARAM text);
     void collected();
+    void wait();
     void flush();
-    void show();
+    void flushPart();
+    std::size_t lengthOfPart() const;
+    void adapt(std::size_t size, double taken);
+    void show(const PaneChange& change, bool makesRoom);
     std::size_t trim();
     void forget();
     void keepEndInView(UINT message, WPARAM wide, LPARAM longer);
 
-    bool isAtEnd() const;
+    bool isAtEnd();
     void scrollTo(int firstLine);
     int visibleLines() const;
     std::size_t length() const;
+    bool hasPending() const { return !pending_.added.empty() || pending_.removed > 0; }
+    // What is left when room has been made.
+    std::size_t kept() const { return limit_ - limit_ / 4; }
 
     void showMenu(POINT place);
 
@@ -89,6 +98,9 @@ private:
     bool hasTimer_ = false;
     bool isShowing_ = false;
     UINT interval_;
+    std::size_t part_ = 1 << 13;
+    // The message whose answer is to be the edit control's own; WM_NULL for none.
+    UINT asked_ = WM_NULL;
 };
 
 }  // namespace kel::terminal

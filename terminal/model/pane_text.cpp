@@ -39,9 +39,9 @@ void PaneText::take(std::wstring_view received, PaneChange& change) {
     }
 }
 
-void PaneText::clear() {
+void PaneText::restart(bool isAtLineStart) {
     line_.clear();
-    atLineStart_ = true;
+    atLineStart_ = isAtLineStart;
     lineEnd_ = 0;
 }
 

@@ -25,8 +25,8 @@ public:
     // Adds to a change that has not been shown yet.
     void take(std::wstring_view received, PaneChange& change);
 
-    // The pane has been emptied.
-    void clear();
+    // What stood there is not the text that was taken: nothing of it can be taken back.
+    void restart(bool isAtLineStart);
 
     bool isAtLineStart() const { return atLineStart_; }
 

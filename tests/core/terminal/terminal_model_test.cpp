@@ -91,7 +91,7 @@ TEST(PaneTextTest, ALineBeginsWithItsTimeWhenItsFirstCharacterCame) {
     text.take(L"a\r\n", change);
     text.take(L"\r\n\b\bb\b\b\bc", change);
     EXPECT_EQ(change.added, L"1 a\r\n\r\n2 c");
-    text.clear();
+    text.restart(true);
     change = {};
     text.take(L"\bd", change);
     EXPECT_EQ(change.removed, 0u);

@@ -1,4 +1,6 @@
 // The output pane as those use it who feed it, and as the reader does.
+#include <set>
+
 #include "resources/resource_ids.h"
 #include "tests/wine/terminal/terminal_fixture.h"
 
@@ -160,6 +162,40 @@ TEST_F(OutputPaneTest, BeginsLinesWithTheTimeIfAsked) {
     EXPECT_EQ(terminal->put_TimeStamps(VARIANT_FALSE), S_OK);
     feed(L"\r\nd");
     EXPECT_EQ(shown().substr(text.size()), L"\r\nd");
+
+    // What somebody else has changed decides whether a line begins.
+    EXPECT_EQ(terminal->put_TimeStamps(VARIANT_TRUE), S_OK);
+    SetWindowTextW(output(), L"one\r\ntwo");
+    feed(L"!\r");
+    replace(0, 5, L"");
+    feed(L"\n");
+    EXPECT_EQ(shown(), L"two!\r\n");
+    // Who empties the pane and selects nothing adds to its end.
+    SetWindowTextW(output(), L"");
+    for (const wchar_t* piece : {L"a\n", L"b"})
+        ask(EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(piece));
+    EXPECT_EQ(shown().size(), 2 * 15 + 4u);
+    EXPECT_EQ(shown()[18], L'[');
+}
+
+TEST_F(OutputPaneTest, ShowsMuchInParts) {
+    const std::wstring line(58, L'x');
+    std::wstring text;
+    for (int i = 0; i < 1000; ++i)
+        text += line + L"\r\n";
+    feed(text);
+    // The bar tells without making the pane show the rest.
+    std::set<int> heights;
+    const DWORD limit = GetTickCount() + 10000;
+    while ((heights.empty() || *heights.rbegin() < 1000) && GetTickCount() < limit) {
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+        runMessages();
+        int least = 0, most = 0;
+        GetScrollRange(output(), SB_VERT, &least, &most);
+        heights.insert(most);
+    }
+    EXPECT_GT(heights.size(), 2u);
+    EXPECT_EQ(shown(), text);
 }
 
 TEST_F(OutputPaneTest, CanBeSelectedWithTheMouseWhileTextArrives) {
