@@ -12,7 +12,7 @@ run_bench() {
     lock_build
     set_up "${bench_packages[@]}"
     build_preset bench kel_speed
-    build_preset win32 server/KelUtils.dll bench/link/BenchLink.dll bench/speed/kel_speed.exe bench/speed/kel_reaction.exe
+    build_preset win32 server/KelUtils.dll bench/link/BenchLink.dll bench/speed/kel_speed.exe bench/speed/kel_reaction.exe bench/speed/kel_pane.exe
     make_prefix
     enter_prefix
     register_libraries
@@ -80,9 +80,18 @@ measure_speed() {
 
 # The first megabyte of the longest script, to whole lines, is what the first byte is waited for.
 measure_reactions() {
-    say "measuring through COM (a minute)"
+    say "measuring through COM and the output pane (four minutes)"
     head -c 1048576 -- "$folder/1000000.kel" | sed '$d' >"$folder/megabyte.kel"
-    without_locks timeout 300 wine "$windows/kel_reaction.exe" "$(windows_path "$folder/megabyte.kel")" \
-        2>"$kel_build/log/reaction.log" | tr -d '\r' >"$folder/reactions" ||
-        show_failure "$kel_build/log/reaction.log" "the measurement through COM failed"
+    : >"$folder/reactions"
+    measure_windows kel_reaction "$(windows_path "$folder/megabyte.kel")"
+    measure_windows kel_pane
+}
+
+# Adds the figures that one of the Windows programs prints: measure_windows PROGRAM [ARGUMENT].
+measure_windows() {
+    local program=$1
+    shift
+    without_locks timeout 400 wine "$windows/$program.exe" "$@" </dev/null 2>"$kel_build/log/$program.log" |
+        tr -d '\r' >>"$folder/reactions" ||
+        show_failure "$kel_build/log/$program.log" "the measurement of $program failed"
 }

@@ -151,14 +151,13 @@ std::vector<double> growth() {
     for (int megabyte = 0; megabyte < 6; ++megabyte) {
         const double time = feedAll(edit.edit.get(), pieces, kMegabyte);
         // The first fills the pane, the second is the first at its limit.
-        std::fprintf(stderr, "MB %d %.0f ms\n", megabyte, time);
         if (megabyte > 1) percent.push_back(100 * (time / before - 1));
         before = time;
     }
     return percent;
 }
 
-// The time in which 99 of 100 posted messages are answered while a full pane gets 115 KB/s.
+// The milliseconds in which 99 of 100 posted messages are answered while a full pane gets 115 KB/s.
 double answer() {
     constexpr UINT kAsked = WM_APP;
     constexpr double kDuration = 8000;
@@ -199,11 +198,11 @@ double answer() {
     }
     feeder.join();
     asking.join();
-    if (static_cast<double>(fed) < 0.98 * kDuration * kBytesPerMillisecond || times.size() < 200)
-        throw std::runtime_error("the pane could not be fed fast enough");
     std::sort(times.begin(), times.end());
-    std::fprintf(stderr, "fed %zu n %zu median %.1f p90 %.1f p99 %.1f max %.1f\n", fed.load(), times.size(), times[times.size()/2], times[times.size()*9/10], times[times.size()*99/100], times.back());
-    return times[times.size() * 99 / 100];
+    if (times.size() < 200) throw std::runtime_error("too few messages were answered");
+    // A feeder that has to wait gets no answer either.
+    const double late = kDuration - static_cast<double>(fed) / kBytesPerMillisecond;
+    return std::max(late, times[times.size() * 99 / 100]);
 }
 
 double processorTime() {
