@@ -19,9 +19,11 @@ constexpr UINT_PTR kSubclass = 0;
 constexpr UINT_PTR kFlushTimer = 0x4B45;
 constexpr UINT kFlushInterval = 33;
 constexpr UINT kLongestInterval = 500;
-// Showing takes a third of the time at most: its thread has other things to do. So as not to keep
-// them waiting, it is done in parts that take no longer than this (in milliseconds).
+// Showing takes a third of the time, half of it when much waits: its thread has other things to do.
+// So as not to keep them waiting, it is done in parts that take no longer than this (in
+// milliseconds).
 constexpr UINT kRestFactor = 2;
+constexpr std::size_t kMuchCollected = 1 << 14;
 constexpr double kLongestPart = 40;
 constexpr std::size_t kSmallestPart = 1 << 12;
 // Whoever feeds more than that has to wait until a part of it is shown.
@@ -227,8 +229,8 @@ void OutputPane::flushPart() {
     const double taken =
         std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
     if (!makesRoom) adapt(size, taken);
-    interval_ =
-        std::clamp(static_cast<UINT>(taken) * kRestFactor, kFlushInterval, kLongestInterval);
+    const UINT factor = pending_.added.size() > kMuchCollected ? 1 : kRestFactor;
+    interval_ = std::clamp(static_cast<UINT>(taken) * factor, kFlushInterval, kLongestInterval);
     if (hasPending()) wait();
 }
 
@@ -245,7 +247,7 @@ std::size_t OutputPane::lengthOfPart() const {
 void OutputPane::adapt(std::size_t size, double taken) {
     if (taken > kLongestPart) {
         part_ = std::max(kSmallestPart, std::min(part_, size) * 3 / 4);
-    } else if (taken < kLongestPart / 2 && size >= part_ / 2) {
+    } else if (taken < kLongestPart * 3 / 4 && size >= part_ / 2) {
         part_ = std::min(kMostCollected, part_ + part_ / 4);
     }
 }
