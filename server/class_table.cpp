@@ -6,6 +6,8 @@
 #include "com/object.h"
 #include "controls/multi_select_dialog.h"
 #include "controls/status_dialog.h"
+#include "dialogs/connect/connect_kelgate_dialog.h"
+#include "dialogs/connect/connect_serial_dialog.h"
 #include "interfaces/KelUtils.h"
 #include "resources/resource_ids.h"
 #include "script/preprocessor.h"
@@ -28,7 +30,8 @@ constexpr auto kCreate = com::rowCreator<com::createInstance<Component>>;
 
 com::ClassRow table[] = {
     {L"KelTerminal", &CLSID_KelTerminal, IDR_KELTERMINAL, kCreate<terminal::KelTerminal>},
-    {L"ConnectSerialDialog", &CLSID_ConnectSerialDialog, IDR_CONNECTSERIALDIALOG, createUnbuilt},
+    {L"ConnectSerialDialog", &CLSID_ConnectSerialDialog, IDR_CONNECTSERIALDIALOG,
+     kCreate<connect::ConnectSerialDialog>},
     {L"UploadFirmwareDialog", &CLSID_UploadFirmwareDialog, IDR_UPLOADFIRMWAREDIALOG, createUnbuilt},
     {L"Preprocessor", &CLSID_Preprocessor, IDR_PREPROCESSOR, kCreate<script::Preprocessor>},
     {L"RecorderDialog", &CLSID_RecorderDialog, IDR_RECORDERDIALOG, createUnbuilt},
@@ -37,7 +40,8 @@ com::ClassRow table[] = {
     {L"HTMLPageData", &CLSID_HTMLPageData, IDR_HTMLPAGEDATA, createUnbuilt},
     {L"KelScript", &CLSID_KelScript, IDR_KELSCRIPT, createUnbuilt},
     {L"KelObjects", &CLSID_KelObjects, IDR_KELOBJECTS, createUnbuilt},
-    {L"ConnectKelGateDialog", &CLSID_ConnectKelGateDialog, IDR_CONNECTKELGATEDIALOG, createUnbuilt},
+    {L"ConnectKelGateDialog", &CLSID_ConnectKelGateDialog, IDR_CONNECTKELGATEDIALOG,
+     kCreate<connect::ConnectKelGateDialog>},
     {L"NewSessionDialog", &CLSID_NewSessionDialog, IDR_NEWSESSIONDIALOG, createUnbuilt},
     {L"PressureOffsetDialog", &CLSID_PressureOffsetDialog, IDR_PRESSUREOFFSETDIALOG, createUnbuilt},
     {L"MultiSelectDialog", &CLSID_MultiSelectDialog, IDR_MULTISELECTDIALOG,

@@ -31,7 +31,8 @@ bool isAnsweredDirectly(UINT message) {
 
 // For dialogs from resources, which may hold anything that the platform offers.
 void prepareControls() {
-    INITCOMMONCONTROLSEX classes{sizeof classes, ICC_LISTVIEW_CLASSES | ICC_PROGRESS_CLASS};
+    INITCOMMONCONTROLSEX classes{sizeof classes,
+                                 ICC_LISTVIEW_CLASSES | ICC_TREEVIEW_CLASSES | ICC_PROGRESS_CLASS};
     InitCommonControlsEx(&classes);
     AtlAxWinInit();
 }

@@ -44,6 +44,9 @@ public:
     HWND window() const { return window_; }
 
 protected:
+    // Of a dialog that was given one.
+    com::ObjectCore& component() const { return *component_; }
+
     // The controls exist, the window stands over its owner and is not yet visible. Override
     // initialFocus() to choose where the focus goes.
     virtual void initialise() {}

@@ -20,7 +20,9 @@ ComPtr<IClassFactory> factoryOf(REFCLSID identifier) {
 }
 
 bool isBuilt(const ExpectedClass& row) {
-    static const std::set<std::string> built{"KelTerminal", "MultiSelectDialog", "Preprocessor", "StatusDialog"};
+    static const std::set<std::string> built{"ConnectKelGateDialog", "ConnectSerialDialog",
+                                             "KelTerminal",          "MultiSelectDialog",
+                                             "Preprocessor",         "StatusDialog"};
     return built.contains(row.name);
 }
 

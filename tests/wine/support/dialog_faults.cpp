@@ -64,6 +64,8 @@ bool textFits(const Control& control) {
             format |= DT_WORDBREAK;
     } else if (control.is(L"Button")) {
         const DWORD kind = control.buttonKind();
+        // Its owner draws something else; the text is for those who have it read to them.
+        if (kind == BS_OWNERDRAW) return true;
         width -= kind == BS_PUSHBUTTON || kind == BS_DEFPUSHBUTTON ? kButtonMargin : kCheckBoxMark;
     } else {
         return true;

@@ -17,6 +17,7 @@ std::string number(long value) {
 
 constexpr const IID& kLink = __uuidof(IKelCommunicator);
 constexpr const IID& kStream = __uuidof(IKelStream);
+constexpr const IID& kSerial = __uuidof(ISerialStream);
 
 }  // namespace
 
@@ -85,15 +86,33 @@ public:
     STDMETHODIMP put_IdleProcessing(VARIANT_BOOL enabled) override {
         return link_.call(kStream, "IdleProcessing = " + number(enabled));
     }
-    STDMETHODIMP get_ConnectionString(BSTR*) override { return E_NOTIMPL; }
+    STDMETHODIMP get_ConnectionString(BSTR* connection) override {
+        return link_.call(kStream, "ConnectionString", [&] {
+            *connection = com::Bstr(std::wstring_view(link_.connectionString)).release();
+        });
+    }
     STDMETHODIMP get_EchoHexMode(VARIANT_BOOL*) override { return E_NOTIMPL; }
     STDMETHODIMP put_EchoHexMode(VARIANT_BOOL) override { return E_NOTIMPL; }
     STDMETHODIMP get_BytesInReadBuffer(long* count) override {
         *count = link_.received ? static_cast<long>(link_.received->size()) : 0;
         return S_OK;
     }
-    STDMETHODIMP OpenPort(BSTR, long, VARIANT_BOOL*) override { return E_NOTIMPL; }
-    STDMETHODIMP PortExists(BSTR, VARIANT_BOOL*) override { return E_NOTIMPL; }
+    STDMETHODIMP OpenPort(BSTR port, long rate, VARIANT_BOOL* result) override {
+        DWORD error = ERROR_SUCCESS;
+        const HRESULT code =
+            link_.call(kSerial, "OpenPort " + com::narrow(port) + " " + number(rate), [&] {
+                const std::wstring_view name = com::view(port);
+                const auto busy = link_.busyPorts.find(name.substr(0, name.find(L':')));
+                if (busy != link_.busyPorts.end()) error = busy->second;
+                *result = error == ERROR_SUCCESS ? 1 : 0;
+            });
+        SetLastError(error);
+        return code;
+    }
+    STDMETHODIMP PortExists(BSTR port, VARIANT_BOOL* exists) override {
+        return link_.call(kSerial, "PortExists " + com::narrow(port),
+                          [&] { *exists = link_.absentPorts.contains(com::view(port)) ? 0 : 1; });
+    }
     STDMETHODIMP SetLineSettings(BSTR parity, long dataBits, long stopBits,
                                  VARIANT_BOOL* result) override {
         return link_.ask(__uuidof(ISerialStream), "SetLineSettings",

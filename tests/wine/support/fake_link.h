@@ -45,6 +45,10 @@ public:
     long echoWindow = 0;
     std::wstring reply;
     IPreprocessor* preprocessor = nullptr;  // not told
+    std::wstring connectionString;
+    // Ports by name that are not there, and those that do not open, with the last error.
+    std::map<std::wstring, DWORD, std::less<>> absentPorts;
+    std::map<std::wstring, DWORD, std::less<>> busyPorts;
 
     // Where it is set, waits find only what stands in it.
     std::optional<std::string> received;

@@ -1,0 +1,55 @@
+#pragma once
+// The list of network connections, kept and connected: what the dialog and the page have in common.
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <optional>
+
+#include "dialogs/connect/model/connection_list.h"
+#include "dialogs/connect/network_link.h"
+#include "ui/dialog.h"
+
+namespace kel::connect {
+
+class NetworkForm : public ui::Dialog {
+public:
+    NetworkForm(com::ObjectCore& component, com::ComPtr<IKelCommunicator> link)
+        : Dialog(&component), link_(std::move(link)) {}
+
+    // Connects the link to the selected connection, which moves to the front. False when there is
+    // none, or it does not answer: that is shown. Throws com::Error when the link fails.
+    bool connect();
+
+protected:
+    void initialise() override;
+    bool command(int control, int notification) override;
+    std::optional<LRESULT> notify(const NMHDR& notification) override;
+    std::optional<LRESULT> handle(UINT message, WPARAM wide, LPARAM longer) override;
+    std::optional<LRESULT> intercepted(HWND control, UINT message, WPARAM wide,
+                                       LPARAM longer) override;
+    int statusLine() const override;
+
+    // The user wants to connect.
+    virtual void confirm() = 0;
+
+private:
+    HWND tree() const;
+    void fillTree();
+    void insert(std::size_t index);
+    std::optional<std::size_t> selected() const;
+    std::size_t indexOf(HTREEITEM item) const;
+    void select(HTREEITEM item);
+
+    void addConnection();
+    void editConnection();
+    void removeConnection();
+
+    NetworkLink link_;
+    ConnectionList list_;
+    // What is stored is known: until then nothing may be written over it.
+    bool isLoaded_ = false;
+};
+
+}  // namespace kel::connect

@@ -1,0 +1,28 @@
+#pragma once
+// The network side of the instrument link.
+
+#include "com/error.h"
+#include "dialogs/connect/model/connection_list.h"
+#include "interfaces/KelUtils.h"
+
+namespace kel::connect {
+
+// Every member throws com::Error when the link fails.
+class NetworkLink {
+public:
+    explicit NetworkLink(com::ComPtr<IKelCommunicator> link) : link_(std::move(link)) {}
+
+    // Makes the stream that is to be connected. Where the link's library has none, connecting fails
+    // with E_POINTER later.
+    void createStream();
+
+    // Connects that stream and puts it in the place of the link's present port, which is closed
+    // then; false when no connection was made, and the present port is as it was.
+    bool connect(const NetworkConnection& connection);
+
+private:
+    com::ComPtr<IKelCommunicator> link_;
+    com::ComPtr<INetworkStream> stream_;
+};
+
+}  // namespace kel::connect

@@ -1,0 +1,109 @@
+#include "dialogs/connect/serial_link.h"
+
+#include <utility>
+
+#include "com/text.h"
+#include "com/variant.h"
+#include "dialogs/connect/model/serial_ports.h"
+#include "interfaces/link_classes.h"
+
+namespace kel::connect {
+
+void SerialLink::createStream() {
+    com::ComPtr<IUnknown> object;
+    if (FAILED(CoCreateInstance(link::kSerialStreamClass, nullptr, CLSCTX_ALL,
+                                IID_PPV_ARGS(&object))) ||
+        FAILED(OleRun(object.Get()))) {
+        return;
+    }
+    object.As(&stream_);
+}
+
+const com::ComPtr<ISerialStream>& SerialLink::stream() const {
+    if (!stream_)
+        throw com::Error(E_POINTER, L"The link's serial port component is not installed",
+                         __uuidof(ISerialStream));
+    return stream_;
+}
+
+com::ComPtr<IKelStream> SerialLink::port() const {
+    com::ComPtr<IKelStream> port;
+    com::check(link_->get_Port(&port), link_);
+    return port;
+}
+
+std::wstring SerialLink::currentPort() const {
+    const auto present = port();
+    com::Bstr connection;
+    if (present) com::check(present->get_ConnectionString(connection.put()), present);
+    return shownName(connection.view());
+}
+
+std::optional<long> SerialLink::currentRate() const {
+    const auto present = port();
+    VARIANT_BOOL isOpen = VARIANT_FALSE;
+    if (present) com::check(present->get_IsOpen(&isOpen), present);
+    if (!com::isTrue(isOpen)) return std::nullopt;
+    long rate = 0;
+    com::check(present->get_BaudRate(&rate), present);
+    return rate;
+}
+
+bool SerialLink::hasOpenSerialPort() const {
+    const auto present = port();
+    com::ComPtr<ISerialStream> serial;
+    if (!present || FAILED(present.As(&serial))) return false;
+    VARIANT_BOOL isOpen = VARIANT_FALSE;
+    com::check(present->get_IsOpen(&isOpen), present);
+    return com::isTrue(isOpen);
+}
+
+bool SerialLink::exists(const std::wstring& port) const {
+    VARIANT_BOOL exists = VARIANT_FALSE;
+    com::check(stream()->PortExists(com::Bstr(port).get(), &exists), stream());
+    return com::isTrue(exists);
+}
+
+bool SerialLink::opens(const std::wstring& port) const {
+    VARIANT_BOOL isOpen = VARIANT_FALSE;
+    com::check(stream()->OpenPort(com::Bstr(port).get(), kDefaultBaudRate, &isOpen), stream());
+    if (!com::isTrue(isOpen)) return false;
+    com::check(stream()->Close(), stream());
+    return true;
+}
+
+bool SerialLink::isCurrent(const std::wstring& port) const {
+    return isSamePort(currentPort(), port);
+}
+
+void SerialLink::setRate(long rate, const SerialRules& rules) {
+    const auto present = port();
+    if (!present) throw com::Error(E_POINTER, L"The link has no port any more");
+    long before = 0;
+    if (!rules.putsSameRate) com::check(present->get_BaudRate(&before), present);
+    if (rules.putsSameRate || before != rate) com::check(present->put_BaudRate(rate), present);
+}
+
+std::optional<DWORD> SerialLink::connect(const std::wstring& name, long rate) {
+    const com::Bstr opened(openedName(name));
+    VARIANT_BOOL isOpen = VARIANT_FALSE;
+    const com::ComPtr<ISerialStream> fresh = stream();
+    SetLastError(ERROR_SUCCESS);
+    const HRESULT code = fresh->OpenPort(opened.get(), rate, &isOpen);
+    // Before anything else can change it.
+    const DWORD error = GetLastError();
+    com::check(code, fresh);
+    if (!com::isTrue(isOpen)) return error;
+
+    try {
+        if (const auto present = port()) com::check(present->Close(), present);
+        com::check(link_->put_Port(fresh.Get()), link_);
+    } catch (...) {
+        // Nobody would close it later.
+        fresh->Close();
+        throw;
+    }
+    return std::nullopt;
+}
+
+}  // namespace kel::connect
