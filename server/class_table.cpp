@@ -8,6 +8,7 @@
 #include "controls/status_dialog.h"
 #include "dialogs/connect/connect_kelgate_dialog.h"
 #include "dialogs/connect/connect_serial_dialog.h"
+#include "dialogs/connect/new_session_dialog.h"
 #include "interfaces/KelUtils.h"
 #include "resources/resource_ids.h"
 #include "script/preprocessor.h"
@@ -42,7 +43,8 @@ com::ClassRow table[] = {
     {L"KelObjects", &CLSID_KelObjects, IDR_KELOBJECTS, createUnbuilt},
     {L"ConnectKelGateDialog", &CLSID_ConnectKelGateDialog, IDR_CONNECTKELGATEDIALOG,
      kCreate<connect::ConnectKelGateDialog>},
-    {L"NewSessionDialog", &CLSID_NewSessionDialog, IDR_NEWSESSIONDIALOG, createUnbuilt},
+    {L"NewSessionDialog", &CLSID_NewSessionDialog, IDR_NEWSESSIONDIALOG,
+     kCreate<connect::NewSessionDialog>},
     {L"PressureOffsetDialog", &CLSID_PressureOffsetDialog, IDR_PRESSUREOFFSETDIALOG, createUnbuilt},
     {L"MultiSelectDialog", &CLSID_MultiSelectDialog, IDR_MULTISELECTDIALOG,
      kCreate<controls::MultiSelectDialog>},

@@ -73,7 +73,7 @@ INT_PTR Dialog::runModal(WORD resource, HWND owner) {
         AtlAxDialogBoxA(com::moduleInstance(), MAKEINTRESOURCEA(resource), owner, procedure,
                         reinterpret_cast<LPARAM>(this));
     });
-    if (result != IDOK && initialisationFailure_) std::rethrow_exception(initialisationFailure_);
+    if (result != IDOK) rethrowInitialisationFailure();
     return result;
 }
 
@@ -82,7 +82,7 @@ INT_PTR Dialog::runModal(const DialogTemplate& description, HWND owner) {
         DialogBoxIndirectParamW(com::moduleInstance(), description.get(), owner, procedure,
                                 reinterpret_cast<LPARAM>(this));
     });
-    if (result != IDOK && initialisationFailure_) std::rethrow_exception(initialisationFailure_);
+    if (result != IDOK) rethrowInitialisationFailure();
     return result;
 }
 

@@ -43,6 +43,11 @@ public:
     // Null while there is none.
     HWND window() const { return window_; }
 
+    // Throws what a part could not initialise for; nothing when it could.
+    void rethrowInitialisationFailure() const {
+        if (initialisationFailure_) std::rethrow_exception(initialisationFailure_);
+    }
+
 protected:
     // Of a dialog that was given one.
     com::ObjectCore& component() const { return *component_; }

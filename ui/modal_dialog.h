@@ -8,11 +8,13 @@
 
 namespace kel::ui {
 
-// A component derives from it with its own interface and has a method
+// A component derives from it with its own interface, and those between that and IKelModalDialog,
+// and has a method
 //     bool show(HWND owner, const com::ComPtr<IKelCommunicator>& link);
 // that runs the dialog and tells whether it ended with success. It may throw.
-template <class Derived, class Interface, class... Others>
-class ModalDialog : public com::Object<Derived, com::Dual<Interface, IKelModalDialog>, Others...> {
+template <class Derived, class Interface, class... Bases>
+class ModalDialog
+    : public com::Object<Derived, com::Dual<Interface, Bases..., IKelModalDialog>> {
 public:
     STDMETHODIMP put_Communicator(IKelCommunicator* communicator) override {
         return this->template guarded<IKelModalDialog>([&] { communicator_ = communicator; });
@@ -31,6 +33,10 @@ public:
                 com::variantBool(static_cast<Derived&>(*this).show(livingWindow(owner), link));
         });
     }
+
+protected:
+    // Null while none has been put.
+    const com::ComPtr<IKelCommunicator>& communicator() const { return communicator_; }
 
 private:
     com::ComPtr<IKelCommunicator> communicator_;

@@ -60,22 +60,38 @@ std::optional<std::size_t> NetworkForm::selected() const {
 }
 
 bool NetworkForm::connect() {
-    const ui::WaitCursor cursor;
     const auto index = selected();
     if (!index) return false;
     // The list may change while the link works.
     const NetworkConnection connection = list_.all()[*index];
     const std::wstring place = connection.address + L" : " + connection.port;
-    showStatus(L"Connecting to " + place + L" ...");
-    if (!link_.connect(connection)) {
-        showStatus(L"Failed to connect to " + place);
-        return false;
+    if (!isConnected(connection)) {
+        showStatus(L"Connecting to " + place + L" ...");
+        if (!reach(connection, *index)) {
+            showStatus(L"Failed to connect to " + place);
+            return false;
+        }
     }
     if (const auto now = selected()) {
         list_.use(*now);
         fillTree();
     }
     return true;
+}
+
+// Asks for passwords as long as the gateway wants one and the user gives one.
+bool NetworkForm::reach(NetworkConnection connection, std::size_t index) {
+    for (;;) {
+        {
+            const ui::WaitCursor cursor;
+            if (link_.connect(connection)) return true;
+            if (!link_.wantsPassword()) return false;
+        }
+        const auto given = askPassword(connection);
+        if (!given || !window()) return false;
+        connection.password = given->text;
+        if (given->isKept) list_.setPassword(index, given->text);
+    }
 }
 
 void NetworkForm::addConnection() {
@@ -118,9 +134,6 @@ void NetworkForm::removeConnection() {
 
 bool NetworkForm::command(int control, int notification) {
     switch (control) {
-        case IDOK:
-            confirm();
-            return true;
         case IDC_NETWORK_NEW:
             addConnection();
             return true;
@@ -131,7 +144,7 @@ bool NetworkForm::command(int control, int notification) {
             removeConnection();
             return true;
         default:
-            return Dialog::command(control, notification);
+            return Form::command(control, notification);
     }
 }
 

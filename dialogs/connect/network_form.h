@@ -9,14 +9,15 @@
 
 #include "dialogs/connect/model/connection_list.h"
 #include "dialogs/connect/network_link.h"
-#include "ui/dialog.h"
+#include "dialogs/connect/password_dialog.h"
+#include "dialogs/connect/form.h"
 
 namespace kel::connect {
 
-class NetworkForm : public ui::Dialog {
+class NetworkForm : public Form {
 public:
     NetworkForm(com::ObjectCore& component, com::ComPtr<IKelCommunicator> link)
-        : Dialog(&component), link_(std::move(link)) {}
+        : Form(&component), link_(std::move(link)) {}
 
     // Connects the link to the selected connection, which moves to the front. False when there is
     // none, or it does not answer: that is shown. Throws com::Error when the link fails.
@@ -31,10 +32,18 @@ protected:
                                        LPARAM longer) override;
     int statusLine() const override;
 
-    // The user wants to connect.
-    virtual void confirm() = 0;
+    // Whether the link is connected so already, and is to be left alone.
+    virtual bool isConnected(const NetworkConnection&) { return false; }
+    // The gateway wants a password, or another one than the connection's. Nothing when there is
+    // none to give.
+    virtual std::optional<GivenPassword> askPassword(const NetworkConnection&) {
+        return std::nullopt;
+    }
+    NetworkLink& link() { return link_; }
 
 private:
+    bool reach(NetworkConnection connection, std::size_t index);
+
     HWND tree() const;
     void fillTree();
     void insert(std::size_t index);

@@ -27,6 +27,10 @@ bool NetworkLink::connect(const NetworkConnection& connection) {
     if (!stream)
         throw com::Error(E_POINTER, L"The link's network component is not installed",
                          __uuidof(INetworkStream));
+    // A link's library need not know of passwords.
+    com::ComPtr<INetworkStream2> gateway;
+    if (SUCCEEDED(stream.As(&gateway)))
+        com::check(gateway->put_Password(com::Bstr(connection.password).get()), gateway);
     VARIANT_BOOL isConnected = VARIANT_FALSE;
     com::check(stream->ConnectTo(com::Bstr(connection.address).get(),
                                  com::Bstr(connection.port).get(), &isConnected),
@@ -42,6 +46,27 @@ bool NetworkLink::connect(const NetworkConnection& connection) {
         throw;
     }
     return true;
+}
+
+bool NetworkLink::wantsPassword() const {
+    com::ComPtr<INetworkStream2> gateway;
+    if (!stream_ || FAILED(stream_.As(&gateway))) return false;
+    VARIANT_BOOL isRequired = VARIANT_FALSE;
+    com::check(gateway->get_PasswordRequired(&isRequired), gateway);
+    return com::isTrue(isRequired);
+}
+
+bool NetworkLink::isConnected(const NetworkConnection& connection) const {
+    com::ComPtr<IKelStream> present;
+    com::check(link_->get_Port(&present), link_);
+    com::ComPtr<INetworkStream> network;
+    if (!present || FAILED(present.As(&network))) return false;
+    VARIANT_BOOL isOpen = VARIANT_FALSE;
+    com::check(network->get_IsOpen(&isOpen), network);
+    com::Bstr name;
+    com::check(network->get_ConnectionString(name.put()), network);
+    return com::isTrue(isOpen) &&
+           com::sameName(name.view(), connection.address + L":" + connection.port);
 }
 
 }  // namespace kel::connect

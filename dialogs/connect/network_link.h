@@ -20,6 +20,12 @@ public:
     // then; false when no connection was made, and the present port is as it was.
     bool connect(const NetworkConnection& connection);
 
+    // True when the last attempt failed because the gateway wants a password, or another one.
+    bool wantsPassword() const;
+
+    // True when the link's present port is this connection and open.
+    bool isConnected(const NetworkConnection& connection) const;
+
 private:
     com::ComPtr<IKelCommunicator> link_;
     com::ComPtr<INetworkStream> stream_;

@@ -94,11 +94,7 @@ bool SerialForm::command(int control, int notification) {
         refresh();
         return true;
     }
-    if (control == IDOK) {
-        confirm();
-        return true;
-    }
-    return Dialog::command(control, notification);
+    return Form::command(control, notification);
 }
 
 std::optional<LRESULT> SerialForm::handle(UINT message, WPARAM wide, LPARAM longer) {

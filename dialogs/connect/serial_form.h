@@ -6,14 +6,14 @@
 
 #include "dialogs/connect/model/serial_ports.h"
 #include "dialogs/connect/serial_link.h"
-#include "ui/dialog.h"
+#include "dialogs/connect/form.h"
 
 namespace kel::connect {
 
-class SerialForm : public ui::Dialog {
+class SerialForm : public Form {
 public:
     SerialForm(com::ObjectCore& component, com::ComPtr<IKelCommunicator> link)
-        : Dialog(&component), link_(std::move(link)) {}
+        : Form(&component), link_(std::move(link)) {}
 
     // Connects the link to the chosen port. False when that does not open: the reason is shown.
     // Throws com::Error when the link fails.
@@ -30,8 +30,6 @@ protected:
     virtual std::wstring failureText(const std::wstring& port, DWORD error) const = 0;
     virtual std::wstring firstPort() { return link_.currentPort(); }
     virtual long firstRate();
-    // The user wants to connect.
-    virtual void confirm() = 0;
     // A connection stands.
     virtual void connected(const std::wstring&, long) {}
 

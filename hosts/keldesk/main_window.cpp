@@ -6,6 +6,7 @@
 #include "com/variant.h"
 #include "hosts/keldesk/connect_dialog.h"
 #include "hosts/keldesk/look.h"
+#include "hosts/keldesk/model/recent_menu.h"
 #include "hosts/keldesk/resource_ids.h"
 #include "hosts/keldesk/settings.h"
 #include "hosts/keldesk/wide.h"
@@ -59,7 +60,7 @@ std::wstring askForFile(HWND owner, const wchar_t* title, const wchar_t* filter,
 }  // namespace
 
 MainWindow::MainWindow(const DeskOptions& options)
-    : recent_(readRecentScripts()), target_(readTarget()) {
+    : recent_(com::sameName, readRecentScripts()), target_(readTarget()) {
     const HINSTANCE module = GetModuleHandleW(nullptr);
     INITCOMMONCONTROLSEX classes{sizeof classes, ICC_BAR_CLASSES | ICC_LISTVIEW_CLASSES};
     InitCommonControlsEx(&classes);

@@ -11,9 +11,9 @@
 #include "hosts/keldesk/instrument.h"
 #include "hosts/keldesk/list_window.h"
 #include "hosts/keldesk/model/desk_options.h"
-#include "hosts/keldesk/model/recent_scripts.h"
 #include "hosts/keldesk/script_runner.h"
 #include "hosts/keldesk/terminal_host.h"
+#include "ui/model/recent_paths.h"
 
 namespace kel::keldesk {
 
@@ -66,7 +66,7 @@ private:
     std::unique_ptr<ScriptRunner> runner_;
     std::unique_ptr<ListWindow> variables_;
     std::optional<Accelerators> accelerators_;
-    RecentScripts recent_;
+    ui::RecentPaths recent_;
     host::Target target_;
     // The user has closed the window while a script ran.
     bool isClosing_ = false;

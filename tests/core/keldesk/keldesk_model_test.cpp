@@ -2,26 +2,13 @@
 #include <gtest/gtest.h>
 
 #include "hosts/keldesk/model/desk_options.h"
-#include "hosts/keldesk/model/recent_scripts.h"
+#include "hosts/keldesk/model/recent_menu.h"
 #include "hosts/shared/model/failure.h"
 
 namespace kel::keldesk {
 namespace {
 
-TEST(KeldeskRecentScripts, NewestFirstNoneTwiceTenAtMost) {
-    RecentScripts recent({L"C:\\a.kel", L"c:\\A.KEL", L"", L"C:\\b.kel"});
-    EXPECT_EQ(recent.paths(), (std::vector<std::wstring>{L"C:\\a.kel", L"C:\\b.kel"}));
-    recent.add(L"C:\\B.kel");
-    EXPECT_EQ(recent.paths(), (std::vector<std::wstring>{L"C:\\B.kel", L"C:\\a.kel"}));
-    recent.remove(L"C:\\A.kel");
-    EXPECT_EQ(recent.paths().size(), 1u);
-    for (int i = 0; i < 20; ++i)
-        recent.add(std::to_wstring(i));
-    EXPECT_EQ(recent.paths().size(), 10u);
-    EXPECT_EQ(recent.paths().front(), L"19");
-}
-
-TEST(KeldeskRecentScripts, MenuShowsNumberAndPath) {
+TEST(KeldeskRecentMenu, MenuShowsNumberAndPath) {
     EXPECT_EQ(menuText(0, L"C:\\salt & sea.kel"), L"&1 C:\\salt && sea.kel");
     EXPECT_EQ(menuText(9, L"a"), L"1&0 a");
     const std::wstring text = menuText(1, L"C:\\" + std::wstring(300, L'x') + L"\\deploy.kel");

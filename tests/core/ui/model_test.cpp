@@ -1,7 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cwctype>
+
 #include "ui/model/formats.h"
 #include "ui/model/placement.h"
+#include "ui/model/recent_paths.h"
 #include "ui/model/scrolling.h"
 
 namespace kel::ui {
@@ -66,6 +70,23 @@ TEST(FormatsTest, DecimalsAreRoundedAndFilled) {
     EXPECT_EQ(decimalText(-0.25, 1), "-0.2");
     EXPECT_EQ(decimalText(3.14159, 3, 7), "  3.142");
     EXPECT_EQ(decimalText(1e300, 0).size(), 301u);
+}
+
+bool isSameAscii(std::wstring_view left, std::wstring_view right) {
+    return std::ranges::equal(left, right, {}, ::towlower, ::towlower);
+}
+
+TEST(RecentPaths, NewestFirstNoneTwiceTenAtMost) {
+    RecentPaths recent(isSameAscii, {L"C:\\a.txt", L"c:\\A.TXT", L"", L"C:\\b.txt"});
+    EXPECT_EQ(recent.paths(), (std::vector<std::wstring>{L"C:\\a.txt", L"C:\\b.txt"}));
+    recent.add(L"C:\\B.txt");
+    EXPECT_EQ(recent.paths(), (std::vector<std::wstring>{L"C:\\B.txt", L"C:\\a.txt"}));
+    recent.remove(L"C:\\A.txt");
+    EXPECT_EQ(recent.paths().size(), 1u);
+    for (int i = 0; i < 20; ++i)
+        recent.add(std::to_wstring(i));
+    EXPECT_EQ(recent.paths().size(), 10u);
+    EXPECT_EQ(recent.paths().front(), L"19");
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #include "com/text.h"
 #include "interfaces/link_classes.h"
 #include "resources/resource_ids.h"
-#include "tests/wine/connect/class_object.h"
+#include "tests/wine/support/class_object.h"
 #include "tests/wine/support/bench_link.h"
 #include "tests/wine/support/dialog_driver.h"
 #include "tests/wine/support/dialog_faults.h"

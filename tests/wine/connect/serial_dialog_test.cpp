@@ -6,7 +6,7 @@
 #include "com/variant.h"
 #include "interfaces/link_classes.h"
 #include "resources/resource_ids.h"
-#include "tests/wine/connect/class_object.h"
+#include "tests/wine/support/class_object.h"
 #include "tests/wine/support/dialog_driver.h"
 #include "tests/wine/support/dialog_faults.h"
 #include "tests/wine/support/fake_link.h"

@@ -18,14 +18,16 @@ std::string number(long value) {
 constexpr const IID& kLink = __uuidof(IKelCommunicator);
 constexpr const IID& kStream = __uuidof(IKelStream);
 constexpr const IID& kSerial = __uuidof(ISerialStream);
+constexpr const IID& kNetwork = __uuidof(INetworkStream);
 
 }  // namespace
 
-// Members that no script uses are told and refused.
-class FakeStream final : public com::Object<FakeStream, com::Dual<ISerialStream, IKelStream>> {
+// Members that nothing uses are told and refused.
+template <class Derived, class... Interfaces>
+class FakeStreamOf : public com::Object<Derived, com::Dual<Interfaces..., IKelStream>> {
 public:
     static constexpr com::ClassDescription kClass{};
-    explicit FakeStream(FakeLink& link) : link_(link) {}
+    explicit FakeStreamOf(FakeLink& link) : link_(link) {}
 
     STDMETHODIMP Close() override { return link_.call(kStream, "Close"); }
     STDMETHODIMP get_IsOpen(VARIANT_BOOL* open) override {
@@ -97,6 +99,15 @@ public:
         *count = link_.received ? static_cast<long>(link_.received->size()) : 0;
         return S_OK;
     }
+
+protected:
+    FakeLink& link_;
+};
+
+class FakeStream final : public FakeStreamOf<FakeStream, ISerialStream> {
+public:
+    using FakeStreamOf::FakeStreamOf;
+
     STDMETHODIMP OpenPort(BSTR port, long rate, VARIANT_BOOL* result) override {
         DWORD error = ERROR_SUCCESS;
         const HRESULT code =
@@ -124,9 +135,31 @@ protected:
         if (iid == __uuidof(ISerialStream) && !link_.isSerial) return nullptr;
         return Object::findInterface(iid);
     }
+};
+
+class FakeNetworkStream final
+    : public FakeStreamOf<FakeNetworkStream, INetworkStream2, INetworkStream> {
+public:
+    using FakeStreamOf::FakeStreamOf;
+
+    STDMETHODIMP ConnectTo(BSTR address, BSTR port, VARIANT_BOOL* result) override {
+        return link_.call(kNetwork, "ConnectTo " + com::narrow(address) + " " + com::narrow(port),
+                          [&] {
+                              isRefused_ = password_ != link_.gatewayPassword;
+                              *result = isRefused_ ? VARIANT_FALSE : link_.nextAnswer("ConnectTo");
+                          });
+    }
+    STDMETHODIMP get_PasswordRequired(VARIANT_BOOL* required) override {
+        return link_.call(kNetwork, "PasswordRequired", [&] { *required = isRefused_ ? 1 : 0; });
+    }
+    STDMETHODIMP put_Password(BSTR password) override {
+        return link_.call(kNetwork, "Password = " + quoted(password),
+                          [&] { password_ = com::view(password); });
+    }
 
 private:
-    FakeLink& link_;
+    std::wstring password_;
+    bool isRefused_ = false;
 };
 
 class FakeCommunicator final : public com::Object<FakeCommunicator, com::Dual<IKelCommunicator>> {
@@ -199,7 +232,8 @@ private:
 
 FakeLink::FakeLink()
     : communicator_(com::makeObject<FakeCommunicator>(*this)),
-      port_(com::makeObject<FakeStream>(*this)) {}
+      port_(com::makeObject<FakeStream>(*this)),
+      network_(com::makeObject<FakeNetworkStream>(*this)) {}
 
 std::string FakeLink::takeWork() {
     std::string work;

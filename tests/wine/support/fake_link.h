@@ -49,16 +49,23 @@ public:
     // Ports by name that are not there, and those that do not open, with the last error.
     std::map<std::wstring, DWORD, std::less<>> absentPorts;
     std::map<std::wstring, DWORD, std::less<>> busyPorts;
+    // Network streams connect with this password only.
+    std::wstring gatewayPassword;
 
     // Where it is set, waits find only what stands in it.
     std::optional<std::string> received;
 
     IKelCommunicator* communicator() const { return communicator_.Get(); }
     IKelStream* port() const { return port_.Get(); }
+    // A network stream that tells what it does here too.
+    INetworkStream2* network() const { return network_.Get(); }
 
 private:
     friend class FakeCommunicator;
     friend class FakeStream;
+    friend class FakeNetworkStream;
+    template <class Derived, class... Interfaces>
+    friend class FakeStreamOf;
 
     // The frame of every member: tells, calls the hook, answers.
     HRESULT call(
@@ -70,6 +77,7 @@ private:
 
     com::ComPtr<IKelCommunicator> communicator_;
     com::ComPtr<IKelStream> port_;
+    com::ComPtr<INetworkStream2> network_;
 };
 
 }  // namespace kel::test

@@ -6,11 +6,15 @@
 
 #include "com/text.h"
 #include "interfaces/KelUtils.h"
+#include "interfaces/link_classes.h"
+#include "settings/vocabulary.h"
 #include "tests/support/cases.h"
+#include "tests/wine/support/class_object.h"
 #include "tests/wine/support/dialog_driver.h"
 #include "tests/wine/support/fake_link.h"
 #include "tests/wine/support/late_bound.h"
 #include "tests/wine/support/library.h"
+#include "tests/wine/support/registry_sandbox.h"
 
 namespace kel::test {
 namespace {
@@ -31,15 +35,45 @@ void runScript(IDispatch* object, const std::string& script) {
     EXPECT_EQ(preprocessor->PreprocessAndRun(com::Bstr(script).get(), &ran), S_OK);
 }
 
+// From "KelGateConnect\Connections Count = dword:3".
+void remember(const std::string& line) {
+    const std::size_t equals = line.find(" = ");
+    const std::size_t name = line.find(' ');
+    const std::string section = std::string(settings::kRoot) + line.substr(0, name);
+    const std::string value = line.substr(name + 1, equals - name - 1);
+    const std::string text = line.substr(equals + 3);
+    constexpr std::string_view kNumber = "dword:";
+    if (text.starts_with(kNumber)) {
+        const auto number = static_cast<DWORD>(std::stoul(text.substr(kNumber.size())));
+        RegSetKeyValueA(HKEY_CURRENT_USER, section.c_str(), value.c_str(), REG_DWORD, &number,
+                        sizeof number);
+    } else {
+        RegSetKeyValueA(HKEY_CURRENT_USER, section.c_str(), value.c_str(), REG_SZ, text.c_str(),
+                        static_cast<DWORD>(text.size() + 1));
+    }
+}
+
 }  // namespace
 
 std::vector<Opening> readOpenings() {
     std::vector<Opening> openings;
     for (const Case& row : readCases(KEL_OPENINGS)) {
         const Step& step = row.steps.at(0);
-        Opening opening{setting(step, "file"), L"KelUtils." + com::widen(setting(step, "class")),
-                        com::widen(setting(step, "caption")), step.lines, setting(step, "script")};
-        if (!opening.script.empty()) opening.calls.clear();
+        Opening opening;
+        opening.name = setting(step, "file");
+        opening.component = L"KelUtils." + com::widen(setting(step, "class"));
+        opening.caption = com::widen(setting(step, "caption"));
+        opening.script = setting(step, "script");
+        if (opening.script.empty()) opening.calls = step.lines;
+        for (const std::string& line : step.settings)
+            if (line.starts_with("remember ")) opening.remembered.push_back(line.substr(9));
+        opening.hasPort = setting(step, "port") != "none";
+        // "press 242 Connection settings"
+        const std::string press = setting(step, "press");
+        if (!press.empty()) {
+            opening.button = std::stoi(press);
+            opening.buttonCaption = com::widen(press.substr(press.find(' ') + 1));
+        }
         openings.push_back(opening);
     }
     return openings;
@@ -52,14 +86,32 @@ void PrintTo(const Opening& opening, std::ostream* stream) {
 void open(const Opening& opening, const std::function<void(HWND)>& look) {
     CLSID component{};
     com::check(CLSIDFromProgID(opening.component.c_str(), &component));
-    const FakeLink link;
+    const RegistrySandbox settings(HKEY_CURRENT_USER);
+    for (const std::string& line : opening.remembered)
+        remember(line);
+    FakeLink link;
+    link.hasPort = opening.hasPort;
+    link.connectionString = L"COM3:";
+    link.absentPorts = {{L"COM5", 0}, {L"COM6", 0}, {L"COM8", 0}};
+    link.busyPorts = {{L"COM4", ERROR_ACCESS_DENIED}};
+    link.gatewayPassword = L"sea";
+    const ClassObject serial(link::kSerialStreamClass, link.port());
+    const ClassObject network(link::kNetworkStreamClass, link.network());
     const auto object = kelUtils().create<IDispatch>(component);
     com::ComPtr<IKelModalDialog> dialog;
     if (SUCCEEDED(object.As(&dialog))) com::check(dialog->put_Communicator(link.communicator()));
     DialogDriver user([&](DialogDriver& driver) {
-        driver.waitFor(opening.caption);
+        const HWND window = driver.waitFor(opening.caption);
+        if (opening.button != 0) {
+            PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(opening.button), 0);
+            driver.waitFor(opening.buttonCaption);
+        }
         look(driver.window());
         PostMessageW(driver.window(), WM_COMMAND, IDCANCEL, 0);
+        if (opening.button != 0) {
+            driver.waitFor(opening.caption);
+            PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
+        }
     });
     for (const std::string& line : opening.calls)
         EXPECT_EQ(call(object.Get(), line), line.starts_with("ShowModal") ? "False" : "") << line;

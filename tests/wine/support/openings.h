@@ -16,6 +16,10 @@ struct Opening {
     std::wstring caption;
     std::vector<std::string> calls;
     std::string script;
+    std::vector<std::string> remembered;  // "section name = text" or "= dword:number" in the store
+    bool hasPort = true;                  // the link's
+    int button = 0;                       // pressed to come from there to the window
+    std::wstring buttonCaption;           // of the window that the button opens
 };
 
 std::vector<Opening> readOpenings();

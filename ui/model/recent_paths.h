@@ -1,30 +1,31 @@
 #pragma once
-// The scripts that were run last.
+// The files that were used last.
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
-namespace kel::keldesk {
+namespace kel::ui {
 
 // The newest first, at most ten, none twice; capital and small letters are the same in paths.
-class RecentScripts {
+class RecentPaths {
 public:
     static constexpr std::size_t kMost = 10;
 
+    // How the system compares paths.
+    using Comparison = bool (*)(std::wstring_view left, std::wstring_view right);
+
     // Takes what was kept; what is too much or there twice is left out.
-    explicit RecentScripts(const std::vector<std::wstring>& kept = {});
+    explicit RecentPaths(Comparison isSame, const std::vector<std::wstring>& kept = {});
 
     void add(const std::wstring& path);
     void remove(const std::wstring& path);
     const std::vector<std::wstring>& paths() const { return paths_; }
 
 private:
+    Comparison isSame_;
     std::vector<std::wstring> paths_;
 };
 
-// What stands in the menu for an entry, from 0: its number as a mnemonic, and a path that is not
-// too long.
-std::wstring menuText(std::size_t index, const std::wstring& path);
-
-}  // namespace kel::keldesk
+}  // namespace kel::ui

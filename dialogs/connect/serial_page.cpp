@@ -1,0 +1,28 @@
+#include "dialogs/connect/serial_page.h"
+
+#include "ui/wait_cursor.h"
+
+namespace kel::connect {
+
+std::wstring sessionFailureText(const std::wstring& port, DWORD error) {
+    return L"Unable to connect to '" + port + L"' (" + std::to_wstring(error) + L")";
+}
+
+bool SerialPage::carryOut() {
+    const ui::WaitCursor cursor;
+    return connect();
+}
+
+std::wstring SerialPage::firstPort() {
+    return link().hasOpenSerialPort() ? link().currentPort() : loadPort(application_).name;
+}
+
+long SerialPage::firstRate() {
+    return link().hasOpenSerialPort() ? SerialForm::firstRate() : loadPort(application_).rate;
+}
+
+void SerialPage::connected(const std::wstring& port, long rate) {
+    savePort(application_, {port, rate});
+}
+
+}  // namespace kel::connect

@@ -1,0 +1,17 @@
+#pragma once
+// The system's dialog for choosing a file.
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+
+namespace kel::ui {
+
+// An existing file; nothing when the user cancels. `filter` holds pairs of description and pattern,
+// each part ended by a NUL. The current folder stays as it is. Throws com::Error when there can be
+// no dialog.
+std::optional<std::wstring> chooseFile(HWND owner, const std::wstring& filter,
+                                       const wchar_t* defaultExtension);
+
+}  // namespace kel::ui
