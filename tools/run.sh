@@ -9,11 +9,12 @@ read_run_arguments() {
             set -- "${1%%=*}" "${1#*=}" "${@:2}"
         fi
         case $1 in
-            --port | --tcp | --baud | --link | --var | --answer | --script-path | --system-path | --transcript | --record | --replay | --speed)
+            --port | --tcp | --baud | --app | --link | --var | --answer | --script-path | --system-path | --transcript | --record | --replay | --speed)
                 (($# > 1)) || usage_error "$1 needs a value"
                 read_run_option "$1" "$2"
                 shift
                 ;;
+            --last) needs_line=last options+=("$1") ;;
             --check | --help | --version) needs_line=no options+=("$1") ;;
             -*) options+=("$1") ;;
             *)
@@ -28,6 +29,7 @@ read_run_arguments() {
     # port unless other runs use it, so a recording was most likely made there.
     case $needs_line in
         no) device='' ;;
+        last) [[ -z $port$device$tcp ]] || usage_error "--last or a connection, not both" ;;
         replay)
             device=''
             [[ -n $port$tcp ]] || port=COM$first_port
@@ -66,14 +68,14 @@ run_script() {
 
     lock_build
     set_up
-    [[ -n $port$device$tcp || $needs_line == no ]] || build_preset native bench/instrument/virtual-instrument
+    [[ -n $port$device$tcp || $needs_line == no || $needs_line == last ]] || build_preset native bench/instrument/virtual-instrument
     build_preset win32 server/KelUtils.dll bench/link/BenchLink.dll hosts/kelrun/kelrun.exe
     make_prefix
     enter_prefix
     register_libraries
     unlock_build
 
-    if [[ $needs_line == no ]]; then
+    if [[ $needs_line == no || $needs_line == last ]]; then
         run_program "$program" "$(windows_path "$script")" "${options[@]}"
     fi
     if [[ -n $tcp ]]; then

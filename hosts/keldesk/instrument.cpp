@@ -33,32 +33,54 @@ Instrument::~Instrument() {
 }
 
 void Instrument::connect(const host::Target& target) {
-    auto connection = std::make_unique<host::Connection>(target);
-    const auto& stream = connection->stream();
+    const auto fresh = host::openStream(target);
+    try {
+        com::check(link_->put_Port(fresh.Get()), link_);
+    } catch (...) {
+        fresh->Close();
+        throw;
+    }
+    if (stream_) stream_->Close();
+    adopt();
+}
+
+void Instrument::adopt() {
+    com::ComPtr<IKelStream> port;
+    com::check(link_->get_Port(&port), link_);
+    stream_ = port;
+    if (!stream_) return;
     // Waits of scripts dispatch the messages of the window.
-    com::check(stream->put_IdleProcessing(VARIANT_TRUE), stream);
-    com::check(stream->put_LogFile(com::Bstr(logFile_).get()), stream);
-    com::check(link_->put_Port(stream.Get()), link_);
-    connection_ = std::move(connection);
+    com::check(stream_->put_IdleProcessing(VARIANT_TRUE), stream_);
+    com::check(stream_->put_LogFile(com::Bstr(logFile_).get()), stream_);
 }
 
 void Instrument::disconnect() {
-    if (!connection_) return;
+    if (!stream_) return;
     link_->put_Port(nullptr);
-    connection_.reset();
+    stream_->Close();
+    stream_ = nullptr;
+}
+
+std::wstring Instrument::connection() const {
+    if (!stream_) return {};
+    com::Bstr name;
+    com::check(stream_->get_ConnectionString(name.put()), stream_);
+    std::wstring text(name.view());
+    com::ComPtr<ISerialStream> serial;
+    if (FAILED(stream_.As(&serial))) return text;
+    if (text.ends_with(L':')) text.pop_back();
+    long rate = 0;
+    com::check(stream_->get_BaudRate(&rate), stream_);
+    return text + L", " + std::to_wstring(rate) + L" baud";
 }
 
 bool Instrument::isAlive() const {
     VARIANT_BOOL isOpen = VARIANT_FALSE;
-    return connection_ && SUCCEEDED(connection_->stream()->get_IsOpen(&isOpen)) &&
-           com::isTrue(isOpen);
+    return stream_ && SUCCEEDED(stream_->get_IsOpen(&isOpen)) && com::isTrue(isOpen);
 }
 
 void Instrument::setLogFile(const std::wstring& path) {
-    if (connection_) {
-        const auto& stream = connection_->stream();
-        com::check(stream->put_LogFile(com::Bstr(path).get()), stream);
-    }
+    if (stream_) com::check(stream_->put_LogFile(com::Bstr(path).get()), stream_);
     logFile_ = path;
 }
 

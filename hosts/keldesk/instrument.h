@@ -3,7 +3,6 @@
 
 #include <windows.h>
 
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,8 +28,12 @@ public:
 
     // The connection of before stays when the new one fails. Throws host::Failure, com::Error.
     void connect(const host::Target& target);
+    // Takes what a dialog has connected the link with, or nothing. Throws com::Error.
+    void adopt();
     void disconnect();
-    bool isConnected() const { return connection_ != nullptr; }
+    bool isConnected() const { return stream_ != nullptr; }
+    // "COM3, 9600 baud", or a network address; empty without a connection.
+    std::wstring connection() const;
     // False when the stream has been closed from elsewhere.
     bool isAlive() const;
 
@@ -54,7 +57,7 @@ private:
     com::ComPtr<IPreprocessorControl> preprocessor_;
     com::ComPtr<IKelCommunicator> link_;
     host::ScriptEvents events_;
-    std::unique_ptr<host::Connection> connection_;
+    com::ComPtr<IKelStream> stream_;
     std::wstring logFile_;
     bool isRunning_ = false;
 };

@@ -3,15 +3,18 @@
 #include <commctrl.h>
 #include <commdlg.h>
 
+#include "com/scoped.h"
 #include "com/variant.h"
-#include "hosts/keldesk/connect_dialog.h"
 #include "hosts/keldesk/look.h"
 #include "hosts/keldesk/model/recent_menu.h"
 #include "hosts/keldesk/resource_ids.h"
+#include "hosts/keldesk/sessions.h"
 #include "hosts/keldesk/settings.h"
 #include "hosts/keldesk/wide.h"
 #include "hosts/shared/error_text.h"
 #include "hosts/shared/model/failure.h"
+#include "hosts/shared/script_file.h"
+#include "hosts/shared/session.h"
 
 namespace kel::keldesk {
 namespace {
@@ -21,6 +24,7 @@ constexpr UINT_PTR kWatchTimer = 1;
 constexpr UINT kWatchInterval = 1000;
 constexpr int kMainWidth = 900;
 constexpr int kMainHeight = 600;
+constexpr int kRecentMenu = 3;                  // its place in the first menu
 constexpr int kStatusParts[] = {220, 480, -1};  // their right edges
 
 constexpr TerminalColour kColours[] = {
@@ -59,8 +63,7 @@ std::wstring askForFile(HWND owner, const wchar_t* title, const wchar_t* filter,
 
 }  // namespace
 
-MainWindow::MainWindow(const DeskOptions& options)
-    : recent_(com::sameName, readRecentScripts()), target_(readTarget()) {
+MainWindow::MainWindow(const DeskOptions& options) : recent_(com::sameName, readRecentScripts()) {
     const HINSTANCE module = GetModuleHandleW(nullptr);
     INITCOMMONCONTROLSEX classes{sizeof classes, ICC_BAR_CLASSES | ICC_LISTVIEW_CLASSES};
     InitCommonControlsEx(&classes);
@@ -117,7 +120,13 @@ void MainWindow::run(const DeskOptions& options) {
     ShowWindow(window_, SW_SHOWNORMAL);
     host_->takeFocus();
     SetTimer(window_, kWatchTimer, kWatchInterval, nullptr);
-    if (!nameOf(options.target).empty()) attempt([&] { connect(options.target); });
+    attempt([&] {
+        if (nameOf(options.target).empty()) {
+            beginNewSession();
+        } else {
+            connect(options.target);
+        }
+    });
     if (!options.script.empty()) attempt([&] { runScript(wide(options.script)); });
 
     MSG message;
@@ -194,10 +203,12 @@ void MainWindow::command(int command) {
             return toggleLog();
         case IDM_EXIT:
             return close();
-        case IDM_CONNECT:
-            if (isRunning()) return say(L"A script is running");
-            if (const auto target = askForTarget(window_, target_)) connect(*target);
-            return;
+        case IDM_NEW_SESSION:
+            return beginNewSession();
+        case IDM_CONNECT_SERIAL:
+            return connectBy([&] { return connectSerial(window_, instrument_->link()); });
+        case IDM_CONNECT_NETWORK:
+            return connectBy([&] { return connectNetwork(window_, instrument_->link()); });
         case IDM_DISCONNECT:
             return disconnect(L"Disconnected");
         case IDM_CANCEL_SCRIPT:
@@ -263,7 +274,8 @@ void MainWindow::updateMenu() {
     com::check(terminal->get_TimeStamps(&hasTimeStamps), terminal);
     enable(IDM_RUN_SCRIPT, !isRunning());
     enable(IDM_CHECK_SCRIPT, !isRunning());
-    enable(IDM_CONNECT, !isRunning());
+    for (const int connects : {IDM_NEW_SESSION, IDM_CONNECT_SERIAL, IDM_CONNECT_NETWORK})
+        enable(connects, !isRunning());
     enable(IDM_DISCONNECT, !isRunning() && instrument_->isConnected());
     enable(IDM_CANCEL_SCRIPT, isRunning());
     tick(IDM_LOG, !instrument_->logFile().empty());
@@ -273,7 +285,7 @@ void MainWindow::updateMenu() {
 }
 
 void MainWindow::updateRecentMenu() {
-    const HMENU menu = GetSubMenu(GetSubMenu(GetMenu(window_), 0), 1);
+    const HMENU menu = GetSubMenu(GetSubMenu(GetMenu(window_), 0), kRecentMenu);
     while (DeleteMenu(menu, 0, MF_BYPOSITION))
         continue;
     const auto& paths = recent_.paths();
@@ -291,10 +303,47 @@ void MainWindow::connect(const host::Target& target) {
         say(L"Not connected");
         throw;
     }
-    target_ = target;
-    writeTarget(target);
+    host::rememberConnection(instrument_->link(), kApplicationName);
     say(L"Connected");
     showConnection();
+}
+
+void MainWindow::beginNewSession() {
+    connectBy([&] {
+        const Session session = beginSession(window_, instrument_->link());
+        if (session.file.empty()) return session.isBegun;
+        showFile(session.file);
+        return false;
+    });
+}
+
+// The link is as the dialog has left it, also where that failed.
+void MainWindow::connectBy(const std::function<bool()>& dialog) {
+    if (isRunning()) return say(L"A script is running");
+    const com::Scoped connecting(isConnecting_, true);
+    try {
+        if (dialog()) say(L"Connected");
+    } catch (...) {
+        instrument_->adopt();
+        showConnection();
+        throw;
+    }
+    instrument_->adopt();
+    showConnection();
+}
+
+// In the terminal, in the place of what is there.
+void MainWindow::showFile(const std::wstring& path) {
+    const host::ScriptFile file = host::readScript(com::narrow(path, CP_UTF8));
+    const auto& terminal = host_->terminal();
+    com::check(terminal->Clear(), terminal);
+    long number = 0;
+    com::check(terminal->get_OutputWindow(&number), terminal);
+    const HWND output = static_cast<HWND>(LongToHandle(number));
+    const auto end = static_cast<WPARAM>(SendMessageW(output, WM_GETTEXTLENGTH, 0, 0));
+    SendMessageW(output, EM_SETSEL, end, static_cast<LPARAM>(end));
+    SendMessageW(output, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(file.text.c_str()));
+    say(path);
 }
 
 void MainWindow::disconnect(const wchar_t* why) {
@@ -305,16 +354,16 @@ void MainWindow::disconnect(const wchar_t* why) {
 }
 
 void MainWindow::watchConnection() {
-    if (instrument_->isConnected() && !instrument_->isAlive())
+    // A dialog closes the one connection before it puts the other in its place.
+    if (!isConnecting_ && instrument_->isConnected() && !instrument_->isAlive())
         disconnect(L"The connection was lost");
 }
 
 void MainWindow::showConnection() {
-    const std::wstring name = instrument_->isConnected() ? wide(nameOf(target_)) : std::wstring();
+    const std::wstring connection = instrument_->connection();
+    const std::wstring name = connection.substr(0, connection.find(L','));
     SetWindowTextW(window_, name.empty() ? L"KelDesk" : (name + L" - KelDesk").c_str());
-    setPart(0, name.empty()          ? L"Not connected"
-               : target_.tcp.empty() ? name + L", " + std::to_wstring(target_.baudRate) + L" baud"
-                                     : name);
+    setPart(0, connection.empty() ? L"Not connected" : connection);
 }
 
 void MainWindow::askForScript(bool isToRun) {

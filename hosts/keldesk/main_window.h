@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -42,6 +43,9 @@ private:
     void updateRecentMenu();
 
     void connect(const host::Target& target);
+    void beginNewSession();
+    void connectBy(const std::function<bool()>& dialog);
+    void showFile(const std::wstring& path);
     void disconnect(const wchar_t* why);
     void watchConnection();
     void askForScript(bool isToRun);
@@ -67,7 +71,8 @@ private:
     std::unique_ptr<ListWindow> variables_;
     std::optional<Accelerators> accelerators_;
     ui::RecentPaths recent_;
-    host::Target target_;
+    // A connection dialog is open.
+    bool isConnecting_ = false;
     // The user has closed the window while a script ran.
     bool isClosing_ = false;
 };

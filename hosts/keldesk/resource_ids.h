@@ -4,6 +4,7 @@
 #define IDR_DESK 1
 
 // File.
+#define IDM_NEW_SESSION 104
 #define IDM_RUN_SCRIPT 100
 #define IDM_CHECK_SCRIPT 101
 #define IDM_LOG 102
@@ -11,8 +12,9 @@
 // The recent scripts, as many as are kept.
 #define IDM_RECENT_FIRST 120
 #define IDM_RECENT_LAST 129
-// Connection.
-#define IDM_CONNECT 140
+// Connect.
+#define IDM_CONNECT_SERIAL 140
+#define IDM_CONNECT_NETWORK 142
 #define IDM_DISCONNECT 141
 // Script.
 #define IDM_CANCEL_SCRIPT 150
@@ -29,7 +31,3 @@
 #define IDM_FIND 168
 // Help.
 #define IDM_ABOUT 180
-
-#define IDD_CONNECT 200
-#define IDC_CONNECT_PLACE 201
-#define IDC_CONNECT_RATE 202

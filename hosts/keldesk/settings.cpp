@@ -2,17 +2,13 @@
 
 #include "com/handles.h"
 #include "com/text.h"
-#include "hosts/keldesk/model/desk_options.h"
 
 namespace kel::keldesk {
 namespace {
 
 constexpr wchar_t kKey[] = L"Software\\KelDesk";
 constexpr wchar_t kRecent[] = L"RecentScripts";
-constexpr wchar_t kPlace[] = L"Connection";
-constexpr wchar_t kRate[] = L"BaudRate";
 constexpr wchar_t kLook[] = L"Terminal";
-constexpr long kDefaultRate = 9600;
 
 std::string read(const wchar_t* name, DWORD kind) {
     DWORD size = 0;
@@ -62,20 +58,6 @@ void writeRecentScripts(const std::vector<std::wstring>& paths) {
         all.append(path).push_back(L'\0');
     all.push_back(L'\0');
     write(kRecent, REG_MULTI_SZ, all.data(), all.size() * sizeof(wchar_t));
-}
-
-host::Target readTarget() {
-    const std::wstring place(readText(kPlace, RRF_RT_REG_SZ).c_str());
-    const std::string rate = read(kRate, RRF_RT_REG_DWORD);
-    long baudRate = kDefaultRate;
-    if (rate.size() == sizeof(DWORD)) baudRate = *reinterpret_cast<const long*>(rate.data());
-    return targetOf(com::narrow(place, CP_UTF8), baudRate);
-}
-
-void writeTarget(const host::Target& target) {
-    const std::wstring place = com::widen(nameOf(target), CP_UTF8);
-    write(kPlace, REG_SZ, place.c_str(), (place.size() + 1) * sizeof(wchar_t));
-    write(kRate, REG_DWORD, &target.baudRate, sizeof(DWORD));
 }
 
 std::string readLook() {

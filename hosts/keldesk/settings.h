@@ -3,11 +3,8 @@
 
 #include <windows.h>
 
-#include <optional>
 #include <string>
 #include <vector>
-
-#include "hosts/shared/model/target.h"
 
 namespace kel::keldesk {
 
@@ -15,9 +12,6 @@ namespace kel::keldesk {
 // com::Error.
 std::vector<std::wstring> readRecentScripts();
 void writeRecentScripts(const std::vector<std::wstring>& paths);
-
-host::Target readTarget();
-void writeTarget(const host::Target& target);
 
 std::string readLook();
 void writeLook(const std::string& look);

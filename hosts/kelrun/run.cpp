@@ -9,11 +9,11 @@
 
 #include "com/apartment.h"
 #include "hosts/kelrun/check.h"
-#include "hosts/shared/model/visible_text.h"
 #include "hosts/kelrun/preprocessor.h"
 #include "hosts/kelrun/session.h"
 #include "hosts/kelrun/transcript_file.h"
 #include "hosts/shared/error_text.h"
+#include "hosts/shared/model/visible_text.h"
 #include "hosts/shared/script_file.h"
 
 namespace kel::kelrun {
@@ -71,9 +71,8 @@ std::string endText(ExitCode code, const Options& options, const std::string& na
                     Clock::duration time) {
     if (code == ExitCode::kCancelled) return name + " was cancelled after " + seconds(time);
     if (code == ExitCode::kRan) return name + " ran to its end (" + seconds(time) + ")";
-    const bool isConnected = !options.target.port.empty() || !options.target.tcp.empty();
     return name + " stopped on an error" +
-           (isConnected ? "" : " (neither --port nor --tcp was given)");
+           (options.hasInstrument() ? "" : " (neither --port nor --tcp was given)");
 }
 
 void printVariables(const Preprocessor& preprocessor, ConsoleOutput& errors) {

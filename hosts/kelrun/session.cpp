@@ -3,10 +3,13 @@
 #include "com/text.h"
 #include "com/variant.h"
 #include "hosts/shared/create.h"
+#include "hosts/shared/model/failure.h"
+#include "hosts/shared/session.h"
 
 namespace kel::kelrun {
 namespace {
 
+constexpr char kApplication[] = "kelrun";
 constexpr char kLinkRemedy[] =
     "register the instrument link's library with regsvr32, or choose another with --link";
 
@@ -23,7 +26,7 @@ Session::Session(const com::ComPtr<IPreprocessorControl>& preprocessor, const Op
           trace.link([&] { return create<IKelCommunicator>(options.link, kLinkRemedy); })),
       cancel_(preprocessor_),
       echo_(options.quiet, transcript),
-      connection_(options.target),
+      connection_(connect(options)),
       events_(preprocessor_, trace, transcript) {}
 
 // The components are there when this begins, so the destructor parts them if it fails.
@@ -34,8 +37,23 @@ Session::Session(const Options& options, const Preprocessor& preprocessor, const
     com::check(stream->put_EchoWindow(handleNumber(echo_.window())), stream);
     com::check(stream->put_IdleProcessing(VARIANT_TRUE), stream);
     com::check(communicator_->put_Port(stream.Get()), communicator_);
+    // The calls of a recording are those of the script and its run alone.
+    if (options.hasInstrument() && !options.last && options.record.empty() &&
+        options.replay.empty()) {
+        rememberConnection(communicator_, kApplication);
+    }
     com::check(preprocessor_->put_Communicator(communicator_.Get()), preprocessor_);
     com::check(communicator_->put_Preprocessor(preprocessor_.Get()), communicator_);
+}
+
+com::ComPtr<IKelStream> Session::connect(const Options& options) const {
+    if (!options.last) return openStream(options.target);
+    connectAsLastTime(communicator_,
+                      options.application.empty() ? kApplication : options.application);
+    com::ComPtr<IKelStream> stream;
+    com::check(communicator_->get_Port(&stream), communicator_);
+    if (!stream) throw Failure(ExitCode::kNoConnection, "no connection: the link has no port");
+    return stream;
 }
 
 Session::~Session() {

@@ -41,6 +41,8 @@ private:
     Session(const com::ComPtr<IPreprocessorControl>& preprocessor, const Options& options,
             const Trace& trace, Transcript* transcript);
 
+    com::ComPtr<IKelStream> connect(const Options& options) const;
+
     com::ComPtr<IPreprocessorControl> preprocessor_;
     com::ComPtr<IKelCommunicator> communicator_;
     CancelOnInterrupt cancel_;

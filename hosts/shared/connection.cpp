@@ -85,12 +85,9 @@ com::ComPtr<IKelStream> openPort(const std::string& port, long baudRate) {
 
 }  // namespace
 
-Connection::Connection(const Target& target)
-    : stream_(target.tcp.empty() ? openPort(target.port, target.baudRate) : connectTo(target.tcp)) {
-}
-
-Connection::~Connection() {
-    stream_->Close();
+com::ComPtr<IKelStream> openStream(const Target& target) {
+    if (target.tcp.empty()) return openPort(target.port, target.baudRate);
+    return connectTo(target.tcp);
 }
 
 }  // namespace kel::host

@@ -48,13 +48,6 @@ DeskOptions parseDeskOptions(std::span<const std::string> arguments) {
     return options;
 }
 
-host::Target targetOf(const std::string& typed, long baudRate) {
-    const std::size_t colon = typed.find(':');
-    const bool isAddress = colon != std::string::npos && colon + 1 < typed.size();
-    if (isAddress) return {{}, baudRate, typed};
-    return {typed.substr(0, colon), baudRate, {}};
-}
-
 std::string nameOf(const host::Target& target) {
     return target.tcp.empty() ? target.port : target.tcp;
 }

@@ -17,11 +17,7 @@ struct DeskOptions {
 // Throws host::Failure (usage).
 DeskOptions parseDeskOptions(std::span<const std::string> arguments);
 
-// What the user typed as the place of an instrument: a port, or HOST:PORT, which has a colon that
-// does not end it.
-host::Target targetOf(const std::string& typed, long baudRate);
-
-// The same again, for a title: "COM3", "localhost:4000".
+// For a title: "COM3", "localhost:4000"; empty for none.
 std::string nameOf(const host::Target& target);
 
 }  // namespace kel::keldesk

@@ -1,7 +1,7 @@
 #include "hosts/kelrun/model/dialogue_text.h"
 
-#include "hosts/shared/model/visible_text.h"
 #include "hosts/model/unicode.h"
+#include "hosts/shared/model/visible_text.h"
 
 namespace kel::kelrun {
 namespace {

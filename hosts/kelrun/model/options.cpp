@@ -62,7 +62,7 @@ void setFlag(Options& options, std::string_view) {
 struct Option {
     std::string_view name;
     std::string_view parameter;  // empty: takes no value
-    std::string_view help;
+    std::string_view help;       // empty: told in the row above
     void (*apply)(Options&, std::string_view value);
     bool repeatable = false;
 };
@@ -72,6 +72,9 @@ constexpr Option kOptions[] = {
     {"--port", "NAME", "serial port of the instrument, such as COM3", setPlace<&Target::port>},
     {"--baud", "RATE", "its speed in bits a second; 9600 unless given", setBaudRate},
     {"--tcp", "HOST:PORT", "instrument behind a network gateway", setPlace<&Target::tcp>},
+    {"--last", "", "connects as last time; --app NAME: as that program did",
+     setFlag<&Options::last>},
+    {"--app", "NAME", "", setText<&Options::application>},
     {"--link", "PROGID", "instrument link; BenchLink.Communicator unless given",
      setText<&Options::link>},
     {"--var", "NAME=VALUE", "sets a script variable; may be given several times",
@@ -88,9 +91,9 @@ constexpr Option kOptions[] = {
     {"--script-path", "P", "where scripts look for scripts; else SCRIPT's folder",
      setText<&Options::scriptPath>},
     {"--system-path", "P", "where they look next", setText<&Options::systemPath>},
-    {"--check", "", "shows the script's errors and warnings; runs nothing",
+    {"--check", "", "shows errors and warnings, runs nothing; --json: as JSON",
      setFlag<&Options::check>},
-    {"--json", "", "does so as JSON", setFlag<&Options::json>},
+    {"--json", "", "", setFlag<&Options::json>},
     {"--keep-going", "", "runs a script in spite of its errors", setFlag<&Options::keepGoing>},
     {"--print-variables", "", "shows all variables after the run",
      setFlag<&Options::printVariables>},
@@ -181,6 +184,11 @@ Options parseOptions(std::span<const std::string> arguments) {
     if (options.script.empty()) refuse("which script?");
     if (!options.target.port.empty() && !options.target.tcp.empty())
         refuse("--port and --tcp exclude each other");
+    if (options.last && (!options.target.port.empty() || !options.target.tcp.empty()))
+        refuse("--last and a connection exclude each other");
+    if (options.last && (!options.record.empty() || !options.replay.empty()))
+        refuse("--last does not go with --record and --replay: name the connection");
+    if (!options.application.empty() && !options.last) refuse("--app goes with --last");
     if (!options.record.empty() && !options.replay.empty())
         refuse("--record and --replay exclude each other");
     if (options.json && !options.check) refuse("--json goes with --check");
@@ -190,6 +198,7 @@ Options parseOptions(std::span<const std::string> arguments) {
 std::string helpText() {
     std::string text = "usage: kelrun SCRIPT [OPTIONS]   (runs an instrument command script)\n";
     for (const Option& option : kOptions) {
+        if (option.help.empty()) continue;
         std::string line = "  " + std::string(option.name);
         if (!option.parameter.empty()) line.append(" ").append(option.parameter);
         line.resize(kHelpColumn, ' ');

@@ -17,6 +17,8 @@ using namespace host;
 struct Options {
     std::string script;
     Target target;
+    bool last = false;              // to the same instrument as the last time
+    std::string application;        // whose last time; empty for kelrun's own
     std::string link = "BenchLink.Communicator";
     std::vector<NamedText> variables;
     std::vector<NamedText> answers;
@@ -34,6 +36,9 @@ struct Options {
     bool quiet = false;
     bool help = false;     // nothing else counts
     bool version = false;  // nothing else counts
+
+    // False when the script is to run without an instrument.
+    bool hasInstrument() const { return last || !target.port.empty() || !target.tcp.empty(); }
 };
 
 // Reads the arguments that follow the program's name. Throws Failure (usage).

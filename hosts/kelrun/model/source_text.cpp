@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
-#include "hosts/shared/model/visible_text.h"
 #include "hosts/model/unicode.h"
+#include "hosts/shared/model/visible_text.h"
 
 namespace kel::kelrun {
 namespace {

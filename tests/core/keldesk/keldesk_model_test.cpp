@@ -34,23 +34,5 @@ TEST(KeldeskOptions, ReadsTheCommandLine) {
     }
 }
 
-TEST(KeldeskOptions, TellsPortsFromAddresses) {
-    const struct {
-        const char* typed;
-        const char* port;
-        const char* tcp;
-    } rows[] = {{"COM3", "COM3", ""},
-                {"com3:", "com3", ""},
-                {"localhost:4000", "", "localhost:4000"},
-                {"[::1]:4000", "", "[::1]:4000"},
-                {"", "", ""}};
-    for (const auto& row : rows) {
-        const host::Target target = targetOf(row.typed, 300);
-        EXPECT_EQ(target.port, row.port);
-        EXPECT_EQ(target.tcp, row.tcp);
-        EXPECT_EQ(target.baudRate, 300);
-    }
-}
-
 }  // namespace
 }  // namespace kel::keldesk

@@ -78,6 +78,10 @@ TEST(KelrunOptions, RefusesWrongUsageWithItsReason) {
         {{"a", "--speed", "-1"}, "2 --speed: '-1' is no speed"},
         {{"a", "--speed", "nan"}, "2 --speed: 'nan' is no speed"},
         {{"a", "--record", "f", "--replay", "f"}, "2 --record and --replay exclude each other"},
+        {{"a", "--last", "--tcp", "h:1"}, "2 --last and a connection exclude each other"},
+        {{"a", "--last", "--record", "f"},
+         "2 --last does not go with --record and --replay: name the connection"},
+        {{"a", "--app", "x"}, "2 --app goes with --last"},
         {{"a", "--json"}, "2 --json goes with --check"},
     };
     for (const auto& row : cases) {

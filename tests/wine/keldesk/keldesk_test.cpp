@@ -9,6 +9,7 @@
 #include "com/handles.h"
 #include "com/text.h"
 #include "hosts/keldesk/resource_ids.h"
+#include "resources/resource_ids.h"
 #include "tests/wine/support/tcp_peer.h"
 
 namespace kel::test {
@@ -29,8 +30,11 @@ protected:
     // Starts it on the instrument, with a script or without.
     void start(const std::wstring& script = {}) {
         const std::wstring address = L"127.0.0.1:" + std::wstring(server_.port().view());
-        std::wstring line = L"\"" + com::widen(KEL_DESK) + L"\" --tcp " + address;
-        if (!script.empty()) line += L" \"" + script + L"\"";
+        launch(L" --tcp " + address + (script.empty() ? L"" : L" \"" + script + L"\""));
+        window_ = waitForWindow(L"KelDesk", address + L" - KelDesk");
+    }
+    void launch(const std::wstring& arguments) {
+        std::wstring line = L"\"" + com::widen(KEL_DESK) + L"\"" + arguments;
         STARTUPINFOW startup{};
         startup.cb = sizeof startup;
         PROCESS_INFORMATION started{};
@@ -39,7 +43,6 @@ protected:
         CloseHandle(started.hThread);
         process_ = com::FileHandle(started.hProcess);
         identifier_ = started.dwProcessId;
-        window_ = waitForWindow(L"KelDesk", address + L" - KelDesk");
     }
 
     static bool waitUntil(const std::function<bool()>& holds) {
@@ -134,6 +137,34 @@ TEST_F(KeldeskTest, StaysLiveWhileAScriptWaitsAndAsksBeforeItStopsIt) {
 TEST_F(KeldeskTest, ListsWhatIsWrong) {
     start(script("@x=nosuch()\n"));
     waitForWindow(L"KelDeskList", L"Errors and warnings");
+    PostMessageW(window_, WM_CLOSE, 0, 0);
+    expectExit(0);
+}
+
+// A control of a dialog, or of a part of it.
+HWND inside(HWND window, int identifier) {
+    HWND found = GetDlgItem(window, identifier);
+    for (HWND part = GetWindow(window, GW_CHILD); part && !found;
+         part = GetWindow(part, GW_HWNDNEXT))
+        found = GetDlgItem(part, identifier);
+    return found;
+}
+
+TEST_F(KeldeskTest, BeginsWithASessionThatMayBeAFile) {
+    const std::wstring path = script("; a log\n12.5 dbar\n");
+    launch(L"");
+    const HWND dialog = waitForWindow(L"#32770", L"Open Session");
+    SendMessageW(GetDlgItem(dialog, IDC_SESSION_FILE), BM_CLICK, 0, 0);
+    SendMessageW(inside(dialog, IDC_FILE_NAME), WM_SETTEXT, 0,
+                 reinterpret_cast<LPARAM>(path.c_str()));
+    PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+    EXPECT_TRUE(waitUntil([&] { return !IsWindow(dialog); }));
+    window_ = waitForWindow(L"KelDesk", L"KelDesk");
+    expectShown(L"; a log\r\n12.5 dbar");
+    PostMessageW(window_, WM_COMMAND, IDM_CONNECT_NETWORK, 0);
+    answer(L"Connect", IDCANCEL);
+    PostMessageW(window_, WM_COMMAND, IDM_CONNECT_SERIAL, 0);
+    answer(L"Connect to serial port", IDCANCEL);
     PostMessageW(window_, WM_CLOSE, 0, 0);
     expectExit(0);
 }

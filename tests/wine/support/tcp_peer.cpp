@@ -30,9 +30,13 @@ TcpPeer::~TcpPeer() {
 }
 
 void TcpPeer::accept() {
-    while (!hasClient()) {
-        if (readable(listener_, 999999)) client_ = ::accept(listener_, nullptr, nullptr);
-    }
+    while (!acceptsSoon())
+        continue;
+}
+
+bool TcpPeer::acceptsSoon() {
+    if (readable(listener_, 100000)) client_ = ::accept(listener_, nullptr, nullptr);
+    return hasClient();
 }
 
 void TcpPeer::send(std::string_view bytes) {
@@ -75,7 +79,8 @@ void InstrumentServer::run(InstrumentOptions options, double timeScale) {
         return std::chrono::duration_cast<Duration>((std::chrono::steady_clock::now() - start) *
                                                     timeScale);
     };
-    peer_.accept();
+    while (!ends_ && !peer_.acceptsSoon())
+        continue;
     while (!ends_ && peer_.hasClient()) {
         instrument.feed(peer_.receiveSome(), now());
         const std::string bytes = instrument.take(now());

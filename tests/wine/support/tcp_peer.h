@@ -23,6 +23,8 @@ public:
 
     // Takes the client, which must have connected.
     void accept();
+    // The same, as long as it is worth waiting before something else is to be looked at.
+    bool acceptsSoon();
     bool hasClient() const { return client_ != INVALID_SOCKET; }
     void send(std::string_view bytes);
     // Waits until so many bytes have come.
