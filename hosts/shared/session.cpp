@@ -24,7 +24,10 @@ void connectAsLastTime(const com::ComPtr<IKelCommunicator>& link, const std::str
     try {
         com::check(dialog->ShowModal(0, &isConnected), dialog);
     } catch (const com::Error& error) {
-        throw Failure(ExitCode::kNoConnection, "no connection: " + describe(error));
+        const std::wstring& reason = error.description();
+        throw Failure(
+            ExitCode::kNoConnection,
+            "no connection: " + (reason.empty() ? describe(error) : com::narrow(reason, CP_UTF8)));
     }
 }
 

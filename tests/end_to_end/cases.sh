@@ -25,6 +25,23 @@ test_deploys_over_tcp() {
     expect_deployment
 }
 
+# The connection of a run is the last one, also for another that names it.
+test_connects_as_the_last_time() {
+    local path kind
+    path=$(script asks.kel 'sernum\n')
+    for kind in pty tcp; do
+        instrument "$kind"
+        kelrun 0 "$path" "${connection[@]}"
+        kelrun 0 "$path" --last
+        expect "$output" 'Serial Number: D123.'
+        end_process "$instrument_process"
+        kelrun 3 "$path" --last --app kelrun
+    done
+    expect "$errors" 'kelrun: no connection: Failed to connect to 127.0.0.1 : ...'
+    kelrun 3 "$path" --last --app 'never there'
+    expect "$errors" "kelrun: no connection: No connection is remembered for 'never there'"
+}
+
 test_stops_failing_scripts() {
     local text place message path
     instrument tcp
