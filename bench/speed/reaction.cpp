@@ -12,10 +12,13 @@
 
 #include "com/apartment.h"
 #include "com/error.h"
+#include "com/handles.h"
 #include "com/text.h"
 #include "com/variant.h"
 #include "interfaces/KelUtils.h"
 #include "interfaces/link_classes.h"
+#include "settings/settings_list.h"
+#include "settings/vocabulary.h"
 
 namespace {
 
@@ -175,25 +178,22 @@ double cancelled(const wchar_t* directive, DWORD delay) {
     return now() - request;
 }
 
-// From the call that shows many options until their dialog waits for the user.
-double manyOptions() {
-    static constexpr wchar_t kTitle[] = L"Many options";
+// From the call that shows a dialog until it has been painted and waits for the user, who closes
+// it.
+template <class Dialog>
+double untilShown(const com::ComPtr<Dialog>& dialog, const wchar_t* caption) {
+    static const wchar_t* title;
     static double shown;
-    const auto dialog = create<IMultiSelectDialog>(L"KelUtils.MultiSelectDialog");
-    com::check(dialog->put_Title(com::Bstr(kTitle).get()), dialog);
-    for (int i = 0; i < 10000; ++i) {
-        const com::Bstr name(L"Option number " + std::to_wstring(i));
-        com::check(dialog->Add(name.get(), com::variantBool(i % 3 == 0)), dialog);
-    }
     // A timer comes when nothing is left to be painted.
     struct Close {
         static void CALLBACK whenShown(HWND, UINT, UINT_PTR, DWORD) {
-            const HWND window = FindWindowW(nullptr, kTitle);
+            const HWND window = FindWindowW(nullptr, title);
             if (!window || !IsWindowVisible(window)) return;
             if (shown == 0) shown = now();
             PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
         }
     };
+    title = caption;
     shown = 0;
     const UINT_PTR timer = SetTimer(nullptr, 0, 10, Close::whenShown);
     VARIANT_BOOL result = VARIANT_FALSE;
@@ -202,6 +202,58 @@ double manyOptions() {
     KillTimer(nullptr, timer);
     if (shown == 0) throw com::Error(E_FAIL, L"the dialog was not seen");
     return shown - call;
+}
+
+double manyOptions() {
+    constexpr wchar_t kTitle[] = L"Many options";
+    const auto dialog = create<IMultiSelectDialog>(L"KelUtils.MultiSelectDialog");
+    com::check(dialog->put_Title(com::Bstr(kTitle).get()), dialog);
+    for (int i = 0; i < 10000; ++i) {
+        const com::Bstr name(L"Option number " + std::to_wstring(i));
+        com::check(dialog->Add(name.get(), com::variantBool(i % 3 == 0)), dialog);
+    }
+    return untilShown(dialog, kTitle);
+}
+
+// The user's settings, empty and for this process alone.
+class EmptySettings {
+public:
+    EmptySettings() {
+        RegCreateKeyExW(HKEY_CURRENT_USER, kPlace, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
+                        key_.put(), nullptr);
+        if (RegOverridePredefKey(HKEY_CURRENT_USER, key_.get()) != ERROR_SUCCESS)
+            throw com::Error(E_FAIL, L"there is no place for settings");
+    }
+    ~EmptySettings() {
+        RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
+        RegDeleteTreeW(HKEY_CURRENT_USER, kPlace);
+    }
+    EmptySettings(const EmptySettings&) = delete;
+    EmptySettings& operator=(const EmptySettings&) = delete;
+
+private:
+    static constexpr wchar_t kPlace[] = L"Software\\KelSpeed";
+    com::RegistryKeyHandle key_;
+};
+
+double manyConnections() {
+    const EmptySettings settings;
+    const std::vector<settings::ListEntry> entries(1000, {"Mooring", "10.20.0.11", "4444"});
+    settings::writeList(settings::connections::kKey, settings::connections::kFields, entries);
+    if (settings::readList(settings::connections::kKey, settings::connections::kFields) != entries)
+        throw com::Error(E_FAIL, L"the connections are not stored");
+    const auto dialog = create<IConnectKelGateDialog>(L"KelUtils.ConnectKelGateDialog");
+    const auto link = create<IKelCommunicator>(L"BenchLink.Communicator");
+    com::check(dialog->put_Communicator(link.Get()), dialog);
+    return untilShown(dialog, L"Connect");
+}
+
+template <class Measure>
+void printRounds(const char* name, Measure&& measure) {
+    std::vector<double> times;
+    for (int i = 0; i < 5; ++i)
+        times.push_back(measure());
+    print(name, times);
 }
 
 void measure(const char* scriptPath) {
@@ -219,10 +271,8 @@ void measure(const char* scriptPath) {
             times.push_back(cancelled(directive, delay));
         print(com::narrow(directive).c_str(), times);
     }
-    times.clear();
-    for (int i = 0; i < 5; ++i)
-        times.push_back(manyOptions());
-    print("many-options", times);
+    printRounds("many-options", manyOptions);
+    printRounds("many-connections", manyConnections);
 }
 
 }  // namespace

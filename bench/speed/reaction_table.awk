@@ -6,6 +6,7 @@ BEGIN {
     split("#WAIT #WAIT_OK #WAIT_PROMPT", waits)
     for (i in waits) { title[waits[i]] = "cancel during " waits[i]; target[waits[i]] = 1000 }
     title["many-options"] = "a dialog of 10,000 options"; target["many-options"] = 500
+    title["many-connections"] = "a dialog of 1,000 connections"; target["many-connections"] = 1000
     title["pieces-64"] = "64-byte pieces, times as fast as bare"; target["pieces-64"] = 10; isLeast["pieces-64"] = 1
     title["pieces-256"] = "256-byte pieces, times as fast as bare"; target["pieces-256"] = 10; isLeast["pieces-256"] = 1
     title["megabytes"] = "a megabyte at the limit, % over the last one"; target["megabytes"] = 20
