@@ -167,6 +167,29 @@ void runsScriptFiles(const Link& link) {
            "it has " + std::to_string(after));
 }
 
+void collectsInOrder(const Link& link) {
+    const auto collection = link.collection();
+    for (const long item : {10L, 20L, 30L})
+        succeeded(collection->Add(com::Variant(item).get()), "Add");
+    succeeded(collection->Remove(com::Variant(1L).get()), "Remove");
+    long count = 0;
+    succeeded(collection->get_Count(&count), "Count");
+    expect(count == 2, "Count to be 2", "it is " + std::to_string(count));
+    ComPtr<IUnknown> items;
+    succeeded(collection->get__NewEnum(&items), "_NewEnum");
+    ComPtr<IEnumVARIANT> enumerator;
+    succeeded(items.As(&enumerator), "QueryInterface");
+    for (const long index : {0L, 1L}) {
+        const std::string wanted = index == 0 ? "10" : "30";
+        com::Variant item, next;
+        succeeded(collection->get_Item(com::Variant(index).get(), item.put()), "Item");
+        expect(item.toText() == wanted, "item " + std::to_string(index) + " to be " + wanted,
+               "it is " + item.toText());
+        expect(enumerator->Next(1, next.put(), nullptr) == S_OK && next.toText() == wanted,
+               "the enumerator to give " + wanted, "it does not");
+    }
+}
+
 void givesCommunicatorBooleans(const Link& link) {
     const auto communicator = link.communicator();
     const struct {
@@ -228,6 +251,7 @@ constexpr Rule kCommunicatorRules[] = {
     {"SendCommand without a port is no success", Scope::kCommunicator, needsNoPort},
     {"RunCommandFile runs a file through the attached preprocessor", Scope::kCommunicator,
      runsScriptFiles},
+    {"the collection keeps its items in their order", Scope::kCommunicator, collectsInOrder},
     {"the communicator's boolean properties are 0 or -1", Scope::kCommunicator,
      givesCommunicatorBooleans},
     {"the communicator's null result pointers are E_POINTER", Scope::kCommunicator,

@@ -149,6 +149,19 @@ void keepsThePresentConnection(const Link& link) {
     if (link.setup().echoing) wire.expectEchoes("on the connection that is kept");
 }
 
+void wantsNoPasswordUnasked(const Link& link) {
+    const auto network = link.networkStream();
+    ComPtr<INetworkStream2> guarded;
+    if (FAILED(network.As(&guarded))) throw NotTried("the link has no INetworkStream2");
+    succeeded(guarded->put_Password(Bstr(L"secret").get()), "putting Password");
+    VARIANT_BOOL connected = VARIANT_TRUE, required = VARIANT_TRUE;
+    succeeded(network->ConnectTo(Bstr(L"127.0.0.1").get(), Bstr(deafPort()).get(), &connected),
+              "ConnectTo where nobody listens");
+    succeeded(guarded->get_PasswordRequired(&required), "PasswordRequired");
+    expect(!flag(required, "PasswordRequired"),
+           "PasswordRequired to be false where no gateway asked for one", "it is true");
+}
+
 void refusesNullPlaces(const Link& link) {
     const Bstr text(L"0");
     const HRESULT code = link.kind() == Kind::kSerial
@@ -166,6 +179,7 @@ constexpr Rule kConnectionRules[] = {
     {"SetLineSettings and BaudRate set the line", Scope::kSerial, setsTheLine},
     {"ConnectTo where nobody listens is false and keeps the present connection", Scope::kNetwork,
      keepsThePresentConnection},
+    {"PasswordRequired is about passwords only", Scope::kNetwork, wantsNoPasswordUnasked},
     {"connecting without a place for the result is E_POINTER", Scope::kEachStream,
      refusesNullPlaces},
 };

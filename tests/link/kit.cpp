@@ -177,6 +177,10 @@ ComPtr<INetworkStream> Link::networkStream() const {
     return createObject<INetworkStream>(link::kNetworkStreamClass, "network stream");
 }
 
+ComPtr<ICollection> Link::collection() const {
+    return createObject<ICollection>(link::kCollectionClass, "collection");
+}
+
 Wire Link::closedWire() const {
     if (kind_ == Kind::kSerial) return {serialStream()};
     return {networkStream()};

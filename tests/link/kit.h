@@ -135,6 +135,7 @@ public:
     ComPtr<ISerialStream> serialStream() const;
     ComPtr<INetworkStream> networkStream() const;
     Wire closedWire() const;
+    ComPtr<ICollection> collection() const;
 
     // A connected stream with nothing to read; not tried where nothing was named to connect to.
     Wire wire() const;
