@@ -25,7 +25,7 @@ std::unique_ptr<Line> openLine(const ProgramOptions& options) {
     if (options.transport == ProgramOptions::Transport::kPty) {
         return std::make_unique<Pty>(options.link);
     }
-    return std::make_unique<TcpListener>(options.listenAddress, options.port);
+    return std::make_unique<TcpListener>(options.listenAddress, options.port, options.gateway);
 }
 
 void serve(ProgramOptions options) {

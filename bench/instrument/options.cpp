@@ -15,6 +15,8 @@ enum Option : int {
     kTcp,
     kLink,
     kListen,
+    kGateway,
+    kGatewayFault,
     kSerialNumber,
     kSilent,
     kSlow,
@@ -34,6 +36,8 @@ constexpr option kOptions[] = {
     {"tcp", required_argument, nullptr, kTcp},
     {"link", required_argument, nullptr, kLink},
     {"listen", required_argument, nullptr, kListen},
+    {"gateway", required_argument, nullptr, kGateway},
+    {"gateway-fault", required_argument, nullptr, kGatewayFault},
     {"serial-number", required_argument, nullptr, kSerialNumber},
     {"silent", no_argument, nullptr, kSilent},
     {"slow", required_argument, nullptr, kSlow},
@@ -63,6 +67,7 @@ Line
   --tcp PORT            listen on PORT, 0 for a free one; one client is served at a time, others
                         wait for their turn
   --listen ADDRESS      numeric address to listen on, 127.0.0.1 unless given
+  --gateway PASSWORD    behind a network gateway that wants this password; an empty one: none
 Instrument
   --serial-number TEXT  D123 unless given
   --asleep              asleep at first
@@ -73,6 +78,7 @@ Faults
   --slow MS             every answer takes MS milliseconds longer
   --garble RATE         damages this share of the bytes it sends, 0 to 1
   --seed N              of the damage, 1 unless given; the same seed damages the same bytes
+  --gateway-fault KIND  the gateway lets nobody in: refuse, hang or drop
   --vanish-after N      after N answered commands closes the line and ends
 Program
   --transcript FILE     writes the dialogue to FILE
@@ -113,12 +119,21 @@ Integer integer(int which, Integer minimum, Integer maximum) {
     return whole;
 }
 
+GatewayFault gatewayFault() {
+    const std::string_view kind = ::optarg;
+    if (kind == "refuse") return GatewayFault::kRefuse;
+    if (kind == "hang") return GatewayFault::kHang;
+    if (kind == "drop") return GatewayFault::kDrop;
+    throw UsageError("bad value of --gateway-fault: " + std::string(kind));
+}
+
 }  // namespace
 
 ProgramOptions parseOptions(int argumentCount, char** arguments) {
     ProgramOptions options;
     bool pty = false;
     bool tcp = false;
+    auto fault = GatewayFault::kNone;
     ::opterr = 0;
     for (;;) {
         const int which = ::getopt_long(argumentCount, arguments, ":", kOptions, nullptr);
@@ -136,6 +151,12 @@ ProgramOptions parseOptions(int argumentCount, char** arguments) {
                 break;
             case kListen:
                 options.listenAddress = ::optarg;
+                break;
+            case kGateway:
+                options.gateway = GatewayOptions{::optarg};
+                break;
+            case kGatewayFault:
+                fault = gatewayFault();
                 break;
             case kSerialNumber:
                 options.instrument.serialNumber = ::optarg;
@@ -184,6 +205,11 @@ ProgramOptions parseOptions(int argumentCount, char** arguments) {
     }
     if (pty == tcp) throw UsageError("either --pty or --tcp is needed");
     if (tcp && !options.link.empty()) throw UsageError("--link goes with --pty");
+    if (pty && options.gateway) throw UsageError("--gateway goes with --tcp");
+    if (options.gateway) options.gateway->fault = fault;
+    if (fault != GatewayFault::kNone && !options.gateway) {
+        throw UsageError("--gateway-fault goes with --gateway");
+    }
     options.transport = pty ? ProgramOptions::Transport::kPty : ProgramOptions::Transport::kTcp;
     return options;
 }

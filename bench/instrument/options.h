@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
 #include "bench/instrument/event_loop.h"
+#include "bench/instrument/gateway.h"
 #include "bench/instrument/instrument.h"
 
 namespace kel::bench {
@@ -22,6 +24,7 @@ struct ProgramOptions {
     std::string link;
     std::uint16_t port = 0;
     std::string listenAddress = "127.0.0.1";
+    std::optional<GatewayOptions> gateway;
     std::string stateFile;
     std::string transcriptFile;
     InstrumentOptions instrument;

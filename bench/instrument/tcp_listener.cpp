@@ -26,7 +26,9 @@ void enable(int descriptor, int level, int option) {
 
 }  // namespace
 
-TcpListener::TcpListener(const std::string& address, std::uint16_t port) {
+TcpListener::TcpListener(const std::string& address, std::uint16_t port,
+                         std::optional<GatewayOptions> gateway)
+    : gatewayOptions_(std::move(gateway)) {
     addrinfo hints{};
     hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV | AI_PASSIVE;
     hints.ai_socktype = SOCK_STREAM;
@@ -60,9 +62,22 @@ std::string TcpListener::address() const {
 
 LineEvent TcpListener::receive(std::string& bytes) {
     if (!client_) return accept();
-    const auto event = receiveFrom(client_.get(), bytes);
+    const auto event = gateway_ ? passGateway(bytes) : receiveFrom(client_.get(), bytes);
     if (event == LineEvent::kDisconnected) client_.reset();
     return event;
+}
+
+LineEvent TcpListener::passGateway(std::string& bytes) {
+    std::string arrived;
+    const auto event = receiveFrom(client_.get(), arrived);
+    if (event != LineEvent::kBytes) return event;
+    const auto reply = gateway_->feed(arrived);
+    // The first bytes to a client always find room.
+    sendTo(client_.get(), reply.answer);
+    if (reply.then == Gateway::Then::kClose) return LineEvent::kDisconnected;
+    if (reply.then == Gateway::Then::kPassOn) gateway_.reset();
+    bytes += reply.passedOn;
+    return reply.passedOn.empty() ? LineEvent::kNothing : LineEvent::kBytes;
 }
 
 std::size_t TcpListener::send(std::string_view bytes) {
@@ -75,6 +90,8 @@ LineEvent TcpListener::accept() {
     // A client that gave up while it waited is no failure of the line.
     if (!client_) return LineEvent::kNothing;
     enable(client_.get(), IPPROTO_TCP, TCP_NODELAY);
+    gateway_.reset();
+    if (gatewayOptions_) gateway_.emplace(*gatewayOptions_);
     return LineEvent::kConnected;
 }
 

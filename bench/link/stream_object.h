@@ -14,9 +14,9 @@
 
 namespace kel::bench {
 
-// `Interface` derives from IKelStream, `Port` is its transport.
-template <class Derived, class Interface, class Port>
-class StreamObject : public com::Object<Derived, com::Dual<Interface, IKelStream>> {
+// `Interface` derives from IKelStream, by way of `Bases` if there are any; `Port` is its transport.
+template <class Derived, class Interface, class Port, class... Bases>
+class StreamObject : public com::Object<Derived, com::Dual<Interface, Bases..., IKelStream>> {
 public:
     STDMETHODIMP Close() override {
         return operation([&] { stream_.close(); });

@@ -382,3 +382,36 @@ test_documented_clients() {
     done
     ((count >= 4)) || give_up "only $count clients were found"
 }
+
+# Both ways to the instrument, at the speed of the clock; sets `serial` and `network`.
+connect_both_ways() {
+    unset KEL_BENCH_TIME_SCALE
+    instrument pty
+    serial=$port
+    instrument tcp
+    network=("${connection[1]%:*}" "${connection[1]#*:}")
+}
+
+# The rules for links, and that they find faults.
+test_the_bench_link_keeps_the_rules() {
+    local serial network
+    connect_both_ways
+    link_program 0 "$KEL_LINK_CONFORMANCE" BenchLink.Communicator --serial "$serial" \
+        --network "${network[@]}" --echoing
+    ! grep -v ': ok$' "$output" || give_up "not all rules were kept"
+    (($(grep -c '^serial, .* ok$' "$output") >= 20)) || give_up "rules are missing"
+    link_program 0 "$KEL_LINK_CONFORMANCE" BenchLink.Communicator
+    expect "$output" 'network, every received byte is echoed once, ...'
+    link_program 2 "$KEL_LINK_CONFORMANCE" No.Such.Link
+    instrument tcp --silent
+    link_program 1 "$KEL_LINK_CONFORMANCE" BenchLink.Communicator --network 127.0.0.1 \
+        "${connection[1]#*:}" --echoing
+    [[ $(grep -c ': MEND: ' "$output") == 1 ]] || give_up "no word about the silent instrument, or many"
+}
+
+test_the_rules_find_faults_of_a_link() {
+    local serial network
+    connect_both_ways
+    link_program 0 "$KEL_LINK_FAULTS" BenchLink.Communicator "$serial" "${network[@]}"
+    (($(grep -c '^found: ' "$output") >= 30)) || give_up "faults were left out"
+}

@@ -80,6 +80,15 @@ kelrun() {
     [[ $code == "$expected" ]] || give_up "exit code $code instead of $expected: kelrun $*"
 }
 
+# Runs a program that checks links: link_program EXPECTED_CODE PROGRAM ARGUMENTS...
+link_program() {
+    local expected=$1
+    shift
+    code=0
+    wine "$@" 2>"$errors" | tr -d '\r' >"$output" || code=$?
+    [[ $code == "$expected" ]] || give_up "exit code $code instead of $expected: $*"
+}
+
 # Expects lines in a file, in this order; others may stand between them. A line is whole, or ends
 # in ... for any rest: expect FILE LINE...
 expect() {

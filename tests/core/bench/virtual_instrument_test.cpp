@@ -158,6 +158,16 @@ TEST_F(VirtualInstrument, ServesOneNetworkClientAfterTheOther) {
     EXPECT_NE(text.find(" < get rate\\r\n"), std::string::npos) << text;
 }
 
+TEST_F(VirtualInstrument, LetsInWhoTellsItsGatewayThePassword) {
+    Program program({"--tcp", "0", "--gateway", "open sesame"});
+    const auto port = program.firstLine();
+    const auto refused = connectTo(port);
+    EXPECT_EQ(ask(refused.get(), "KELGATE\n"), "REFUSED\r\n") << "and closed";
+    const auto client = connectTo(port);
+    EXPECT_EQ(ask(client.get(), "KELGATE open sesame\r\nget rate\r"),
+              "READY\r\nget rate\r\n2\r\n>");
+}
+
 TEST_F(VirtualInstrument, EndsWithItsParent) {
     Program parent({"--tcp", "0"});
     parent.firstLine();
@@ -182,6 +192,9 @@ TEST_F(VirtualInstrument, RefusesWhatItCannotServe) {
         {{"--tcp"}, 2},
         {{"--pty", "--garble", "1.5"}, 2},
         {{"--pty", "surplus"}, 2},
+        {{"--pty", "--gateway", ""}, 2},
+        {{"--tcp", "0", "--gateway-fault", "hang"}, 2},
+        {{"--tcp", "0", "--gateway", "", "--gateway-fault", "sulk"}, 2},
         {{"--tcp", "0", "--listen", "nowhere"}, 1},
         {{"--pty", "--link", occupied.string()}, 1},
         {{"--pty", "--state", broken.string()}, 1},

@@ -1,0 +1,50 @@
+#pragma once
+// The windows that rules need: one that shows an echo, one that waits for a message.
+
+#include <windows.h>
+
+#include <string>
+
+#include "com/error.h"
+
+namespace kel::conformance {
+
+struct WindowOwner {
+    explicit WindowOwner(const wchar_t* kind, DWORD style)
+        : handle(CreateWindowW(kind, L"", style, 0, 0, 200, 200, HWND_MESSAGE, nullptr, nullptr,
+                               nullptr)) {
+        if (!handle) throw com::lastError();
+    }
+    ~WindowOwner() { DestroyWindow(handle); }
+    WindowOwner(const WindowOwner&) = delete;
+    WindowOwner& operator=(const WindowOwner&) = delete;
+
+    HWND handle;
+};
+
+// An edit control, as hosts have one.
+class EchoPane : public WindowOwner {
+public:
+    EchoPane() : WindowOwner(L"EDIT", ES_MULTILINE | ES_AUTOVSCROLL) {}
+
+    long number() const { return HandleToLong(handle); }
+
+    std::wstring text() const {
+        std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(handle)) + 1, L'\0');
+        text.resize(static_cast<std::size_t>(
+            GetWindowTextW(handle, text.data(), static_cast<int>(text.size()))));
+        return text;
+    }
+};
+
+// Remembers whether its message came, which only a message loop hands out.
+class PostedMessage : public WindowOwner {
+public:
+    PostedMessage() : WindowOwner(L"BUTTON", BS_CHECKBOX) {
+        PostMessageW(handle, BM_SETCHECK, BST_CHECKED, 0);
+    }
+
+    bool arrived() const { return SendMessageW(handle, BM_GETCHECK, 0, 0) == BST_CHECKED; }
+};
+
+}  // namespace kel::conformance
