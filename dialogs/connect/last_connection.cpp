@@ -60,7 +60,8 @@ void rememberNetwork(const std::wstring& name) {
 }  // namespace
 
 void connectAsLastTime(const com::ComPtr<IKelCommunicator>& link, const std::wstring& application) {
-    const auto last = static_cast<SessionOption>(loadSession(application).lastConnection.value_or(0));
+    const auto last =
+        static_cast<SessionOption>(loadSession(application).lastConnection.value_or(0));
     if (last == SessionOption::Serial) return connectSerial(link, application);
     if (last == SessionOption::Network) return connectNetwork(link);
     failWith(L"No connection is remembered for '" + application + L"'");

@@ -32,13 +32,14 @@ void NetworkForm::fillTree() {
     select(TreeView_GetRoot(tree()));
 }
 
-void NetworkForm::insert(std::size_t index) {
+HTREEITEM NetworkForm::insert(std::size_t index) {
     TVINSERTSTRUCTW entry{};
     entry.hInsertAfter = TVI_LAST;
     entry.item.mask = TVIF_TEXT | TVIF_PARAM;
     entry.item.pszText = const_cast<LPWSTR>(list_.all()[index].name.c_str());
     entry.item.lParam = static_cast<LPARAM>(index);
-    SendMessageW(tree(), TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&entry));
+    return reinterpret_cast<HTREEITEM>(
+        SendMessageW(tree(), TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&entry)));
 }
 
 void NetworkForm::select(HTREEITEM item) {
@@ -99,7 +100,7 @@ void NetworkForm::addConnection() {
     const auto connection = ConnectionDialog(component(), {}).ask(window());
     if (!connection || !window()) return;
     list_.add(*connection);
-    insert(list_.all().size() - 1);
+    select(insert(list_.all().size() - 1));
 }
 
 void NetworkForm::editConnection() {

@@ -46,7 +46,7 @@ private:
 
     HWND tree() const;
     void fillTree();
-    void insert(std::size_t index);
+    HTREEITEM insert(std::size_t index);
     std::optional<std::size_t> selected() const;
     std::size_t indexOf(HTREEITEM item) const;
     void select(HTREEITEM item);

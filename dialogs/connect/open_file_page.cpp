@@ -42,7 +42,8 @@ bool OpenFilePage::command(int control, int notification) {
 }
 
 void OpenFilePage::browse() {
-    const auto path = ui::chooseFile(GetParent(window()), chooserFilter(values_.fileFilter), L"txt");
+    const auto path =
+        ui::chooseFile(GetParent(window()), chooserFilter(values_.fileFilter), L"txt");
     if (path && window()) setText(IDC_FILE_NAME, *path);
 }
 

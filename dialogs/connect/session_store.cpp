@@ -51,8 +51,8 @@ void savePort(const std::wstring& application, const RememberedPort& port) {
 RememberedFiles loadFiles(const std::wstring& application, bool usesWorkspaces) {
     const std::string name = com::narrow(application);
     std::vector<std::wstring> paths;
-    for (const auto& entry : settings::readList(settings::recent_files::key(name),
-                                                settings::recent_files::kFields)) {
+    for (const auto& entry :
+         settings::readList(settings::recent_files::key(name), settings::recent_files::kFields)) {
         paths.push_back(com::widen(entry.front()));
     }
     DWORD isUsed = usesWorkspaces ? 1 : 0;

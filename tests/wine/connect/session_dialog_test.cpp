@@ -304,6 +304,24 @@ TEST_F(SessionDialogTest, OpensAFile) {
     DeleteFileW(path.c_str());
 }
 
+TEST_F(SessionDialogTest, LeavesAGatewayThatDoesNotAnswer) {
+    const bench::test::TimeScale scale(L"100");
+    network_.reset();
+    network_.emplace(link::kNetworkStreamClass,
+                     benchLink().create<INetworkStream>(link::kNetworkStreamClass).Get());
+    rememberPeer();
+    remember("KelGateConnect\\Connections\\0", "Address", "gate:127.0.0.1");
+    rememberSession(212, 211);
+    EXPECT_FALSE(show([&](DialogDriver& driver) {
+        press(driver, IDOK);
+        waitForStatus(
+            driver, IDC_NETWORK_STATUS,
+            L"Failed to connect to gate:127.0.0.1 : " + std::wstring(peer_.port().view()));
+        press(driver, IDCANCEL);
+    }));
+    EXPECT_EQ(session(), "LastConnection = dword:000000d3\nOption = dword:000000d4\n");
+}
+
 TEST_F(SessionDialogTest, DoesNotConnectAgainToWhereItIs) {
     const auto stream = benchLink().create<INetworkStream>(link::kNetworkStreamClass);
     VARIANT_BOOL isOpen = VARIANT_FALSE;
