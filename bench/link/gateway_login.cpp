@@ -39,6 +39,7 @@ GatewayLogin::State GatewayLogin::poll() {
     return judge();
 }
 
+// A socket that has nothing yet has not failed.
 GatewayLogin::State GatewayLogin::fail(int error) {
     if (error == WSAEWOULDBLOCK) return State::kGoing;
     error_ = error;

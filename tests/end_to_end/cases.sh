@@ -383,21 +383,22 @@ test_documented_clients() {
     ((count >= 4)) || give_up "only $count clients were found"
 }
 
-# Both ways to the instrument, at the speed of the clock; sets `serial` and `network`.
+# Both ways to the instrument, at the speed of the clock, on the network with further options; sets
+# `serial` and `network`.
 connect_both_ways() {
     unset KEL_BENCH_TIME_SCALE
     instrument pty
     serial=$port
-    instrument tcp
+    instrument tcp "$@"
     network=("${connection[1]%:*}" "${connection[1]#*:}")
 }
 
 # The rules for links, and that they find faults.
 test_the_bench_link_keeps_the_rules() {
     local serial network
-    connect_both_ways
+    connect_both_ways --gateway ''
     link_program 0 "$KEL_LINK_CONFORMANCE" BenchLink.Communicator --serial "$serial" \
-        --network "${network[@]}" --echoing
+        --network "gate:${network[0]}" "${network[1]}" --echoing
     ! grep -v ': ok$' "$output" || give_up "not all rules were kept"
     (($(grep -c '^serial, .* ok$' "$output") >= 20)) || give_up "rules are missing"
     link_program 0 "$KEL_LINK_CONFORMANCE" BenchLink.Communicator

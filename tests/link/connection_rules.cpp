@@ -134,6 +134,14 @@ std::wstring deafPort() {
     return std::to_wstring(ntohs(address.sin_port));
 }
 
+// Hosts know by it whether a stream is connected where they want to be.
+void namesItsConnection(const Link& link) {
+    const Wire wire = link.wire();
+    const std::wstring wanted = link.setup().host + L":" + link.setup().port;
+    expect(com::sameName(wire.connection(), wanted), "ConnectionString to be " + shown(wanted),
+           "it is " + shown(wire.connection()));
+}
+
 void keepsThePresentConnection(const Link& link) {
     const Wire wire = link.wire();
     ComPtr<INetworkStream> network;
@@ -177,6 +185,7 @@ constexpr Rule kConnectionRules[] = {
     {"OpenPort of an absent port is false, tells why and disturbs nobody", Scope::kSerial,
      leavesThePresentPortUsable},
     {"SetLineSettings and BaudRate set the line", Scope::kSerial, setsTheLine},
+    {"ConnectionString is the address and the port", Scope::kNetwork, namesItsConnection},
     {"ConnectTo where nobody listens is false and keeps the present connection", Scope::kNetwork,
      keepsThePresentConnection},
     {"PasswordRequired is about passwords only", Scope::kNetwork, wantsNoPasswordUnasked},
