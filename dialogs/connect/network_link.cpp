@@ -1,5 +1,6 @@
 #include "dialogs/connect/network_link.h"
 
+#include "com/creation.h"
 #include "com/text.h"
 #include "com/variant.h"
 #include "interfaces/link_classes.h"
@@ -7,13 +8,7 @@
 namespace kel::connect {
 
 void NetworkLink::createStream() {
-    com::ComPtr<IUnknown> object;
-    if (FAILED(CoCreateInstance(link::kNetworkStreamClass, nullptr, CLSCTX_ALL,
-                                IID_PPV_ARGS(&object))) ||
-        FAILED(OleRun(object.Get()))) {
-        return;
-    }
-    object.As(&stream_);
+    stream_ = com::createStarted<INetworkStream>(link::kNetworkStreamClass);
 }
 
 bool NetworkLink::connect(const NetworkConnection& connection) {

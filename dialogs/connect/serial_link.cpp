@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "com/creation.h"
 #include "com/text.h"
 #include "com/variant.h"
 #include "dialogs/connect/model/serial_ports.h"
@@ -10,13 +11,7 @@
 namespace kel::connect {
 
 void SerialLink::createStream() {
-    com::ComPtr<IUnknown> object;
-    if (FAILED(CoCreateInstance(link::kSerialStreamClass, nullptr, CLSCTX_ALL,
-                                IID_PPV_ARGS(&object))) ||
-        FAILED(OleRun(object.Get()))) {
-        return;
-    }
-    object.As(&stream_);
+    stream_ = com::createStarted<ISerialStream>(link::kSerialStreamClass);
 }
 
 const com::ComPtr<ISerialStream>& SerialLink::stream() const {
