@@ -121,6 +121,7 @@ protected:
     // Connects, or where that fails cancels. The dialog may fail with a code.
     bool connectOverPage(int option, HRESULT allowed) {
         VARIANT_BOOL result = 7;
+        const HCURSOR cursor = GetCursor();
         DialogDriver user([&](DialogDriver& driver) {
             driver.waitFor(kSessionCaption);
             driver.press(option);
@@ -130,6 +131,7 @@ protected:
             PostMessageW(driver.window(), WM_COMMAND, IDCANCEL, 0);
         });
         const HRESULT code = dialog_->ShowModal(0, &result);
+        EXPECT_EQ(GetCursor(), cursor);
         if (code != S_OK) {
             EXPECT_EQ(code, allowed);
             EXPECT_EQ(takeError()->description, L"the link fails");
