@@ -8,6 +8,7 @@
 #include "hosts/keldesk/look.h"
 #include "hosts/keldesk/model/recent_menu.h"
 #include "hosts/keldesk/resource_ids.h"
+#include "hosts/keldesk/services.h"
 #include "hosts/keldesk/sessions.h"
 #include "hosts/keldesk/settings.h"
 #include "hosts/keldesk/wide.h"
@@ -209,6 +210,19 @@ void MainWindow::command(int command) {
             return connectBy([&] { return connectSerial(window_, instrument_->link()); });
         case IDM_CONNECT_NETWORK:
             return connectBy([&] { return connectNetwork(window_, instrument_->link()); });
+        case IDM_FIRMWARE:
+            return service([&] { return updateFirmware(window_, instrument_->link()); });
+        case IDM_PRESSURE_OFFSET:
+            return service([&] { return setPressureOffset(window_, instrument_->link()); });
+        case IDM_RECORDER:
+            return service([&] { return showRecorder(window_, instrument_->link()); });
+        case IDM_COMPASS:
+            return service([&] {
+                const std::wstring report =
+                    askForFile(window_, L"Report of the calibration (Cancel: none)",
+                               L"Reports (*.html)\0*.html\0All files (*.*)\0*.*\0", true);
+                return calibrateCompass(window_, instrument_->link(), report);
+            });
         case IDM_DISCONNECT:
             return disconnect(L"Disconnected");
         case IDM_CANCEL_SCRIPT:
@@ -276,6 +290,8 @@ void MainWindow::updateMenu() {
     enable(IDM_CHECK_SCRIPT, !isRunning());
     for (const int connects : {IDM_NEW_SESSION, IDM_CONNECT_SERIAL, IDM_CONNECT_NETWORK})
         enable(connects, !isRunning());
+    for (const int service : {IDM_FIRMWARE, IDM_PRESSURE_OFFSET, IDM_RECORDER, IDM_COMPASS})
+        enable(service, !isRunning() && instrument_->isConnected());
     enable(IDM_DISCONNECT, !isRunning() && instrument_->isConnected());
     enable(IDM_CANCEL_SCRIPT, isRunning());
     tick(IDM_LOG, !instrument_->logFile().empty());
@@ -320,7 +336,7 @@ void MainWindow::beginNewSession() {
 // The link is as the dialog has left it, also where that failed.
 void MainWindow::connectBy(const std::function<bool()>& dialog) {
     if (isRunning()) return say(L"A script is running");
-    const com::Scoped connecting(isConnecting_, true);
+    const com::Scoped busy(isInDialog_, true);
     try {
         if (dialog()) say(L"Connected");
     } catch (...) {
@@ -330,6 +346,13 @@ void MainWindow::connectBy(const std::function<bool()>& dialog) {
     }
     instrument_->adopt();
     showConnection();
+}
+
+void MainWindow::service(const std::function<bool()>& dialog) {
+    if (isRunning()) return say(L"A script is running");
+    if (!instrument_->isConnected()) return say(L"Connect to an instrument first");
+    const com::Scoped busy(isInDialog_, true);
+    say(dialog() ? L"Done" : L"");
 }
 
 // In the terminal, in the place of what is there.
@@ -354,8 +377,9 @@ void MainWindow::disconnect(const wchar_t* why) {
 }
 
 void MainWindow::watchConnection() {
-    // A dialog closes the one connection before it puts the other in its place.
-    if (!isConnecting_ && instrument_->isConnected() && !instrument_->isAlive())
+    // A connection dialog closes the one connection before it puts the other in its place, and a
+    // service tells of a lost one by itself.
+    if (!isInDialog_ && instrument_->isConnected() && !instrument_->isAlive())
         disconnect(L"The connection was lost");
 }
 

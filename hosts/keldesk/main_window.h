@@ -45,6 +45,7 @@ private:
     void connect(const host::Target& target);
     void beginNewSession();
     void connectBy(const std::function<bool()>& dialog);
+    void service(const std::function<bool()>& dialog);
     void showFile(const std::wstring& path);
     void disconnect(const wchar_t* why);
     void watchConnection();
@@ -71,8 +72,8 @@ private:
     std::unique_ptr<ListWindow> variables_;
     std::optional<Accelerators> accelerators_;
     ui::RecentPaths recent_;
-    // A connection dialog is open.
-    bool isConnecting_ = false;
+    // A dialog of the library works with the instrument.
+    bool isInDialog_ = false;
     // The user has closed the window while a script ran.
     bool isClosing_ = false;
 };

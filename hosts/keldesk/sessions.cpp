@@ -1,28 +1,13 @@
 #include "hosts/keldesk/sessions.h"
 
 #include "com/text.h"
-#include "com/variant.h"
-#include "hosts/shared/create.h"
+#include "hosts/keldesk/library_dialog.h"
 #include "hosts/shared/session.h"
 
 namespace kel::keldesk {
 namespace {
 
 constexpr wchar_t kFilter[] = L"Logs and scripts|*.log;*.kel;*.txt|All files|*.*|";
-
-template <class Dialog>
-bool showOver(HWND owner, const com::ComPtr<Dialog>& dialog) {
-    VARIANT_BOOL result = VARIANT_FALSE;
-    com::check(dialog->ShowModal(HandleToLong(owner), &result), dialog);
-    return com::isTrue(result);
-}
-
-template <class Dialog>
-bool connectBy(const char* component, HWND owner, const com::ComPtr<IKelCommunicator>& link) {
-    const auto dialog = host::create<Dialog>(component, "run regsvr32 KelUtils.dll");
-    com::check(dialog->put_Communicator(link.Get()), dialog);
-    return showOver(owner, dialog);
-}
 
 }  // namespace
 
@@ -39,11 +24,11 @@ Session beginSession(HWND owner, const com::ComPtr<IKelCommunicator>& link) {
 }
 
 bool connectSerial(HWND owner, const com::ComPtr<IKelCommunicator>& link) {
-    return connectBy<IConnectSerialDialog>("KelUtils.ConnectSerialDialog", owner, link);
+    return showOver(owner, dialogFor<IConnectSerialDialog>("KelUtils.ConnectSerialDialog", link));
 }
 
 bool connectNetwork(HWND owner, const com::ComPtr<IKelCommunicator>& link) {
-    return connectBy<IConnectKelGateDialog>("KelUtils.ConnectKelGateDialog", owner, link);
+    return showOver(owner, dialogFor<IConnectKelGateDialog>("KelUtils.ConnectKelGateDialog", link));
 }
 
 }  // namespace kel::keldesk
