@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "com/error.h"
+#include "com/stand_in.h"
 #include "com/variant.h"
 
 namespace kel::com {
@@ -124,10 +125,20 @@ private:
             originals_[i] = Variant(values_[i]);
             values_[i] = originals_[i].get();
         }
-        if (takesObject(type, parameter.tdesc) && isNothing(values_[i])) {
+        if (!takesObject(type, parameter.tdesc)) return;
+        if (isNothing(values_[i])) {
             values_[i].vt = VT_DISPATCH;
             values_[i].pdispVal = nullptr;
+        } else if (values_[i].vt == VT_DISPATCH && values_[i].pdispVal) {
+            takeWhatItStandsFor(i);
         }
+    }
+
+    void takeWhatItStandsFor(UINT i) {
+        ComPtr<IStandIn> standIn;
+        if (FAILED(values_[i].pdispVal->QueryInterface(IID_PPV_ARGS(&standIn)))) return;
+        originals_[i] = Variant(standIn->standsFor().Get());
+        values_[i] = originals_[i].get();
     }
 
     // A reference to a VARIANT receives any type: give the member a value of its own type and hand

@@ -9,6 +9,8 @@
 #include "dialogs/connect/connect_kelgate_dialog.h"
 #include "dialogs/connect/connect_serial_dialog.h"
 #include "dialogs/connect/new_session_dialog.h"
+#include "html/kel_objects.h"
+#include "html/kel_script.h"
 #include "interfaces/KelUtils.h"
 #include "resources/resource_ids.h"
 #include "script/preprocessor.h"
@@ -39,8 +41,8 @@ com::ClassRow table[] = {
     {L"CompassCalibDialog", &CLSID_CompassCalibDialog, IDR_COMPASSCALIBDIALOG, createUnbuilt},
     {L"HTMLWindow", &CLSID_HTMLWindow, IDR_HTMLWINDOW, createUnbuilt},
     {L"HTMLPageData", &CLSID_HTMLPageData, IDR_HTMLPAGEDATA, createUnbuilt},
-    {L"KelScript", &CLSID_KelScript, IDR_KELSCRIPT, createUnbuilt},
-    {L"KelObjects", &CLSID_KelObjects, IDR_KELOBJECTS, createUnbuilt},
+    {L"KelScript", &CLSID_KelScript, IDR_KELSCRIPT, kCreate<html::KelScript>},
+    {L"KelObjects", &CLSID_KelObjects, IDR_KELOBJECTS, kCreate<html::KelObjects>},
     {L"ConnectKelGateDialog", &CLSID_ConnectKelGateDialog, IDR_CONNECTKELGATEDIALOG,
      kCreate<connect::ConnectKelGateDialog>},
     {L"NewSessionDialog", &CLSID_NewSessionDialog, IDR_NEWSESSIONDIALOG,

@@ -21,6 +21,7 @@ ComPtr<IClassFactory> factoryOf(REFCLSID identifier) {
 
 bool isBuilt(const ExpectedClass& row) {
     static const std::set<std::string> built{"ConnectKelGateDialog", "ConnectSerialDialog",
+                                             "KelObjects",           "KelScript",
                                              "KelTerminal",          "MultiSelectDialog",    "NewSessionDialog",
                                              "Preprocessor",         "StatusDialog"};
     return built.contains(row.name);

@@ -1,0 +1,181 @@
+#include "html/kel_script.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+#include "com/text.h"
+#include "com/text_file.h"
+#include "html/kel_objects.h"
+
+namespace kel::html {
+namespace {
+
+constexpr CLSID kControlClass = {
+    0x0E59F1D5, 0x1FBE, 0x11D0, {0x8F, 0xF2, 0x00, 0xA0, 0xD1, 0x00, 0x38, 0xBC}};
+constexpr IID kControlInterface = {
+    0x0E59F1D3, 0x1FBE, 0x11D0, {0x8F, 0xF2, 0x00, 0xA0, 0xD1, 0x00, 0x38, 0xBC}};
+
+com::LateBound makeControl() {
+    com::ComPtr<IUnknown> object;
+    com::check(CoCreateInstance(kControlClass, nullptr, CLSCTX_ALL, IID_PPV_ARGS(&object)));
+    com::check(OleRun(object.Get()));
+    com::ComPtr<IDispatch> control;
+    com::check(object->QueryInterface(kControlInterface, &control));
+    return com::LateBound(control);
+}
+
+// What a file says; nothing when there is no such text file.
+std::optional<std::wstring> readScript(const std::wstring& path) {
+    std::error_code failure;
+    if (!std::filesystem::is_regular_file(path, failure)) return std::nullopt;
+    std::ifstream file(std::filesystem::path(path), std::ios::binary);
+    const std::string bytes(std::istreambuf_iterator<char>(file), {});
+    if (!file) return std::nullopt;
+    try {
+        return com::decodeTextFile(bytes);
+    } catch (const std::invalid_argument&) {
+        return std::nullopt;
+    }
+}
+
+}  // namespace
+
+void KelScript::finalConstruct() {
+    control_ = makeControl();
+    control_->put(L"Language", com::Variant(std::wstring_view(L"JScript")));
+    control_->put(L"AllowUI", com::Variant(true));
+    // Scripts reach the library's own components only so.
+    control_->put(L"UseSafeSubset", com::Variant(false));
+    adviseSink();
+}
+
+// Some script controls have no events: then errors are looked for after each call.
+void KelScript::adviseSink() {
+    com::ComPtr<IConnectionPointContainer> container;
+    com::ComPtr<IConnectionPoint> point;
+    if (FAILED(control_->object().As(&container)) ||
+        FAILED(container->FindConnectionPoint(kControlEvents, &point))) {
+        return;
+    }
+    sink_ = com::makeObject<ErrorSink>([this] { tellError(); });
+    if (SUCCEEDED(point->Advise(sink_->controlling(), &cookie_))) point_ = point;
+}
+
+KelScript::~KelScript() {
+    if (sink_) sink_->leave();
+    if (point_) point_->Unadvise(cookie_);
+    leaveTable();
+}
+
+void KelScript::leaveTable() {
+    com::ComPtr<ITableSource> source;
+    if (table_->objects && SUCCEEDED(table_->objects.As(&source))) source->removeListener(*this);
+    table_->objects = nullptr;
+}
+
+HRESULT KelScript::LoadFile(BSTR path, VARIANT_BOOL* success) {
+    return guarded<IKelScriptObject>([&] {
+        com::out(success) = VARIANT_FALSE;
+        const com::KeepAlive alive(*this);
+        lastError_.clear();
+        const auto text = readScript(std::wstring(com::view(path)));
+        if (!text) return;
+        try {
+            control_->call(L"AddCode", {com::Variant(std::wstring_view(*text))});
+        } catch (const com::Error&) {
+            tellError();
+            if (isUnattended_) throw com::Error(E_FAIL, lastError_);
+            return;
+        }
+        *success = VARIANT_TRUE;
+    });
+}
+
+void KelScript::tellError() {
+    const com::LateBound error(com::ComPtr<IDispatch>(control_->get(L"Error").get().pdispVal));
+    const auto number = [&](const wchar_t* name) {
+        return std::to_wstring(error.get(name).convertedTo(VT_I4).get().lVal);
+    };
+    const auto text = [&](const wchar_t* name) {
+        const com::Variant value = error.get(name).convertedTo(VT_BSTR);
+        return std::wstring(com::view(value.get().bstrVal));
+    };
+    const std::wstring code = number(L"Number");
+    const std::wstring description = text(L"Description");
+    const std::wstring source = text(L"Text");
+    const std::wstring line = number(L"Line");
+    const std::wstring column = number(L"Column");
+    const std::wstring origin = text(L"Source");
+    // The event has told of it already.
+    if (code == L"0") return;
+    lastError_ = L"Error #" + code + L", " + description + L", " + source + L", Line: " + line +
+                 L", Column: " + column + L" (src:" + origin + L")";
+    if (!isUnattended_) {
+        const long owner = control_->get(L"SitehWnd").convertedTo(VT_I4).get().lVal;
+        MessageBoxW(static_cast<HWND>(LongToHandle(owner)), lastError_.c_str(), L"Script Error",
+                    MB_OK | MB_ICONSTOP);
+    }
+    error.call(L"Clear");
+}
+
+HRESULT KelScript::get_ScriptControl(IDispatch** control) {
+    return guarded<IKelScript>([&] {
+        com::out(control) = nullptr;
+        com::ComPtr<IDispatch>(control_->object()).CopyTo(control);
+    });
+}
+
+HRESULT KelScript::put_Objects(IKelObjects* objects) {
+    return guarded<IKelScript>([&] {
+        const com::KeepAlive alive(*this);
+        leaveTable();
+        const com::ComPtr<IKelObjects> table(objects);
+        table_->objects = table;
+        if (!table) return;
+        com::ComPtr<ITableSource> source;
+        if (SUCCEEDED(table.As(&source))) source->addListener(*this);
+        long count = 0;
+        com::check(table->get_Count(&count), table);
+        for (long index = 0; index < count; ++index) {
+            com::Bstr name;
+            com::check(table->get_Name(index, name.put()), table);
+            nameAdded(std::wstring(name.view()));
+        }
+    });
+}
+
+// The control learns a name only once; what stands under it follows the table.
+void KelScript::nameAdded(const std::wstring& name) {
+    if (!names_.insert(name).second) return;
+    const auto item = com::makeObject<NamedItem>(table_, name);
+    control_->call(L"AddObject",
+                   {com::Variant(std::wstring_view(name)),
+                    com::Variant(static_cast<IDispatch*>(item.Get())), com::Variant(false)});
+}
+
+HRESULT KelScript::get_Objects(IKelObjects** objects) {
+    return guarded<IKelScriptObject2>([&] {
+        com::out(objects) = nullptr;
+        com::ComPtr<IKelObjects>(table_->objects).CopyTo(objects);
+    });
+}
+
+HRESULT KelScript::get_Unattended(VARIANT_BOOL* isUnattended) {
+    return guarded<IKelScriptObject2>(
+        [&] { com::out(isUnattended) = com::variantBool(isUnattended_); });
+}
+
+HRESULT KelScript::put_Unattended(VARIANT_BOOL isUnattended) {
+    return guarded<IKelScriptObject2>([&] { isUnattended_ = com::isTrue(isUnattended); });
+}
+
+HRESULT KelScript::get_LastError(BSTR* text) {
+    return guarded<IKelScriptObject2>([&] {
+        com::out(text) = nullptr;
+        *text = com::Bstr(std::wstring_view(lastError_)).release();
+    });
+}
+
+}  // namespace kel::html

@@ -1,0 +1,207 @@
+// The table of objects and the script host, as host programs and their scripts use them.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "com/late_bound.h"
+#include "com/text.h"
+#include "interfaces/KelUtils.h"
+#include "tests/wine/support/dialog_driver.h"
+#include "tests/wine/support/library.h"
+
+namespace kel::test {
+namespace {
+
+com::ComPtr<IKelObjects> makeTable() {
+    return kelUtils().create<IKelObjects>(CLSID_KelObjects);
+}
+
+// An object that tells itself from others: a table with so many entries.
+com::ComPtr<IDispatch> objectWith(int count) {
+    const auto table = makeTable();
+    for (int i = 0; i < count; ++i)
+        table->put_Item(com::Bstr(std::to_wstring(i)).get(), makeTable().Get());
+    return table;
+}
+
+class ScriptTest : public testing::Test {
+protected:
+    ScriptTest() {
+        com::ComPtr<IKelScript> own;
+        com::check(script_.As(&own));
+        com::ComPtr<IDispatch> control;
+        com::check(own->get_ScriptControl(&control));
+        control_.emplace(control);
+    }
+    ~ScriptTest() override { std::filesystem::remove_all(folder_); }
+
+    void put(const wchar_t* name, IDispatch* object) {
+        EXPECT_EQ(objects_->put_Item(com::Bstr(std::wstring_view(name)).get(), object), S_OK);
+    }
+    // What an expression of a script gives, or how it fails.
+    std::string eval(const wchar_t* expression) {
+        try {
+            return control_->call(L"Eval", {com::Variant(std::wstring_view(expression))}).toText();
+        } catch (const com::Error&) {
+            return "fails";
+        }
+    }
+    std::wstring file(const std::string& bytes) const {
+        const auto path = folder_ / "script.js";
+        std::ofstream(path, std::ios::binary) << bytes;
+        return path.wstring();
+    }
+    // 0 or 1 for what it answers, -1 when it fails.
+    int load(const std::wstring& path) {
+        VARIANT_BOOL result = 7;
+        if (script_->LoadFile(com::Bstr(std::wstring_view(path)).get(), &result) != S_OK) return -1;
+        return result == VARIANT_TRUE ? 1 : 0;
+    }
+    std::wstring lastError() {
+        com::Bstr text;
+        script_->get_LastError(text.put());
+        return std::wstring(text.view());
+    }
+
+    const std::filesystem::path folder_ = [] {
+        auto folder = std::filesystem::temp_directory_path() /
+                      ("kel_html_" + std::to_string(GetCurrentProcessId()));
+        std::filesystem::create_directories(folder);
+        return folder;
+    }();
+    com::ComPtr<IKelObjects> objects_ = makeTable();
+    com::ComPtr<IKelScriptObject2> script_ = kelUtils().create<IKelScriptObject2>(CLSID_KelScript);
+    std::optional<com::LateBound> control_;
+};
+
+TEST_F(ScriptTest, TheTableFindsItsObjects) {
+    const auto one = objectWith(1);
+    const auto two = objectWith(2);
+    put(L"Gauge", one.Get());
+    put(L"Log", two.Get());
+    put(L"GAUGE", two.Get());
+    put(L"nothing", nullptr);
+    put(L"log", nullptr);
+    put(L"Buoy", one.Get());
+    const struct {
+        com::Variant index;
+        const IDispatch* object;
+    } rows[] = {{com::Variant(0L), two.Get()},
+                {com::Variant(1L), one.Get()},
+                {com::Variant(1L).convertedTo(VT_UI1), one.Get()},
+                {com::Variant(1L).convertedTo(VT_R8), one.Get()},
+                {com::Variant(std::string_view("gauge")), two.Get()},
+                {com::Variant(2L), nullptr},
+                {com::Variant(-1L), nullptr},
+                {com::Variant(std::string_view("Log")), nullptr},
+                {com::Variant(std::string_view("")), nullptr}};
+    for (const auto& row : rows) {
+        com::ComPtr<IDispatch> found;
+        EXPECT_EQ(objects_->get_At(row.index.get(), &found), row.object ? S_OK : DISP_E_BADINDEX)
+            << row.index.toText();
+        EXPECT_EQ(found.Get(), row.object) << row.index.toText();
+    }
+    com::ComPtr<IKelObjects2> collection;
+    com::check(objects_.As(&collection));
+    com::ComPtr<IUnknown> walk;
+    EXPECT_EQ(collection->get__NewEnum(&walk), S_OK);
+    com::ComPtr<IEnumVARIANT> walker;
+    com::check(walk.As(&walker));
+    com::Variant first;
+    EXPECT_EQ(walker->Next(1, first.put(), nullptr), S_OK);
+    EXPECT_EQ(first.get().pdispVal, two.Get());
+    EXPECT_EQ(walker->Skip(2), S_FALSE);
+    com::Bstr name;
+    EXPECT_EQ(objects_->get_Name(0, name.put()), S_OK);
+    EXPECT_EQ(name.view(), L"Gauge");
+    EXPECT_EQ(objects_->get_Name(2, name.put()), DISP_E_BADINDEX);
+    EXPECT_EQ(objects_->put_Item(com::Bstr(L"").get(), one.Get()), E_INVALIDARG);
+    EXPECT_EQ(objects_->put_At(com::Variant(1L).get(), nullptr), S_OK);
+    long count = 0;
+    objects_->get_Count(&count);
+    EXPECT_EQ(count, 1);
+}
+
+TEST_F(ScriptTest, ScriptsReachTheTableAsItIsNow) {
+    put(L"gauge", objectWith(2).Get());
+    script_->put_Objects(objects_.Get());
+    EXPECT_EQ(eval(L"gauge.Count"), "2");
+    put(L"later", objectWith(3).Get());
+    EXPECT_EQ(eval(L"later.Count"), "3");
+    put(L"gauge", objectWith(1).Get());
+    EXPECT_EQ(eval(L"gauge.Count"), "1");
+    put(L"later", nullptr);
+    EXPECT_EQ(eval(L"later.Count"), "fails");
+    // As an argument it is what it stands for.
+    put(L"host", kelUtils().create<IKelScriptObject2>(CLSID_KelScript).Get());
+    EXPECT_EQ(eval(L"host.Objects = gauge; host.Objects.Count"), "1");
+    EXPECT_EQ(eval(L"new ActiveXObject('Scripting.Dictionary').Count"), "0");
+
+    const auto other = makeTable();
+    other->put_Item(com::Bstr(L"gauge").get(), objectWith(5).Get());
+    script_->put_Objects(other.Get());
+    EXPECT_EQ(eval(L"gauge.Count"), "5");
+    EXPECT_EQ(eval(L"host.LastError"), "fails");
+    script_->put_Objects(nullptr);
+    EXPECT_EQ(eval(L"gauge.Count"), "fails");
+    EXPECT_EQ(eval(L"1 + 1"), "2");
+}
+
+TEST_F(ScriptTest, LoadsFilesOfEveryEncoding) {
+    const std::string code = "function name() { return '";
+    for (const std::string& bytes :
+         {code + "\xC3\xBC'; }", "\xEF\xBB\xBF" + code + "\xC3\xBC'; }", code + "\xFC'; }"}) {
+        EXPECT_EQ(load(file(bytes)), 1);
+        EXPECT_EQ(eval(L"name().charCodeAt(0)"), "252");
+    }
+    std::string wide = "\xFF\xFE";
+    for (const char character : code + "x'; }")
+        wide += std::string{character, '\0'};
+    EXPECT_EQ(load(file(wide)), 1);
+    EXPECT_EQ(eval(L"name()"), "x");
+    EXPECT_EQ(load(folder_.wstring()), 0);
+    EXPECT_EQ(load((folder_ / "none.js").wstring()), 0);
+    EXPECT_EQ(load(L""), 0);
+    EXPECT_EQ(lastError(), L"");
+    VARIANT_BOOL result = 7;
+    EXPECT_EQ(script_->LoadFile(nullptr, nullptr), E_POINTER);
+    EXPECT_EQ(script_->LoadFile(nullptr, &result), S_OK);
+    EXPECT_EQ(result, VARIANT_FALSE);
+}
+
+TEST_F(ScriptTest, TellsAnErrorOnce) {
+    std::wstring shown;
+    DialogDriver user([&](DialogDriver& driver) {
+        driver.waitFor(L"Script Error");
+        for (HWND part = GetWindow(driver.window(), GW_CHILD); part;
+             part = GetWindow(part, GW_HWNDNEXT)) {
+            wchar_t text[400] = L"";
+            driver.send(part, WM_GETTEXT, 400, reinterpret_cast<LPARAM>(text));
+            if (std::wstring_view(text).starts_with(L"Error #")) shown = text;
+        }
+        driver.press(IDOK);
+    });
+    EXPECT_EQ(load(file("var a = 1;\nvar b = ;\n")), 0);
+    user.runMessageLoop();
+    EXPECT_EQ(shown, lastError());
+    EXPECT_NE(shown.find(L"Syntax error, "), std::wstring::npos) << com::narrow(shown);
+    EXPECT_NE(shown.find(L", Line: 2, Column: "), std::wstring::npos) << com::narrow(shown);
+    const com::LateBound error(com::ComPtr<IDispatch>(control_->get(L"Error").get().pdispVal));
+    EXPECT_EQ(error.get(L"Number").toText(), "0");
+    EXPECT_EQ(load(file("var c = 1;")), 1);
+    EXPECT_EQ(lastError(), L"");
+}
+
+TEST_F(ScriptTest, FailsUnattendedWithTheError) {
+    script_->put_Unattended(VARIANT_TRUE);
+    EXPECT_EQ(load(file("noSuchFunction();")), -1);
+    const auto told = takeError();
+    ASSERT_TRUE(told);
+    EXPECT_EQ(told->description, lastError());
+    EXPECT_EQ(told->description.find(L"Error #"), 0u) << com::narrow(told->description);
+    EXPECT_TRUE(told->description.ends_with(L")"));
+}
+
+}  // namespace
+}  // namespace kel::test
