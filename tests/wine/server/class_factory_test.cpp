@@ -22,7 +22,8 @@ ComPtr<IClassFactory> factoryOf(REFCLSID identifier) {
 bool isBuilt(const ExpectedClass& row) {
     static const std::set<std::string> built{"ConnectKelGateDialog", "ConnectSerialDialog",
                                              "KelTerminal",          "MultiSelectDialog",    "NewSessionDialog",
-                                             "Preprocessor",         "StatusDialog"};
+                                             "Preprocessor",         "StatusDialog",
+                                             "UploadFirmwareDialog"};
     return built.contains(row.name);
 }
 
