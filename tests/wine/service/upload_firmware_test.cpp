@@ -1,7 +1,9 @@
 // The firmware upload dialog: what it asks of the uploader, and what becomes of the link.
 #include <gtest/gtest.h>
 
+#include <cderr.h>
 #include <commctrl.h>
+#include <commdlg.h>
 #include <dlgs.h>
 
 #include <filesystem>
@@ -388,9 +390,7 @@ TEST_F(UploadFirmwareTest, AsksForAFileWhereItHasNone) {
         EXPECT_FALSE(show(
             [&](DialogDriver& driver) {
                 EXPECT_EQ(driver.text(cmb13), offered);
-                EXPECT_EQ(driver.text(cmb1), L"Firmware Hex Files (.hex)");
-                EXPECT_EQ(driver.send(driver.control(cmb1), CB_GETCOUNT), 2);
-                driver.setText(cmb13, path.substr(0, path.size() - 4));
+                driver.setText(cmb13, path);
                 driver.press(IDOK);
                 driver.waitFor(kUploadCaption);
                 driver.press(IDCANCEL);
@@ -403,8 +403,36 @@ TEST_F(UploadFirmwareTest, AsksForAFileWhereItHasNone) {
     };
     choose("", L"");
     choose(com::narrow(path), L"new.hex");
-    choose("C:\\<gone>\\?", L"");
     EXPECT_EQ(takeLog(), "");
+}
+
+// A chooser that takes no name, and is cancelled without one.
+std::vector<std::wstring> offeredNames;
+std::wstring offeredKinds;
+BOOL WINAPI refuseNames(OPENFILENAMEW* question) {
+    offeredNames.emplace_back(question->lpstrFile);
+    offeredKinds = question->lpstrDefExt;
+    for (const wchar_t* part = question->lpstrFilter; *part != L'\0'; part += wcslen(part) + 1)
+        offeredKinds.append(L";").append(part);
+    return FALSE;
+}
+DWORD WINAPI tellRefusal() {
+    return offeredNames.back().empty() ? 0 : FNERR_INVALIDFILENAME;
+}
+
+TEST_F(UploadFirmwareTest, AsksWithoutANameThatIsImpossible) {
+    const ImportPatch chooser(kelUtils().module(), "GetOpenFileNameW",
+                              reinterpret_cast<void*>(refuseNames));
+    const ImportPatch error(kelUtils().module(), "CommDlgExtendedError",
+                            reinterpret_cast<void*>(tellRefusal));
+    remember("C:\\new|.hex");
+    setFile(L"");
+    VARIANT_BOOL result = 7;
+    EXPECT_EQ(dialog_->ShowModal(0, &result), S_OK);
+    EXPECT_EQ(result, VARIANT_FALSE);
+    EXPECT_EQ(offeredNames, (std::vector<std::wstring>{L"C:\\new|.hex", L""}));
+    EXPECT_EQ(offeredKinds,
+              L"hex;Firmware Hex Files (.hex);*.hex;Kelvra firmware files (.kfh);*.kfh");
 }
 
 }  // namespace
