@@ -30,8 +30,8 @@ public:
         events_.fire(2, {com::Variant(done), com::Variant(total)});
     }
     bool isHeard() const { return events_.hasSinks(); }
-    // To those who heard the upload, also when they have left.
-    void sayLate(std::wstring_view text) {
+    // To those who heard the last upload, also when they have left.
+    void sayToFormerSinks(std::wstring_view text) {
         const com::Variant argument(text);
         VARIANTARG borrowed = argument.get();
         DISPPARAMS arguments{&borrowed, nullptr, 1, 0};
