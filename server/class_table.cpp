@@ -9,6 +9,7 @@
 #include "dialogs/connect/connect_kelgate_dialog.h"
 #include "dialogs/connect/connect_serial_dialog.h"
 #include "dialogs/connect/new_session_dialog.h"
+#include "dialogs/service/upload_firmware_dialog.h"
 #include "html/kel_objects.h"
 #include "html/kel_script.h"
 #include "interfaces/KelUtils.h"
@@ -35,7 +36,8 @@ com::ClassRow table[] = {
     {L"KelTerminal", &CLSID_KelTerminal, IDR_KELTERMINAL, kCreate<terminal::KelTerminal>},
     {L"ConnectSerialDialog", &CLSID_ConnectSerialDialog, IDR_CONNECTSERIALDIALOG,
      kCreate<connect::ConnectSerialDialog>},
-    {L"UploadFirmwareDialog", &CLSID_UploadFirmwareDialog, IDR_UPLOADFIRMWAREDIALOG, createUnbuilt},
+    {L"UploadFirmwareDialog", &CLSID_UploadFirmwareDialog, IDR_UPLOADFIRMWAREDIALOG,
+     kCreate<service::UploadFirmwareDialog>},
     {L"Preprocessor", &CLSID_Preprocessor, IDR_PREPROCESSOR, kCreate<script::Preprocessor>},
     {L"RecorderDialog", &CLSID_RecorderDialog, IDR_RECORDERDIALOG, createUnbuilt},
     {L"CompassCalibDialog", &CLSID_CompassCalibDialog, IDR_COMPASSCALIBDIALOG, createUnbuilt},

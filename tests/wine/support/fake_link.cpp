@@ -83,10 +83,12 @@ public:
         return link_.call(kStream, "Sleep " + number(duration));
     }
     STDMETHODIMP get_IdleProcessing(VARIANT_BOOL* enabled) override {
-        return link_.call(kStream, "IdleProcessing", [&] { *enabled = VARIANT_TRUE; });
+        return link_.call(kStream, "IdleProcessing",
+                          [&] { *enabled = com::variantBool(link_.isIdleProcessing); });
     }
     STDMETHODIMP put_IdleProcessing(VARIANT_BOOL enabled) override {
-        return link_.call(kStream, "IdleProcessing = " + number(enabled));
+        return link_.call(kStream, "IdleProcessing = " + number(enabled),
+                          [&] { link_.isIdleProcessing = com::isTrue(enabled); });
     }
     STDMETHODIMP get_ConnectionString(BSTR* connection) override {
         return link_.call(kStream, "ConnectionString", [&] {

@@ -43,6 +43,7 @@ public:
     bool isRadio = false;
     long baudRate = 9600;
     long echoWindow = 0;
+    bool isIdleProcessing = true;
     std::wstring reply;
     IPreprocessor* preprocessor = nullptr;  // not told
     std::wstring connectionString;
