@@ -9,6 +9,8 @@
 #include "dialogs/connect/connect_kelgate_dialog.h"
 #include "dialogs/connect/connect_serial_dialog.h"
 #include "dialogs/connect/new_session_dialog.h"
+#include "dialogs/service/compass_calib_dialog.h"
+#include "dialogs/service/pressure_offset_dialog.h"
 #include "interfaces/KelUtils.h"
 #include "resources/resource_ids.h"
 #include "script/preprocessor.h"
@@ -36,7 +38,8 @@ com::ClassRow table[] = {
     {L"UploadFirmwareDialog", &CLSID_UploadFirmwareDialog, IDR_UPLOADFIRMWAREDIALOG, createUnbuilt},
     {L"Preprocessor", &CLSID_Preprocessor, IDR_PREPROCESSOR, kCreate<script::Preprocessor>},
     {L"RecorderDialog", &CLSID_RecorderDialog, IDR_RECORDERDIALOG, createUnbuilt},
-    {L"CompassCalibDialog", &CLSID_CompassCalibDialog, IDR_COMPASSCALIBDIALOG, createUnbuilt},
+    {L"CompassCalibDialog", &CLSID_CompassCalibDialog, IDR_COMPASSCALIBDIALOG,
+     kCreate<service::CompassCalibDialog>},
     {L"HTMLWindow", &CLSID_HTMLWindow, IDR_HTMLWINDOW, createUnbuilt},
     {L"HTMLPageData", &CLSID_HTMLPageData, IDR_HTMLPAGEDATA, createUnbuilt},
     {L"KelScript", &CLSID_KelScript, IDR_KELSCRIPT, createUnbuilt},
@@ -45,7 +48,8 @@ com::ClassRow table[] = {
      kCreate<connect::ConnectKelGateDialog>},
     {L"NewSessionDialog", &CLSID_NewSessionDialog, IDR_NEWSESSIONDIALOG,
      kCreate<connect::NewSessionDialog>},
-    {L"PressureOffsetDialog", &CLSID_PressureOffsetDialog, IDR_PRESSUREOFFSETDIALOG, createUnbuilt},
+    {L"PressureOffsetDialog", &CLSID_PressureOffsetDialog, IDR_PRESSUREOFFSETDIALOG,
+     kCreate<service::PressureOffsetDialog>},
     {L"MultiSelectDialog", &CLSID_MultiSelectDialog, IDR_MULTISELECTDIALOG,
      kCreate<controls::MultiSelectDialog>},
     {L"PreprocessorExtender", &CLSID_PreprocessorExtender, IDR_PREPROCESSOREXTENDER, createUnbuilt},
