@@ -9,6 +9,8 @@
 #include "dialogs/connect/connect_kelgate_dialog.h"
 #include "dialogs/connect/connect_serial_dialog.h"
 #include "dialogs/connect/new_session_dialog.h"
+#include "dialogs/service/compass_calib_dialog.h"
+#include "dialogs/service/pressure_offset_dialog.h"
 #include "dialogs/service/upload_firmware_dialog.h"
 #include "html/kel_objects.h"
 #include "html/kel_script.h"
@@ -40,7 +42,8 @@ com::ClassRow table[] = {
      kCreate<service::UploadFirmwareDialog>},
     {L"Preprocessor", &CLSID_Preprocessor, IDR_PREPROCESSOR, kCreate<script::Preprocessor>},
     {L"RecorderDialog", &CLSID_RecorderDialog, IDR_RECORDERDIALOG, createUnbuilt},
-    {L"CompassCalibDialog", &CLSID_CompassCalibDialog, IDR_COMPASSCALIBDIALOG, createUnbuilt},
+    {L"CompassCalibDialog", &CLSID_CompassCalibDialog, IDR_COMPASSCALIBDIALOG,
+     kCreate<service::CompassCalibDialog>},
     {L"HTMLWindow", &CLSID_HTMLWindow, IDR_HTMLWINDOW, createUnbuilt},
     {L"HTMLPageData", &CLSID_HTMLPageData, IDR_HTMLPAGEDATA, createUnbuilt},
     {L"KelScript", &CLSID_KelScript, IDR_KELSCRIPT, kCreate<html::KelScript>},
@@ -49,7 +52,8 @@ com::ClassRow table[] = {
      kCreate<connect::ConnectKelGateDialog>},
     {L"NewSessionDialog", &CLSID_NewSessionDialog, IDR_NEWSESSIONDIALOG,
      kCreate<connect::NewSessionDialog>},
-    {L"PressureOffsetDialog", &CLSID_PressureOffsetDialog, IDR_PRESSUREOFFSETDIALOG, createUnbuilt},
+    {L"PressureOffsetDialog", &CLSID_PressureOffsetDialog, IDR_PRESSUREOFFSETDIALOG,
+     kCreate<service::PressureOffsetDialog>},
     {L"MultiSelectDialog", &CLSID_MultiSelectDialog, IDR_MULTISELECTDIALOG,
      kCreate<controls::MultiSelectDialog>},
     {L"PreprocessorExtender", &CLSID_PreprocessorExtender, IDR_PREPROCESSOREXTENDER, createUnbuilt},

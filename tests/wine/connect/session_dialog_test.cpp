@@ -275,7 +275,7 @@ TEST_F(SessionDialogTest, OpensAFile) {
     EXPECT_TRUE(show([&](DialogDriver& driver) {
         const HWND name = inPage(driver, IDC_FILE_NAME);
         EXPECT_EQ(driver.send(name, CB_GETCOUNT), 2);
-        press(driver, IDOK);  // nothing, without a name
+        driver.send(inPage(driver, IDOK), BM_CLICK);  // nothing, without a name
         driver.send(name, CB_SETCURSEL, 0);
         press(driver, IDOK);
         waitForStatus(driver, IDC_FILE_STATUS, L"Unable to open file: C:\\gone.txt");

@@ -20,12 +20,10 @@ ComPtr<IClassFactory> factoryOf(REFCLSID identifier) {
 }
 
 bool isBuilt(const ExpectedClass& row) {
-    static const std::set<std::string> built{"ConnectKelGateDialog", "ConnectSerialDialog",
-                                             "KelObjects",           "KelScript",
-                                             "KelTerminal",          "MultiSelectDialog",    "NewSessionDialog",
-                                             "Preprocessor",         "StatusDialog",
-                                             "UploadFirmwareDialog"};
-    return built.contains(row.name);
+    static const std::set<std::string> unbuilt{"DataGrid",       "HTMLChildWindow",
+                                               "HTMLPageData",   "HTMLWindow",
+                                               "RecorderDialog", "PreprocessorExtender"};
+    return row.registryScript != 0 && !unbuilt.contains(row.name);
 }
 
 class Outer final : public com::Object<Outer> {

@@ -9,6 +9,8 @@
 #include "interfaces/link_classes.h"
 #include "settings/vocabulary.h"
 #include "tests/support/cases.h"
+#include "tests/wine/service/fake_compass.h"
+#include "tests/wine/service/fake_pressure.h"
 #include "tests/wine/support/class_object.h"
 #include "tests/wine/support/dialog_driver.h"
 #include "tests/wine/support/fake_link.h"
@@ -97,6 +99,10 @@ void open(const Opening& opening, const std::function<void(HWND)>& look) {
     link.gatewayPassword = L"sea";
     const ClassObject serial(link::kSerialStreamClass, link.port());
     const ClassObject network(link::kNetworkStreamClass, link.network());
+    const ClassObject compass(link::kCompassAccessClass,
+                              com::makeObject<FakeCompass>()->controlling());
+    const ClassObject pressure(link::kPressureAccessClass,
+                               com::makeObject<FakePressure>()->controlling());
     const auto object = kelUtils().create<IDispatch>(component);
     com::ComPtr<IKelModalDialog> dialog;
     if (SUCCEEDED(object.As(&dialog))) com::check(dialog->put_Communicator(link.communicator()));
