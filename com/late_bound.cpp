@@ -21,10 +21,9 @@ public:
     EXCEPINFO* put() { return &told_; }
 
     [[noreturn]] void raise(HRESULT code) {
-        if (code != DISP_E_EXCEPTION) throw Error(code);
         if (told_.pfnDeferredFillIn) told_.pfnDeferredFillIn(&told_);
-        throw Error(FAILED(told_.scode) ? told_.scode : code,
-                    std::wstring(view(told_.bstrDescription)));
+        const bool hasCode = code == DISP_E_EXCEPTION && FAILED(told_.scode);
+        throw Error(hasCode ? told_.scode : code, std::wstring(view(told_.bstrDescription)));
     }
 
 private:
@@ -38,6 +37,11 @@ Variant LateBound::invoke(const wchar_t* name, WORD kind,
     LPOLESTR names = const_cast<LPOLESTR>(name);
     DISPID member = 0;
     check(object_->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &member));
+    return invokeMember(member, kind, arguments);
+}
+
+Variant LateBound::invokeMember(DISPID member, WORD kind,
+                                std::initializer_list<Variant> arguments) const {
     // The last one comes first; what is held is still the caller's.
     std::vector<VARIANT> values;
     for (auto argument = std::rbegin(arguments); argument != std::rend(arguments); ++argument)

@@ -28,8 +28,14 @@ public:
         return invoke(name, DISPATCH_METHOD, arguments);
     }
 
+    // The object itself, which is a function.
+    Variant callItself(std::initializer_list<Variant> arguments) const {
+        return invokeMember(DISPID_VALUE, DISPATCH_METHOD, arguments);
+    }
+
 private:
     Variant invoke(const wchar_t* name, WORD kind, std::initializer_list<Variant> arguments) const;
+    Variant invokeMember(DISPID member, WORD kind, std::initializer_list<Variant> arguments) const;
 
     ComPtr<IDispatch> object_;
 };

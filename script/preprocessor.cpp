@@ -96,6 +96,13 @@ HRESULT Preprocessor::InstallCustomDirective(BSTR name, IPreprocessorExtension* 
         [&] { directives_.add(com::narrow(name), number, handlerFor(handler)); });
 }
 
+HRESULT Preprocessor::TellError(BSTR message) {
+    return guarded<IPreprocessorControl>([&] {
+        if (!isRunning()) throw com::Error(E_UNEXPECTED, L"No script runs");
+        session_.report(com::narrow(message));
+    });
+}
+
 HRESULT Preprocessor::Cancel() {
     return guarded<IPreprocessorControl>([&] {
         if (!isRunning()) return;

@@ -63,6 +63,7 @@ public:
     STDMETHODIMP put_Variable(BSTR name, BSTR value) override;
     STDMETHODIMP ClearVariables() override;
     STDMETHODIMP get_Variables(IFlatCollection** variables) override;
+    STDMETHODIMP TellError(BSTR message) override;
 
     // IPreprocessor2
     STDMETHODIMP Send(BSTR text, VARIANT_BOOL* result) override;

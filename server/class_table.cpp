@@ -17,6 +17,7 @@
 #include "interfaces/KelUtils.h"
 #include "resources/resource_ids.h"
 #include "script/preprocessor.h"
+#include "script/preprocessor_extender.h"
 #include "terminal/terminal.h"
 
 namespace kel::server {
@@ -56,7 +57,8 @@ com::ClassRow table[] = {
      kCreate<service::PressureOffsetDialog>},
     {L"MultiSelectDialog", &CLSID_MultiSelectDialog, IDR_MULTISELECTDIALOG,
      kCreate<controls::MultiSelectDialog>},
-    {L"PreprocessorExtender", &CLSID_PreprocessorExtender, IDR_PREPROCESSOREXTENDER, createUnbuilt},
+    {L"PreprocessorExtender", &CLSID_PreprocessorExtender, IDR_PREPROCESSOREXTENDER,
+     kCreate<script::PreprocessorExtender>},
     {L"StatusDialog", &CLSID_StatusDialog, IDR_STATUSDIALOG, kCreate<controls::StatusDialog>},
     {L"DataGrid", &CLSID_DataGrid, IDR_DATAGRID, createUnbuilt},
     {L"HTMLChildWindow", &CLSID_HTMLChildWindow, IDR_HTMLCHILDWINDOW, createUnbuilt},

@@ -20,9 +20,8 @@ ComPtr<IClassFactory> factoryOf(REFCLSID identifier) {
 }
 
 bool isBuilt(const ExpectedClass& row) {
-    static const std::set<std::string> unbuilt{"DataGrid",       "HTMLChildWindow",
-                                               "HTMLPageData",   "HTMLWindow",
-                                               "RecorderDialog", "PreprocessorExtender"};
+    static const std::set<std::string> unbuilt{"DataGrid", "HTMLChildWindow", "HTMLPageData",
+                                               "HTMLWindow", "RecorderDialog"};
     return row.registryScript != 0 && !unbuilt.contains(row.name);
 }
 
