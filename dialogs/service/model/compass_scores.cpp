@@ -46,7 +46,7 @@ ScoreTexts scoreTexts(const CompassScores& scores) {
 }
 
 std::string shownScores(const ScoreTexts& texts) {
-    // The blanks put the values one below the other.
+    // The blanks put the values one below the other in the dialog's font.
     return "Horizontal calibration score (0-9):\t        " + texts[0] +
            "\nVertical calibration score (0-9):           " + texts[1] +
            "\nAmbient magnetic field strength (0-100): " + texts[2];

@@ -86,48 +86,40 @@ TEST_F(PressureTest, HoweverItIsClosedTheInstrumentIsLeftInPeace) {
 }
 
 TEST_F(PressureTest, ARefusalIsToldAndLeavesTheDialogOpen) {
+    access_->stops = false;
+    const auto refuse = [&](const char* name, std::deque<bool> answers) {
+        return [=, this] { link_.answers[name] = answers; };
+    };
     const struct {
         int button;
-        std::function<void()> refuse;
+        std::function<void()> prepare;
         const wchar_t* text;
         std::string calls;
+        const wchar_t* buttons;
     } cases[] = {
+        {IDC_PRESSURE_SET, refuse("Link.WakeUpInstrument", {true, false}),
+         L"Unable to connect with the instrument", "Link.WakeUpInstrument\n", L"soc"},
+        {IDC_PRESSURE_SET, refuse("Link.SendCommand", {false}), L"Unable to update pressure offset",
+         kSet, L"soc"},
+        {IDC_PRESSURE_SET, refuse("Link.SendCommand", {true, false}), L"Unable to update setup",
+         std::string(kSet) + kSave, L"soc"},
+        {IDC_PRESSURE_STOP, [] {}, L"Unable to stop calibration!",
+         "StartCollection\nStopCollection\n", L"pc"},
         {IDC_PRESSURE_START, [&] { access_->starts = false; }, L"Unable to start calibration!",
-         "StartCollection\n"},
-        {IDC_PRESSURE_SET,
-         [&] {
-             link_.answers["Link.WakeUpInstrument"] = {true, false};
-         },
-         L"Unable to connect with the instrument", "Link.WakeUpInstrument\n"},
-        {IDC_PRESSURE_SET, [&] { link_.answers["Link.SendCommand"] = {false}; },
-         L"Unable to update pressure offset", kSet},
-        {IDC_PRESSURE_SET,
-         [&] {
-             link_.answers["Link.SendCommand"] = {true, false};
-         },
-         L"Unable to update setup", std::string(kSet) + kSave},
+         "StartCollection\n", L"soc"},
     };
     for (const auto& row : cases) {
-        row.refuse();
+        row.prepare();
         EXPECT_FALSE(show([&](DialogDriver& driver) {
+            if (row.button == IDC_PRESSURE_STOP) click(driver, IDC_PRESSURE_START);
             driver.press(row.button);
             EXPECT_EQ(answerBox(driver, L"Error"), L"(stop) " + std::wstring(row.text));
             driver.waitFor(caption_);
-            EXPECT_EQ(buttons(driver), L"soc");
+            EXPECT_EQ(buttons(driver), row.buttons);
             driver.press(IDCANCEL);
         }));
         EXPECT_EQ(takeLog(), kPressureOpening + row.calls + kLeave + kRestoring);
     }
-    access_->starts = true;
-    access_->stops = false;
-    EXPECT_FALSE(show([&](DialogDriver& driver) {
-        click(driver, IDC_PRESSURE_START);
-        driver.press(IDC_PRESSURE_STOP);
-        EXPECT_EQ(answerBox(driver, L"Error"), L"(stop) Unable to stop calibration!");
-        driver.waitFor(caption_);
-        EXPECT_EQ(buttons(driver), L"pc");
-        driver.press(IDCANCEL);
-    }));
 }
 
 TEST_F(PressureTest, WithoutAnInstrumentThereIsNoDialog) {
