@@ -9,6 +9,7 @@
 #include "dialogs/connect/connect_kelgate_dialog.h"
 #include "dialogs/connect/connect_serial_dialog.h"
 #include "dialogs/connect/new_session_dialog.h"
+#include "dialogs/service/recorder_dialog.h"
 #include "interfaces/KelUtils.h"
 #include "resources/resource_ids.h"
 #include "script/preprocessor.h"
@@ -35,7 +36,8 @@ com::ClassRow table[] = {
      kCreate<connect::ConnectSerialDialog>},
     {L"UploadFirmwareDialog", &CLSID_UploadFirmwareDialog, IDR_UPLOADFIRMWAREDIALOG, createUnbuilt},
     {L"Preprocessor", &CLSID_Preprocessor, IDR_PREPROCESSOR, kCreate<script::Preprocessor>},
-    {L"RecorderDialog", &CLSID_RecorderDialog, IDR_RECORDERDIALOG, createUnbuilt},
+    {L"RecorderDialog", &CLSID_RecorderDialog, IDR_RECORDERDIALOG,
+     kCreate<service::RecorderDialog>},
     {L"CompassCalibDialog", &CLSID_CompassCalibDialog, IDR_COMPASSCALIBDIALOG, createUnbuilt},
     {L"HTMLWindow", &CLSID_HTMLWindow, IDR_HTMLWINDOW, createUnbuilt},
     {L"HTMLPageData", &CLSID_HTMLPageData, IDR_HTMLPAGEDATA, createUnbuilt},
