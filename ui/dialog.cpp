@@ -238,6 +238,8 @@ INT_PTR Dialog::process(UINT message, WPARAM wide, LPARAM longer) {
             break;
         case WM_NCDESTROY:
             SetWindowLongPtrW(std::exchange(window_, nullptr), DWLP_USER, 0);
+            // Where it goes inside of a sent message, its loop waits for the next one to see that.
+            if (isModal_) PostMessageW(nullptr, WM_NULL, 0, 0);
             destroyed();
             return FALSE;
         default:

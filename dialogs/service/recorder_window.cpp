@@ -18,6 +18,8 @@ namespace kel::service {
 namespace {
 
 constexpr std::size_t kLongestFolder = 520;
+constexpr UINT_PTR kRunHereTimer = 1;
+constexpr UINT kRunHereDelay = 10;  // milliseconds
 constexpr UINT kOnlyFolders = BIF_RETURNONLYFSDIRS | BIF_RETURNFSANCESTORS;
 
 com::Variant itemOf(const com::ComPtr<ICollection>& collection, long index) {
@@ -68,8 +70,10 @@ RecorderWindow::RecorderWindow(com::ObjectCore& component, com::ComPtr<IKelCommu
       worker_(recorder_, board_) {}
 
 RecorderWindow::~RecorderWindow() {
+    if (board_->operation == Operation::None) return;
+    board_->isCancelling = true;
     // Whether it takes that or not, its end is waited for.
-    if (board_->operation != Operation::None) recorder_->Abort();
+    recorder_->Abort();
 }
 
 int RecorderWindow::statusLine() const {
@@ -317,6 +321,7 @@ void RecorderWindow::whenIdle(const Step& step) {
         // It may have come to its end while the user thought about it.
         if (board_->operation != Operation::None) {
             cancelOperation();
+            worker_.withdraw();
             // What runs waits for something below on this thread's stack, which has to be left
             // first.
             if (question_ || worker_.isRunningHere()) {
@@ -359,7 +364,7 @@ std::optional<LRESULT> RecorderWindow::handle(UINT message, WPARAM, LPARAM longe
             showNews();
             return 0;
         case RecorderWorker::kRunHereMessage:
-            worker_.runHere();
+            runHere();
             return 0;
         case WM_DESTROY:
             storeSettings();
@@ -367,6 +372,20 @@ std::optional<LRESULT> RecorderWindow::handle(UINT message, WPARAM, LPARAM longe
         default:
             return std::nullopt;
     }
+}
+
+void RecorderWindow::timer(UINT_PTR) {
+    runHere();
+}
+
+// What has its loop or its call below on the stack could not come back before the end.
+void RecorderWindow::runHere() {
+    if (isWorking_ || isAsking_ || !IsWindowEnabled(window())) {
+        SetTimer(window(), kRunHereTimer, kRunHereDelay, nullptr);
+        return;
+    }
+    KillTimer(window(), kRunHereTimer);
+    worker_.runHere();
 }
 
 void RecorderWindow::showNews() {

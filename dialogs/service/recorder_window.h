@@ -26,6 +26,7 @@ protected:
     void initialise() override;
     bool command(int control, int notification) override;
     std::optional<LRESULT> handle(UINT message, WPARAM wide, LPARAM longer) override;
+    void timer(UINT_PTR) override;
     void destroyed() override;
     int statusLine() const override;
 
@@ -56,6 +57,7 @@ private:
     bool mayCancel();
     void cancelOperation();
 
+    void runHere();
     void showNews();
     void operationEnded();
     ReplaceAnswer confirmReplace(const wchar_t* fileName);

@@ -7,6 +7,7 @@ namespace kel::service {
 namespace {
 
 constexpr DWORD kStep = 10;  // milliseconds
+constexpr int kStepsToNextAbort = 50;
 
 // The thread is nobody's: agile objects are called there directly.
 class WorkerApartment {
@@ -29,14 +30,26 @@ bool RecorderWorker::start(com::ComPtr<ICollection> selection, const std::wstrin
     wait();
     selection_ = std::move(selection);
     folder_ = com::Bstr(folder);
-    if (!isAgile_) return PostMessageW(board_->window, kRunHereMessage, 0, 0) != 0;
-    passedRecorder_.emplace(recorder_);
-    if (selection_) passedSelection_.emplace(selection_);
+    if (!isAgile_ || !pass()) {
+        isDueHere_ = PostMessageW(board_->window, kRunHereMessage, 0, 0) != 0;
+        return isDueHere_;
+    }
     com::lockModule();
     thread_ = com::UniqueHandle<ThreadTraits>(
         CreateThread(nullptr, 0, threadProcedure, this, 0, nullptr));
     if (!thread_) com::unlockModule();
     return static_cast<bool>(thread_);
+}
+
+// False where the selection can be read on this thread only.
+bool RecorderWorker::pass() {
+    passedRecorder_.emplace(recorder_);
+    try {
+        if (selection_) passedSelection_.emplace(selection_);
+        return true;
+    } catch (const com::Error&) {
+        return false;
+    }
 }
 
 DWORD WINAPI RecorderWorker::threadProcedure(void* worker) {
@@ -56,10 +69,18 @@ void RecorderWorker::runOnThread() noexcept {
 }
 
 void RecorderWorker::runHere() {
-    // What was posted may have been overtaken by the dialog's end.
-    if (board_->operation == Operation::None || isRunningHere_) return;
+    if (!std::exchange(isDueHere_, false)) return;
     const com::Scoped running(isRunningHere_, true);
     attempt([&] { work(recorder_, selection_); });
+}
+
+void RecorderWorker::withdraw() noexcept {
+    if (std::exchange(isDueHere_, false)) tellEnd();
+}
+
+void RecorderWorker::tellEnd() noexcept {
+    board_->operation = Operation::None;
+    board_->tell([](RecorderNews& news) { news.hasEnded = true; });
 }
 
 template <class Work>
@@ -74,8 +95,7 @@ void RecorderWorker::attempt(Work&& work) noexcept {
         } catch (const std::bad_alloc&) {
         }
     }
-    board_->operation = Operation::None;
-    board_->tell([](RecorderNews& news) { news.hasEnded = true; });
+    tellEnd();
 }
 
 void RecorderWorker::work(const com::ComPtr<IRecorderAccess>& recorder,
@@ -97,7 +117,9 @@ void RecorderWorker::wait() noexcept {
         // COM's own; those it takes too.
         HANDLE thread = thread_.get();
         DWORD index = 0;
-        while (CoWaitForMultipleHandles(0, kStep, 1, &thread, &index) != S_OK) {
+        for (int step = 1; CoWaitForMultipleHandles(0, kStep, 1, &thread, &index) != S_OK; ++step) {
+            // What was aborted before the recorder had begun may have begun all the same.
+            if (board_->isCancelling && step % kStepsToNextAbort == 0) recorder_->Abort();
         }
         thread_ = {};
     }

@@ -15,10 +15,12 @@
 namespace kel::service {
 
 // Belongs to the dialog's thread. A recorder that is agile is called on a thread of its own; any
-// other on the dialog's, which does not get further then unless the recorder runs its messages.
+// other on the dialog's, which does not get further then unless the recorder runs its messages. So
+// is an agile one where the link's collections can neither be read nor be passed elsewhere.
 class RecorderWorker {
 public:
-    // Posted to the dialog, which calls runHere() then.
+    // Posted to the dialog, which calls runHere() then, or as soon as nothing on its stack waits
+    // for the user or the recorder.
     static constexpr UINT kRunHereMessage = WM_APP + 1;
 
     RecorderWorker(com::ComPtr<IRecorderAccess> recorder, std::shared_ptr<RecorderBoard> board);
@@ -33,21 +35,24 @@ public:
 
     void runHere();
     bool isRunningHere() const { return isRunningHere_; }
+    // What has not begun to run here never does.
+    void withdraw() noexcept;
 
     // Waits until nothing runs on another thread. Meanwhile this one takes what others send and
     // call, but no input.
     void wait() noexcept;
 
 private:
-    struct Task;
     struct ThreadTraits {
         using Type = HANDLE;
         static Type none() { return nullptr; }
         static void close(Type handle) { CloseHandle(handle); }
     };
 
+    bool pass();
     static DWORD WINAPI threadProcedure(void* worker);
     void runOnThread() noexcept;
+    void tellEnd() noexcept;
     template <class Work>
     void attempt(Work&& work) noexcept;
     void work(const com::ComPtr<IRecorderAccess>& recorder,
@@ -56,6 +61,7 @@ private:
     com::ComPtr<IRecorderAccess> recorder_;
     std::shared_ptr<RecorderBoard> board_;
     const bool isAgile_;
+    bool isDueHere_ = false;
     bool isRunningHere_ = false;
 
     com::UniqueHandle<ThreadTraits> thread_;
