@@ -84,6 +84,11 @@ RecorderRows RecorderWindow::rows() const {
     return RecorderRows(control(IDC_RECORDER_LIST));
 }
 
+// At once, controls included: what follows may take long.
+void RecorderWindow::update() {
+    RedrawWindow(window(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+}
+
 // Over what is open already: only the uppermost box takes input then.
 int RecorderWindow::showBox(const std::wstring& text, const std::wstring& caption, UINT style) {
     return MessageBoxW(GetLastActivePopup(window()), text.c_str(), caption.c_str(), style);
@@ -95,7 +100,7 @@ void RecorderWindow::initialise() {
     tellLinkRate();
     rows().addColumns();
     ShowWindow(window(), SW_SHOW);
-    UpdateWindow(window());
+    update();
     fillSettings();
     applyRate();
     if (!isClosing_) readDirectory();
@@ -168,7 +173,7 @@ void RecorderWindow::readDirectory() {
     setText(IDC_RECORDER_USED, L"");
     setText(IDC_RECORDER_FREE, L"");
     setText(IDC_RECORDER_STATE, L"Reading directory...");
-    UpdateWindow(window());
+    update();
     try {
         readFiles();
     } catch (...) {
@@ -330,8 +335,7 @@ void RecorderWindow::whenIdle(const Step& step) {
                 return;
             }
         }
-        const com::Scoped waiting(isWaiting_, true);
-        worker_.wait();
+        waitForWorker();
     }
     showNews();
     if (step) step();
@@ -403,8 +407,13 @@ void RecorderWindow::showNews() {
     if (news.hasEnded) operationEnded();
 }
 
-void RecorderWindow::operationEnded() {
+void RecorderWindow::waitForWorker() {
+    const com::Scoped waiting(isWaiting_, true);
     worker_.wait();
+}
+
+void RecorderWindow::operationEnded() {
+    waitForWorker();
     setText(IDC_RECORDER_DOWNLOAD, L"Download");
     if (const Step next = std::exchange(next_, {})) next();
 }

@@ -59,11 +59,13 @@ private:
 
     void runHere();
     void showNews();
+    void waitForWorker();
     void operationEnded();
     ReplaceAnswer confirmReplace(const wchar_t* fileName);
     void close();
 
     RecorderRows rows() const;
+    void update();
     int showBox(const std::wstring& text, const std::wstring& caption, UINT style);
 
     com::ComPtr<IKelCommunicator> link_;

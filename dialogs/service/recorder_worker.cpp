@@ -27,7 +27,6 @@ RecorderWorker::RecorderWorker(com::ComPtr<IRecorderAccess> recorder,
       isAgile_(com::isAgile(recorder_.Get())) {}
 
 bool RecorderWorker::start(com::ComPtr<ICollection> selection, const std::wstring& folder) {
-    wait();
     selection_ = std::move(selection);
     folder_ = com::Bstr(folder);
     if (!isAgile_ || !pass()) {

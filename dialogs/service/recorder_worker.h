@@ -29,8 +29,8 @@ public:
     RecorderWorker(const RecorderWorker&) = delete;
     RecorderWorker& operator=(const RecorderWorker&) = delete;
 
-    // Starts what the board says when nothing runs any more; its end is news on the board. False
-    // where that cannot be started. Throws com::Error.
+    // Starts what the board says; its end is news on the board, after which wait() comes before the
+    // next start. False where it cannot be started. Throws com::Error.
     bool start(com::ComPtr<ICollection> selection, const std::wstring& folder);
 
     void runHere();
