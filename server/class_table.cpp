@@ -11,6 +11,7 @@
 #include "dialogs/connect/new_session_dialog.h"
 #include "dialogs/service/compass_calib_dialog.h"
 #include "dialogs/service/pressure_offset_dialog.h"
+#include "dialogs/service/recorder_dialog.h"
 #include "dialogs/service/upload_firmware_dialog.h"
 #include "html/kel_objects.h"
 #include "html/kel_script.h"
@@ -42,7 +43,8 @@ com::ClassRow table[] = {
     {L"UploadFirmwareDialog", &CLSID_UploadFirmwareDialog, IDR_UPLOADFIRMWAREDIALOG,
      kCreate<service::UploadFirmwareDialog>},
     {L"Preprocessor", &CLSID_Preprocessor, IDR_PREPROCESSOR, kCreate<script::Preprocessor>},
-    {L"RecorderDialog", &CLSID_RecorderDialog, IDR_RECORDERDIALOG, createUnbuilt},
+    {L"RecorderDialog", &CLSID_RecorderDialog, IDR_RECORDERDIALOG,
+     kCreate<service::RecorderDialog>},
     {L"CompassCalibDialog", &CLSID_CompassCalibDialog, IDR_COMPASSCALIBDIALOG,
      kCreate<service::CompassCalibDialog>},
     {L"HTMLWindow", &CLSID_HTMLWindow, IDR_HTMLWINDOW, createUnbuilt},

@@ -238,6 +238,9 @@ INT_PTR Dialog::process(UINT message, WPARAM wide, LPARAM longer) {
             break;
         case WM_NCDESTROY:
             SetWindowLongPtrW(std::exchange(window_, nullptr), DWLP_USER, 0);
+            // Inside a message that another thread sent, its loop waits for the next one to see
+            // that.
+            if (isModal_ && InSendMessage()) PostMessageW(nullptr, WM_NULL, 0, 0);
             destroyed();
             return FALSE;
         default:

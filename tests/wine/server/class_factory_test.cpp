@@ -21,7 +21,7 @@ ComPtr<IClassFactory> factoryOf(REFCLSID identifier) {
 
 bool isBuilt(const ExpectedClass& row) {
     static const std::set<std::string> unbuilt{"DataGrid", "HTMLChildWindow", "HTMLPageData",
-                                               "HTMLWindow", "RecorderDialog"};
+                                               "HTMLWindow"};
     return row.registryScript != 0 && !unbuilt.contains(row.name);
 }
 

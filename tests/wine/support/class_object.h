@@ -5,18 +5,26 @@
 
 #include <unknwn.h>
 
+#include <functional>
+#include <utility>
+
 #include "com/object.h"
 
 namespace kel::test {
 
-// Whoever creates an object of the class gets this one; for null, creation fails.
 class ClassObject {
 public:
-    ClassObject(REFCLSID identifier, IUnknown* object) {
+    using Maker = std::function<com::ComPtr<IUnknown>()>;
+
+    // Whoever creates an object of the class gets what is made; for null, creation fails.
+    ClassObject(REFCLSID identifier, Maker make) {
         com::check(CoRegisterClassObject(identifier,
-                                         com::makeObject<Factory>(object)->controlling(),
+                                         com::makeObject<Factory>(std::move(make))->controlling(),
                                          CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie_));
     }
+    // The same one for all.
+    ClassObject(REFCLSID identifier, IUnknown* object)
+        : ClassObject(identifier, [object = com::ComPtr<IUnknown>(object)] { return object; }) {}
     ~ClassObject() { CoRevokeClassObject(cookie_); }
     ClassObject(const ClassObject&) = delete;
     ClassObject& operator=(const ClassObject&) = delete;
@@ -25,14 +33,15 @@ private:
     class Factory final : public com::Object<Factory, com::Plain<IClassFactory>> {
     public:
         static constexpr com::ClassDescription kClass{};
-        explicit Factory(IUnknown* object) : object_(object) {}
+        explicit Factory(Maker make) : make_(std::move(make)) {}
         STDMETHODIMP CreateInstance(IUnknown*, REFIID iid, void** result) override {
-            return object_ ? object_->QueryInterface(iid, result) : E_FAIL;
+            const com::ComPtr<IUnknown> object = make_();
+            return object ? object->QueryInterface(iid, result) : E_FAIL;
         }
         STDMETHODIMP LockServer(BOOL) override { return S_OK; }
 
     private:
-        com::ComPtr<IUnknown> object_;
+        Maker make_;
     };
 
     DWORD cookie_ = 0;

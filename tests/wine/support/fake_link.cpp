@@ -229,6 +229,10 @@ public:
     STDMETHODIMP put_SDI12Mode(VARIANT_BOOL) override { return E_NOTIMPL; }
 
 private:
+    HRESULT findElsewhere(REFIID iid, void** result) override {
+        return link_.access ? link_.access->QueryInterface(iid, result) : E_NOINTERFACE;
+    }
+
     FakeLink& link_;
 };
 

@@ -56,6 +56,9 @@ public:
     // Where it is set, waits find only what stands in it.
     std::optional<std::string> received;
 
+    // What the communicator answers besides its own interface, where there is something.
+    com::ComPtr<IUnknown> access;
+
     IKelCommunicator* communicator() const { return communicator_.Get(); }
     IKelStream* port() const { return port_.Get(); }
     // A network stream that tells what it does here too.

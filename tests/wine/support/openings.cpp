@@ -5,12 +5,14 @@
 #include <ostream>
 
 #include "com/text.h"
+#include "com/variant.h"
 #include "interfaces/KelUtils.h"
 #include "interfaces/link_classes.h"
 #include "settings/vocabulary.h"
 #include "tests/support/cases.h"
 #include "tests/wine/service/fake_compass.h"
 #include "tests/wine/service/fake_pressure.h"
+#include "tests/wine/service/fake_recorder.h"
 #include "tests/wine/support/class_object.h"
 #include "tests/wine/support/dialog_driver.h"
 #include "tests/wine/support/fake_link.h"
@@ -53,6 +55,21 @@ void remember(const std::string& line) {
         RegSetKeyValueA(HKEY_CURRENT_USER, section.c_str(), value.c_str(), REG_SZ, text.c_str(),
                         static_cast<DWORD>(text.size() + 1));
     }
+}
+
+// Its files are all there already.
+com::ComPtr<FakeRecorder> makeRecorder() {
+    const auto recorder = com::makeObject<FakeRecorder>(false);
+    for (int number = 1; number <= 12; ++number)
+        recorder->files.push_back({L"DATA" + std::to_wstring(number + 100) + L".BIN",
+                                   (number * 7919LL) << number, 45000.31 + number});
+    recorder->used = 91LL << 20;
+    recorder->capacity = 4LL << 30;
+    recorder->operation = [recorder = recorder.Get()] {
+        recorder->fire(4, {com::Variant(L"DATA101.BIN")});
+        return true;
+    };
+    return recorder;
 }
 
 }  // namespace
@@ -103,6 +120,8 @@ void open(const Opening& opening, const std::function<void(HWND)>& look) {
                               com::makeObject<FakeCompass>()->controlling());
     const ClassObject pressure(link::kPressureAccessClass,
                                com::makeObject<FakePressure>()->controlling());
+    link.access = makeRecorder()->controlling();
+    const ClassObject collections(link::kCollectionClass, [] { return makeCollection(false); });
     const auto object = kelUtils().create<IDispatch>(component);
     com::ComPtr<IKelModalDialog> dialog;
     if (SUCCEEDED(object.As(&dialog))) com::check(dialog->put_Communicator(link.communicator()));
