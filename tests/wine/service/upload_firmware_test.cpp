@@ -24,7 +24,6 @@ namespace kel::test {
 namespace {
 
 constexpr wchar_t kUploadCaption[] = L"Update firmware - new.hex";
-constexpr char kStored[] = "Software\\Kelvra\\Components\\UploadFirmwareDialog";
 constexpr char kSaved[] = "EchoWindow\nIdleProcessing\nEchoWindow = 0\nIdleProcessing = -1\n";
 constexpr char kRestored[] = "EchoWindow = 42\nIdleProcessing = 0\n";
 constexpr char kWoken[] = "Link.FastConnection = 0\nLink.WakeUpInstrument\n";
@@ -54,15 +53,18 @@ protected:
         };
         dialog_->put_Communicator(link_.communicator());
         setFile(L"new.hex");
+        std::filesystem::create_directories(folder_ / "alone.kfc");
+        std::filesystem::current_path(folder_);
+        for (const char* const name : {"new.hex", "new.kfc"})
+            std::ofstream(name) << ":00000001FF\n";
     }
-    ~UploadFirmwareTest() override { std::filesystem::remove_all(folder_); }
+    ~UploadFirmwareTest() override {
+        DestroyWindow(owner_);
+        std::filesystem::current_path(folder_.parent_path());
+        std::filesystem::remove_all(folder_);
+    }
 
     void setFile(const std::wstring& path) { dialog_->put_FilePath(com::Bstr(path).get()); }
-    std::wstring makeFile(const wchar_t* name) {
-        std::filesystem::create_directory(folder_);
-        std::ofstream(folder_ / name) << ":00000001FF\n";
-        return (folder_ / name).wstring();
-    }
     bool show(const std::function<void(DialogDriver&)>& steps,
               const std::wstring& caption = kUploadCaption, HRESULT expected = S_OK) {
         VARIANT_BOOL result = 7;
@@ -70,11 +72,11 @@ protected:
             window_ = driver.waitFor(caption);
             steps(driver);
         });
-        EXPECT_EQ(dialog_->ShowModal(0, &result), expected);
+        IUploadFirmwareDialog* const dialog = dialog_.Get();
+        EXPECT_EQ(dialog->ShowModal(HandleToLong(owner_), &result), expected);
         return result == VARIANT_TRUE;
     }
     static void start(DialogDriver& driver) { driver.press(IDOK); }
-    static void cancel(DialogDriver& driver) { driver.press(IDCANCEL); }
     static void escape(DialogDriver& driver) { driver.key(VK_ESCAPE); }
     static void waitForStatus(DialogDriver& driver, const wchar_t* text) {
         driver.waitUntil("the status line",
@@ -88,26 +90,14 @@ protected:
     }
     LRESULT bar() const { return SendDlgItemMessageW(window_, IDC_FIRMWARE_BAR, PBM_GETPOS, 0, 0); }
 
-    std::string takeLog() {
-        std::string log;
-        for (const std::string& call : std::exchange(link_.calls, {}))
-            log += call + "\n";
-        return log;
-    }
-    static void remember(const std::string& file) {
-        RegSetKeyValueA(HKEY_CURRENT_USER, kStored, "LastUsedFile", REG_SZ, file.c_str(),
-                        static_cast<DWORD>(file.size() + 1));
-    }
-    static std::string remembered() {
-        char file[500] = "";
-        DWORD size = sizeof file;
-        RegGetValueA(HKEY_CURRENT_USER, kStored, "LastUsedFile", RRF_RT_REG_SZ, nullptr, file,
-                     &size);
-        return file;
+    bool isRemembered(const std::string& file) const {
+        return joined(sandbox_.listing()).find("LastUsedFile = \"" + file) != std::string::npos;
     }
 
     int calls_ = 0;
     int failing_ = -1;
+    const HWND owner_ = CreateWindowW(L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 99, 99, nullptr,
+                                      nullptr, nullptr, nullptr);
     HWND window_ = nullptr;
     const std::filesystem::path folder_ = std::filesystem::temp_directory_path() /
                                           ("kel-firmware." + std::to_string(GetCurrentProcessId()));
@@ -123,76 +113,58 @@ protected:
 };
 
 TEST_F(UploadFirmwareTest, LoadsAsTheUserWants) {
-    const std::wstring pair = makeFile(L"two.hex");
-    const std::string path = com::narrow(pair);
-    const std::string companion = com::narrow(makeFile(L"two.kfc"));
-    std::filesystem::create_directory(folder_ / "one.kfc");
-    const std::string folder = folder_.string();
     const struct {
         std::wstring file;
         std::vector<int> clicks;
         const wchar_t* code;
-        std::string calls;
+        const char* calls;
         bool knowsCompanions = true;
     } rows[] = {
-        {L"fw/new.hex",
+        {L"new.hex",
          {},
          L"",
-         "PackageFile = 0\nAdvise\nUpload fw/new.hex 0 57600 0\nVerify fw/new.hex 0\n"},
-        {L"a\\b.KfH",
-         {IDC_FIRMWARE_HEXADECIMAL, IDC_FIRMWARE_FAST},
+         "0\nCompanionFile = new.kfc\nAdvise\nUpload new.hex 0 57600 0\nVerify new.hex 0\n"},
+        {L"new.hex",
+         {IDC_FIRMWARE_VERIFY},
          L"-12",
-         "PackageFile = -1\nAdvise\nUpload a\\b.KfH -1 9600 -12\nVerify a\\b.KfH -1\n"},
-        {pair,
-         {IDC_FIRMWARE_VERIFY},
-         L"",
-         "PackageFile = 0\nCompanionFile = " + companion + "\nAdvise\nUpload " + path +
-             " 0 57600 0\n"},
-        {pair,
-         {IDC_FIRMWARE_VERIFY},
-         L"",
-         "PackageFile = 0\nAdvise\nUpload " + path + " 0 57600 0\n",
+         "0\nAdvise\nUpload new.hex 0 57600 -12\n",
          false},
-        {com::widen(folder) + L"/one.hex",
-         {IDC_FIRMWARE_VERIFY},
-         L"0",
-         "PackageFile = 0\nAdvise\nUpload " + folder + "/one.hex 0 57600 0\n"},
+        {L"a/b.KfH",
+         {IDC_FIRMWARE_HEXADECIMAL, IDC_FIRMWARE_FAST},
+         L"",
+         "-1\nAdvise\nUpload a/b.KfH -1 9600 0\nVerify a/b.KfH -1\n"},
+        {L"alone.hex", {IDC_FIRMWARE_VERIFY}, L"", "0\nAdvise\nUpload alone.hex 0 57600 0\n"},
     };
+    std::wstring code;
     for (const auto& row : rows) {
         uploader_->knowsCompanions = row.knowsCompanions;
         link_.answers["Link.WakeUpInstrument"] = {false};
         setFile(row.file);
         EXPECT_TRUE(show(
             [&](DialogDriver& driver) {
+                // Of all that was chosen before, only the code is remembered.
+                EXPECT_EQ(driver.text(IDC_FIRMWARE_ACCESS_CODE), code);
+                code = row.code;
                 for (const int button : row.clicks)
                     driver.send(driver.control(button), BM_CLICK);
                 driver.setText(IDC_FIRMWARE_ACCESS_CODE, row.code);
                 start(driver);
             },
-            L"Update firmware - " + row.file.substr(row.file.find_last_of(L"\\/") + 1)));
-        EXPECT_EQ(takeLog(), std::string(kSaved) + "Attach\n" + row.calls + kRestored + kWoken);
+            L"Update firmware - " + row.file.substr(row.file.find(L'/') + 1)));
+        EXPECT_EQ(link_.takeWork(),
+                  std::string(kSaved) + "Attach\nPackageFile = " + row.calls + kRestored + kWoken);
     }
-    EXPECT_EQ(remembered(), "");
+    EXPECT_FALSE(isRemembered(""));
 }
 
-TEST_F(UploadFirmwareTest, RemembersTheAccessCodeOnly) {
+TEST_F(UploadFirmwareTest, RefusesACodeThatIsNoNumber) {
     EXPECT_FALSE(show([](DialogDriver& driver) {
-        EXPECT_EQ(driver.text(IDC_FIRMWARE_ACCESS_CODE), L"");
         driver.setText(IDC_FIRMWARE_ACCESS_CODE, L"12a");
         start(driver);
         waitForStatus(driver, L"The access code must be a whole number");
-        cancel(driver);
-    }));
-    EXPECT_TRUE(show([](DialogDriver& driver) {
-        driver.setText(IDC_FIRMWARE_ACCESS_CODE, L" -7 ");
-        driver.send(driver.control(IDC_FIRMWARE_HEXADECIMAL), BM_CLICK);
-        start(driver);
-    }));
-    EXPECT_FALSE(show([](DialogDriver& driver) {
-        EXPECT_EQ(driver.text(IDC_FIRMWARE_ACCESS_CODE), L"-7");
-        EXPECT_EQ(driver.send(driver.control(IDC_FIRMWARE_BINARY), BM_GETCHECK), BST_CHECKED);
         escape(driver);
     }));
+    EXPECT_EQ(link_.takeWork(), "");
 }
 
 TEST_F(UploadFirmwareTest, AFailureLeavesOnlyTheWayOut) {
@@ -205,20 +177,18 @@ TEST_F(UploadFirmwareTest, AFailureLeavesOnlyTheWayOut) {
         const wchar_t* status;
         std::function<void(DialogDriver&)> leave;
     } rows[] = {
-        {false, nullptr, L"The firmware was not loaded", close},
+        {false, L"", L"The firmware was not loaded", close},
         {false, L"Wrong code", L"Wrong code", escape},
-        {true, nullptr, L"The firmware is loaded, but differs from the file", escape},
+        {true, L"", L"The firmware is loaded, but differs from the file", escape},
         {true, L"Block 3 differs", L"Block 3 differs", close},
     };
     for (const auto& row : rows) {
-        uploader_->onUpload = [&] {
-            uploader_->say(!row.isUploaded && row.said ? row.said : L"");
-            return row.isUploaded;
-        };
-        uploader_->onVerify = [&] {
-            if (row.said) uploader_->say(row.said);
+        const auto fail = [&] {
+            uploader_->say(row.said);
             return false;
         };
+        uploader_->onUpload = [&] { return row.isUploaded || fail(); };
+        uploader_->onVerify = fail;
         EXPECT_FALSE(show([&](DialogDriver& driver) {
             uploadProcedure = reinterpret_cast<DLGPROC>(SetWindowLongPtrW(
                 driver.window(), DWLP_DLGPROC, reinterpret_cast<LONG_PTR>(behaveAsWindows)));
@@ -230,13 +200,14 @@ TEST_F(UploadFirmwareTest, AFailureLeavesOnlyTheWayOut) {
                   IDC_FIRMWARE_VERIFY, IDC_FIRMWARE_FAST, IDOK, IDCANCEL})
                 EXPECT_FALSE(IsWindowEnabled(driver.control(control))) << control;
             row.leave(driver);
+            driver.waitUntil("it is closed", [&] { return !IsWindow(driver.window()); });
         }));
-        EXPECT_TRUE(takeLog().ends_with(kRestored));
+        EXPECT_TRUE(link_.takeWork().ends_with(kRestored));
         EXPECT_FALSE(uploader_->isHeard());
     }
 }
 
-TEST_F(UploadFirmwareTest, ShowsTheTransferAndDoesNotEndInTheMiddle) {
+TEST_F(UploadFirmwareTest, ShowsTheTransferAndEndsWithIt) {
     tickCount = 50000;
     uploader_->onUpload = [&] {
         EXPECT_EQ(status(), L"Loading the firmware");
@@ -255,40 +226,23 @@ TEST_F(UploadFirmwareTest, ShowsTheTransferAndDoesNotEndInTheMiddle) {
         }
         PostMessageW(window_, WM_COMMAND, IDOK, 0);
         com::runWaitingMessages();
-        setFile(L"other.hex");
-        dialog_->put_Communicator(nullptr);
         return true;
     };
     uploader_->onVerify = [&] {
         EXPECT_EQ(status(), L"Verifying the firmware");
         EXPECT_EQ(bar(), 0);
-        return true;
-    };
-    EXPECT_TRUE(show(start));
-    EXPECT_EQ(takeLog(), std::string(kSaved) +
-                             "Attach\nPackageFile = 0\nAdvise\nUpload new.hex 0 57600 0\n"
-                             "Verify new.hex 0\n" +
-                             kRestored + kWoken);
-}
-
-TEST_F(UploadFirmwareTest, OutlivesItsOwnerAndItsHost) {
-    const HWND owner = CreateWindowW(L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 99, 99, nullptr,
-                                     nullptr, nullptr, nullptr);
-    IUploadFirmwareDialog* dialog = dialog_.Get();
-    uploader_->onUpload = [&] {
-        DestroyWindow(owner);
+        DestroyWindow(owner_);
         dialog_.Reset();
         uploader_->progress(1, 2);
         return true;
     };
-    VARIANT_BOOL result = 7;
-    DialogDriver user([](DialogDriver& driver) {
-        driver.waitFor(kUploadCaption);
-        start(driver);
-    });
-    EXPECT_EQ(dialog->ShowModal(HandleToLong(owner), &result), S_OK);
-    EXPECT_EQ(result, VARIANT_TRUE);
-    EXPECT_TRUE(takeLog().ends_with(kWoken));
+    EXPECT_TRUE(show(start));
+    EXPECT_EQ(
+        link_.takeWork(),
+        std::string(kSaved) +
+            "Attach\nPackageFile = 0\nCompanionFile = new.kfc\nAdvise\nUpload new.hex 0 57600 0\n"
+            "Verify new.hex 0\n" +
+            kRestored + kWoken);
 }
 
 TEST_F(UploadFirmwareTest, WithoutAnUploaderNothingIsLoaded) {
@@ -302,7 +256,7 @@ TEST_F(UploadFirmwareTest, WithoutAnUploaderNothingIsLoaded) {
         driver.waitFor(kUploadCaption);
         escape(driver);
     }));
-    EXPECT_EQ(takeLog(), std::string(kSaved) + kRestored);
+    EXPECT_EQ(link_.takeWork(), std::string(kSaved) + kRestored);
     link_.hasPort = false;
     EXPECT_FALSE(show([](DialogDriver& driver) {
         start(driver);
@@ -312,8 +266,6 @@ TEST_F(UploadFirmwareTest, WithoutAnUploaderNothingIsLoaded) {
 }
 
 TEST_F(UploadFirmwareTest, EveryCallOfTheLinkMayFail) {
-    setFile(makeFile(L"new.hex"));
-    makeFile(L"new.kfc");
     EXPECT_TRUE(show(start));
     const std::vector<std::string> all = std::exchange(link_.calls, {});
     ASSERT_EQ(all.size(), 14u);
@@ -340,51 +292,45 @@ TEST_F(UploadFirmwareTest, EveryCallOfTheLinkMayFail) {
     }
 }
 
-TEST_F(UploadFirmwareTest, AsksForAFileWhereItHasNone) {
-    const std::wstring path = makeFile(L"new.hex");
-    remember(com::narrow(makeFile(L"old.hex")));
-    setFile(L"");
-    EXPECT_FALSE(show(cancel, L"Open"));
-    EXPECT_NE(remembered(), com::narrow(path));
-    EXPECT_FALSE(show(
-        [&](DialogDriver& driver) {
-            EXPECT_EQ(driver.text(cmb13), L"old.hex");
-            driver.setText(cmb13, path);
-            driver.press(IDOK);
-            driver.waitFor(kUploadCaption);
-            cancel(driver);
-        },
-        L"Open"));
-    EXPECT_EQ(remembered(), com::narrow(path));
-    com::Bstr chosen;
-    dialog_->get_FilePath(chosen.put());
-    EXPECT_EQ(chosen.view(), path);
-    EXPECT_EQ(takeLog(), "");
-}
-
-// A chooser that takes no name, and is cancelled without one.
+// The platform's chooser where names with a bar are impossible.
 std::wstring offers;
-BOOL WINAPI refuseNames(OPENFILENAMEW* question) {
-    offers = std::wstring(question->lpstrFile) + L";" + question->lpstrDefExt;
+decltype(GetOpenFileNameW)* chooseAnyName = nullptr;
+BOOL WINAPI chooseName(OPENFILENAMEW* question) {
+    offers += std::wstring(question->lpstrFile) + L";" + question->lpstrDefExt + L";";
     for (const wchar_t* part = question->lpstrFilter; *part != L'\0'; part += wcslen(part) + 1)
-        offers.append(L";").append(part);
-    return FALSE;
+        offers.append(part).append(L";");
+    return !wcschr(question->lpstrFile, L'|') && chooseAnyName(question);
 }
 DWORD WINAPI tellRefusal() {
-    return offers.front() == L';' ? 0 : FNERR_INVALIDFILENAME;
+    return FNERR_INVALIDFILENAME;
 }
 
-TEST_F(UploadFirmwareTest, AsksWithoutANameThatIsImpossible) {
+TEST_F(UploadFirmwareTest, AsksForAFileWhereItHasNone) {
     const ImportPatch chooser(kelUtils().module(), "GetOpenFileNameW",
-                              reinterpret_cast<void*>(refuseNames));
+                              reinterpret_cast<void*>(chooseName));
     const ImportPatch error(kelUtils().module(), "CommDlgExtendedError",
                             reinterpret_cast<void*>(tellRefusal));
-    remember("C:\\new|.hex");
+    chooseAnyName = chooser.original<decltype(GetOpenFileNameW)>();
+    RegSetKeyValueA(HKEY_CURRENT_USER, "Software\\Kelvra\\Components\\UploadFirmwareDialog",
+                    "LastUsedFile", REG_SZ, "C:\\old|.hex", 12);
     setFile(L"");
-    VARIANT_BOOL result = 7;
-    EXPECT_EQ(dialog_->ShowModal(0, &result), S_OK);
-    EXPECT_EQ(result, VARIANT_FALSE);
-    EXPECT_EQ(offers, L";hex;Firmware Hex Files (.hex);*.hex;Kelvra firmware files (.kfh);*.kfh");
+    EXPECT_FALSE(show(
+        [&](DialogDriver& driver) {
+            driver.setText(cmb13, (folder_ / "new.hex").wstring());
+            EXPECT_TRUE(isRemembered("C:\\old|.hex"));
+            driver.press(IDOK);
+            driver.waitFor(kUploadCaption);
+            driver.press(IDCANCEL);
+        },
+        L"Open"));
+    const std::wstring kinds =
+        L";hex;Firmware Hex Files (.hex);*.hex;Kelvra firmware files (.kfh);*.kfh;";
+    EXPECT_EQ(offers, L"C:\\old|.hex" + kinds + kinds);
+    com::Bstr chosen;
+    dialog_->get_FilePath(chosen.put());
+    EXPECT_EQ(chosen.view(), (folder_ / "new.hex").wstring());
+    EXPECT_TRUE(isRemembered((folder_ / "new.hex").string()));
+    EXPECT_EQ(link_.takeWork(), "");
 }
 
 }  // namespace
