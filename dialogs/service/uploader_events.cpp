@@ -66,7 +66,7 @@ UploaderEvents::UploaderEvents(const com::ComPtr<IFirmwareUploader>& uploader,
                                UploadListener& listener)
     : sink_(com::makeObject<Sink>(listener)) {
     com::ComPtr<IConnectionPointContainer> container;
-    com::check(uploader.As(&container), uploader);
+    if (FAILED(uploader.As(&container))) return;
     com::check(container->FindConnectionPoint(__uuidof(_IFirmwareUploaderEvents), &point_),
                container);
     com::check(point_->Advise(sink_->controlling(), &cookie_), point_);
@@ -74,7 +74,7 @@ UploaderEvents::UploaderEvents(const com::ComPtr<IFirmwareUploader>& uploader,
 
 UploaderEvents::~UploaderEvents() {
     sink_->leave();
-    point_->Unadvise(cookie_);
+    if (point_) point_->Unadvise(cookie_);
 }
 
 }  // namespace kel::service

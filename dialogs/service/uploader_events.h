@@ -26,7 +26,8 @@ protected:
 // The listener hears an uploader as long as this lives, even where the uploader goes on to fire.
 class UploaderEvents {
 public:
-    // Throws com::Error when the uploader refuses.
+    // Of an uploader without events there is nothing to hear. Throws com::Error when one that has
+    // them refuses.
     UploaderEvents(const com::ComPtr<IFirmwareUploader>& uploader, UploadListener& listener);
     ~UploaderEvents();
     UploaderEvents(const UploaderEvents&) = delete;

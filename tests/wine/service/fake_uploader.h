@@ -23,7 +23,8 @@ public:
     // What happens in the middle of an upload or a verification, and its answer.
     std::function<bool()> onUpload = [] { return true; };
     std::function<bool()> onVerify = [] { return true; };
-    bool knowsCompanions = true;
+    // Takes one file, and tells nothing.
+    bool isPlain = false;
 
     void say(std::wstring_view text) { events_.fire(1, {com::Variant(text)}); }
     void progress(long done, long total) {
@@ -68,8 +69,9 @@ public:
 
 protected:
     void* findInterface(REFIID iid) override {
-        if (iid == __uuidof(IFirmwareUploader2) && !knowsCompanions) return nullptr;
-        return Object::findInterface(iid);
+        const bool isExtra =
+            iid == __uuidof(IFirmwareUploader2) || iid == IID_IConnectionPointContainer;
+        return isExtra && isPlain ? nullptr : Object::findInterface(iid);
     }
 
 private:

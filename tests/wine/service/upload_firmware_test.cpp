@@ -118,17 +118,13 @@ TEST_F(UploadFirmwareTest, LoadsAsTheUserWants) {
         std::vector<int> clicks;
         const wchar_t* code;
         const char* calls;
-        bool knowsCompanions = true;
+        bool isPlain = false;
     } rows[] = {
         {L"new.hex",
          {},
          L"",
          "0\nCompanionFile = new.kfc\nAdvise\nUpload new.hex 0 57600 0\nVerify new.hex 0\n"},
-        {L"new.hex",
-         {IDC_FIRMWARE_VERIFY},
-         L"-12",
-         "0\nAdvise\nUpload new.hex 0 57600 -12\n",
-         false},
+        {L"new.hex", {IDC_FIRMWARE_VERIFY}, L"-12", "0\nUpload new.hex 0 57600 -12\n", true},
         {L"a/b.KfH",
          {IDC_FIRMWARE_HEXADECIMAL, IDC_FIRMWARE_FAST},
          L"",
@@ -137,7 +133,7 @@ TEST_F(UploadFirmwareTest, LoadsAsTheUserWants) {
     };
     std::wstring code;
     for (const auto& row : rows) {
-        uploader_->knowsCompanions = row.knowsCompanions;
+        uploader_->isPlain = row.isPlain;
         link_.answers["Link.WakeUpInstrument"] = {false};
         setFile(row.file);
         EXPECT_TRUE(show(
@@ -306,6 +302,9 @@ DWORD WINAPI tellRefusal() {
 }
 
 TEST_F(UploadFirmwareTest, AsksForAFileWhereItHasNone) {
+    setFile(L"");
+    EXPECT_FALSE(show([](DialogDriver& driver) { driver.press(IDCANCEL); }, L"Open"));
+    EXPECT_FALSE(isRemembered(""));
     const ImportPatch chooser(kelUtils().module(), "GetOpenFileNameW",
                               reinterpret_cast<void*>(chooseName));
     const ImportPatch error(kelUtils().module(), "CommDlgExtendedError",
@@ -313,7 +312,6 @@ TEST_F(UploadFirmwareTest, AsksForAFileWhereItHasNone) {
     chooseAnyName = chooser.original<decltype(GetOpenFileNameW)>();
     RegSetKeyValueA(HKEY_CURRENT_USER, "Software\\Kelvra\\Components\\UploadFirmwareDialog",
                     "LastUsedFile", REG_SZ, "C:\\old|.hex", 12);
-    setFile(L"");
     EXPECT_FALSE(show(
         [&](DialogDriver& driver) {
             driver.setText(cmb13, (folder_ / "new.hex").wstring());
