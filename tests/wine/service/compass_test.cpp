@@ -90,6 +90,8 @@ TEST_F(CompassTest, ShowsReadingsAndScoresAndReportsThem) {
                              "StopCalibration\nReadScores\n" + kRestoring);
     EXPECT_EQ(report_.bytes(), expectedReport("scores.html"));
     EXPECT_EQ(scores(), "-1 9 7 12.500000");
+    show([](DialogDriver& driver) { driver.press(IDCANCEL); });
+    EXPECT_EQ(scores(), "0 0 0 0.000000");
 }
 
 TEST_F(CompassTest, WithoutScoresItSaysSoAndWithoutALogFileItIsTheSame) {

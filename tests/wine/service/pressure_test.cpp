@@ -164,6 +164,17 @@ TEST_F(PressureTest, OneButtonAtATimeAndNoPollMeanwhile) {
     EXPECT_NE(log.find(std::string(kSet) + kSave + kRestoring), log.npos) << log;
 }
 
+TEST_F(PressureTest, ALinkThatIsGoneDoesNotKeepTheDialogOpen) {
+    link_.onCall = [](const std::string& call) {
+        if (call == "Link.SendBreak 300") throw com::Error(E_FAIL, L"the line is cut");
+    };
+    EXPECT_FALSE(show([&](DialogDriver& driver) {
+        driver.send(driver.window(), WM_COMMAND, IDCANCEL);
+        EXPECT_EQ(driver.text(IDC_PRESSURE_STATUS), L"the line is cut");
+        driver.send(driver.window(), WM_COMMAND, IDCANCEL);
+    }));
+}
+
 TEST_F(PressureTest, EveryCallMayFail) {
     letEveryCallFail(6, [&](DialogDriver& driver) {
         click(driver, IDC_PRESSURE_START);
