@@ -69,13 +69,6 @@ RecorderWindow::RecorderWindow(com::ObjectCore& component, com::ComPtr<IKelCommu
       events_(recorder_, board_),
       worker_(recorder_, board_) {}
 
-RecorderWindow::~RecorderWindow() {
-    if (board_->operation == Operation::None) return;
-    board_->isCancelling = true;
-    // Whether it takes that or not, its end is waited for.
-    recorder_->Abort();
-}
-
 int RecorderWindow::statusLine() const {
     return IDC_RECORDER_STATUS;
 }
@@ -440,6 +433,10 @@ void RecorderWindow::close() {
 void RecorderWindow::destroyed() {
     isClosing_ = true;
     board_->window = nullptr;
+    if (board_->operation == Operation::None) return;
+    board_->isCancelling = true;
+    // Whether it takes that or not, its end is waited for.
+    recorder_->Abort();
 }
 
 }  // namespace kel::service

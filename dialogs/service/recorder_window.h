@@ -14,13 +14,12 @@
 
 namespace kel::service {
 
+// Where the window goes without being asked, what runs is aborted, and its end waited for.
 class RecorderWindow final : public ui::Dialog {
 public:
     // Throws com::Error.
     RecorderWindow(com::ObjectCore& component, com::ComPtr<IKelCommunicator> link,
                    com::ComPtr<IRecorderAccess> recorder);
-    // Where the window went without being asked, what runs is aborted, and its end waited for.
-    ~RecorderWindow() override;
 
 protected:
     void initialise() override;

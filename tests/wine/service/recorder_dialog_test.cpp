@@ -282,7 +282,7 @@ TEST_P(RecorderDialogTest, AsksBeforeItReplaces) {
     show([&](DialogDriver& driver) {
         // The next download asks again.
         for (const std::vector<int>& buttons :
-             {std::vector{IDOK, IDCANCEL, IDOK, IDCANCEL, IDCANCEL}, {IDC_REPLACE_ALL}}) {
+             {{IDC_REPLACE_ALL}, std::vector{IDOK, IDCANCEL, IDOK, IDCANCEL, IDCANCEL}}) {
             driver.press(IDC_RECORDER_DOWNLOAD);
             driver.waitFor(kReplaceCaption);
             EXPECT_EQ(driver.text(IDC_REPLACE_QUESTION),
@@ -293,7 +293,7 @@ TEST_P(RecorderDialogTest, AsksBeforeItReplaces) {
         }
         close(driver);
     });
-    EXPECT_EQ(answers, "ynynn yyyyy ");
+    EXPECT_EQ(answers, "yyyyy ynynn ");
 }
 
 TEST_P(RecorderDialogTest, TellsWhyItCannotStart) {
@@ -381,6 +381,8 @@ TEST_P(RecorderDialogTest, APendingQuestionIsAnsweredNoWhenTheDialogCloses) {
     recorder_->operation = [&] {
         while (!recorder_->isAborted)
             answers += confirm() ? 'y' : 'n';
+        // What is asked now nobody sees any more.
+        answers += confirm() ? 'y' : 'n';
         return false;
     };
     show([&](DialogDriver& driver) {
@@ -393,7 +395,26 @@ TEST_P(RecorderDialogTest, APendingQuestionIsAnsweredNoWhenTheDialogCloses) {
         EXPECT_FALSE(IsWindowEnabled(question));
         driver.press(IDYES);
     });
-    EXPECT_EQ(answers, "n");
+    EXPECT_EQ(answers, "nn");
+}
+
+// An agile recorder begins by itself.
+class RecorderHereTest : public RecorderDialogTest {};
+
+TEST_P(RecorderHereTest, WhatIsCancelledBeforeItBeginsNeverDoes) {
+    collections_.reset();
+    collections_.emplace(link::kCollectionClass, [] {
+        PostMessageW(FindWindowW(nullptr, kCaption), WM_COMMAND, IDC_RECORDER_DOWNLOAD, 0);
+        return makeCollection(false);
+    });
+    show([&](DialogDriver& driver) {
+        takeLog();
+        driver.press(IDC_RECORDER_DOWNLOAD);
+        answer(driver, kCancelDownload, IDYES);
+        waitForEnd(driver);
+        close(driver);
+    });
+    EXPECT_EQ(takeLog(), "Abort\n");
 }
 
 TEST_P(RecorderDialogTest, AWindowThatGoesWithItsOwnerTakesTheWorkerAlong) {
@@ -403,7 +424,7 @@ TEST_P(RecorderDialogTest, AWindowThatGoesWithItsOwnerTakesTheWorkerAlong) {
     recorder_->operation = [&] {
         isInside_ = true;
         answered = confirm();
-        while (recorder_->work() && IsWindow(owner)) {
+        while (recorder_->work()) {
         }
         isInside_ = false;
         return false;
@@ -517,6 +538,7 @@ TEST_P(RecorderDialogTest, CancelledAtAnyMomentItNeverHangs) {
     }
 }
 
+INSTANTIATE_TEST_SUITE_P(Apartment, RecorderHereTest, testing::Values(false));
 INSTANTIATE_TEST_SUITE_P(Kinds, RecorderDialogTest, testing::Bool(),
                          [](const auto& kind) { return kind.param ? "Agile" : "Apartment"; });
 
