@@ -4,7 +4,7 @@
 #include <iterator>
 #include <numeric>
 
-#include "bench/instrument/checksum.h"
+#include "bench/checksum.h"
 
 namespace kel::bench {
 

@@ -1,6 +1,6 @@
 #include "bench/instrument/firmware.h"
 
-#include "bench/instrument/checksum.h"
+#include "bench/checksum.h"
 #include "bench/instrument/instrument_setup.h"
 
 namespace kel::bench {

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "bench/instrument/checksum.h"
+#include "bench/checksum.h"
 
 namespace kel::bench {
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "bench/instrument/checksum.h"
+#include "bench/checksum.h"
 #include "tests/support/cases.h"
 
 namespace kel::bench {
