@@ -13,7 +13,7 @@ namespace kel::bench {
 // The instrument did not answer, or cannot: operations with a boolean result are then false.
 class NoAnswer : public com::Error {
 public:
-    explicit NoAnswer(const wchar_t* description) : Error(E_FAIL, description) {}
+    explicit NoAnswer(std::wstring description) : Error(E_FAIL, std::move(description)) {}
 };
 
 // Nothing is echoed meanwhile: the echo window is 0 and comes back at the end, unless somebody else
