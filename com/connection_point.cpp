@@ -117,6 +117,7 @@ HRESULT ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) {
         // Sinks of script hosts answer the outgoing interface, plain ones IDispatch only.
         if (!takes(source_) && !(isDispatch_ && takes(IID_IDispatch)))
             throw Error(CONNECT_E_CANNOTCONNECT);
+        const std::lock_guard lock(mutex_);
         sinks_.emplace(lastCookie_ + 1, std::move(taken));
         *cookie = ++lastCookie_;
     });
@@ -125,7 +126,10 @@ HRESULT ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) {
 HRESULT ConnectionPoint::Unadvise(DWORD cookie) {
     return guard(IID_IConnectionPoint, nullptr, [&] {
         // The sink is released last: it may call back.
-        const auto node = sinks_.extract(cookie);
+        const auto node = [&] {
+            const std::lock_guard lock(mutex_);
+            return sinks_.extract(cookie);
+        }();
         if (node.empty()) throw Error(CONNECT_E_NOCONNECTION);
     });
 }
@@ -135,6 +139,7 @@ HRESULT ConnectionPoint::EnumConnections(IEnumConnections** enumerator) {
         out(enumerator) = nullptr;
         std::vector<CONNECTDATA> connections;
         std::vector<ComPtr<IUnknown>> owners;
+        const std::lock_guard lock(mutex_);
         for (const auto& [cookie, sink] : sinks_) {
             owners.emplace_back(sink.Get());
             connections.push_back({sink.Get(), cookie});

@@ -13,6 +13,7 @@
 
 #include <initializer_list>
 #include <map>
+#include <mutex>
 #include <type_traits>
 #include <vector>
 
@@ -22,7 +23,7 @@
 namespace kel::com {
 
 // The sinks of one outgoing interface. A part of its component: it shares the component's life, but
-// has an identity of its own. Used on the component's thread.
+// has an identity of its own. Any thread, if the component and the sinks are of that kind.
 class ConnectionPoint final : public IConnectionPoint {
 public:
     // Where the source is a dispatch interface, sinks may answer IDispatch in its place.
@@ -31,7 +32,10 @@ public:
     ConnectionPoint(const ConnectionPoint&) = delete;
     ConnectionPoint& operator=(const ConnectionPoint&) = delete;
 
-    bool hasSinks() const { return !sinks_.empty(); }
+    bool hasSinks() const {
+        const std::lock_guard lock(mutex_);
+        return !sinks_.empty();
+    }
 
     // Calls a member of every sink of a dispatch interface. A sink may advise or unadvise
     // meanwhile; one that fails is none of the component's business. Throws for want of memory
@@ -41,6 +45,7 @@ public:
     // The sinks of now. `Sink` is the source interface.
     template <class Sink>
     std::vector<ComPtr<Sink>> sinks() const {
+        const std::lock_guard lock(mutex_);
         std::vector<ComPtr<Sink>> sinks;
         // What is kept is the pointer to that interface.
         for (const auto& [cookie, sink] : sinks_)
@@ -61,6 +66,7 @@ private:
     IConnectionPointContainer& container_;
     const IID& source_;
     bool isDispatch_;
+    mutable std::mutex mutex_;
     std::map<DWORD, ComPtr<IUnknown>> sinks_;
     DWORD lastCookie_ = 0;
 };

@@ -3,38 +3,17 @@
 #include <algorithm>
 #include <array>
 
+#include "bench/instrument/call.h"
+#include "bench/instrument/service_commands.h"
 #include "bench/instrument/text.h"
 
 namespace kel::bench {
 
 namespace {
 
-// Answers must hold neither "OK" nor '>' by chance: hosts wait for these.
-constexpr char kDone[] = "OK";
-
-struct Call {
-    Device& device;
-    std::string_view arguments;
-    Duration now;
-};
-
-std::string_view requiredWord(std::string_view& arguments, const char* what) {
-    const auto word = takeWord(arguments);
-    if (word.empty()) throw CommandError(std::string("missing ") + what);
-    return word;
-}
-
 void changeSetting(Call& call, std::string_view name) {
     if (call.arguments.empty()) throw CommandError("missing value");
     call.device.change(name, call.arguments);
-}
-
-// Shows a value, or takes a new one after the word "set".
-Answer showOrSet(Call& call, const std::string& shown, auto&& set) {
-    if (call.arguments.empty()) return {shown};
-    if (!equalIgnoringCase(takeWord(call.arguments), "set")) throw CommandError("set expected");
-    set();
-    return {kDone};
 }
 
 Answer help(Call&) {
@@ -121,6 +100,14 @@ Answer erase(Call& call) {
     return {kDone, std::chrono::seconds{2}};
 }
 
+// One line of measured values, as `sample` and `monitor` show it.
+std::string sampleLine(const Device& device, Duration now) {
+    const auto reading = device.read(now);
+    return formatMoment(device.clock(now)) + " " + formatNumber(reading.pressure, 3) + " dbar " +
+           formatNumber(reading.heading, 1) + " " + formatNumber(reading.pitch, 1) + " " +
+           formatNumber(reading.roll, 1) + " deg";
+}
+
 Answer sample(Call& call) {
     return {sampleLine(call.device, call.now)};
 }
@@ -134,7 +121,7 @@ Answer sleep(Call&) {
 }
 
 struct Command {
-    std::string_view name;
+    std::string_view name;  // a word, or two
     Answer (*run)(Call&);
     std::string_view usage;
     std::string_view meaning;
@@ -158,19 +145,44 @@ constexpr std::array kCommands{
     Command{"erase", erase, "erase", "empties the memory, takes two seconds"},
     Command{"sample", sample, "sample", "measures once"},
     Command{"monitor", monitor, "monitor", "measures every second until a line end or a break"},
+    Command{"pressure collect", pressureCollect, "pressure collect",
+            "pressures, four a second, until a line end or a break"},
+    Command{"compass calibrate", compassCalibrate, "compass calibrate",
+            "headings, pitches and rolls, five a second, likewise"},
+    Command{"compass scores", compassScores, "compass scores",
+            "horizontal, vertical, field strength of the last calibration"},
+    Command{"compass", compass, "compass", "whether there is one"},
+    Command{"card list", cardList, "card list NUMBER", "up to 200 files: number, size, time, name"},
+    Command{"card read", cardRead, "card read NUMBER OFFSET COUNT",
+            "up to 4096 bytes of a file, at the card's rate"},
+    Command{"card rate", cardRate, "card rate [set BITS]", "bits a second"},
+    Command{"card format", cardFormat, "card format", "empties the card, in five seconds"},
+    Command{"card", card, "card", "number of files, bytes, rate"},
+    Command{"firmware begin", firmwareBegin, "firmware begin BANK CODE",
+            "erases the main or the companion bank"},
+    Command{"firmware write", firmwareWrite, "firmware write ADDRESS BYTES",
+            "hexadecimal; a last byte makes their sum 0"},
+    Command{"firmware end", firmwareEnd, "firmware end CRC32", "checks what was written"},
+    Command{"firmware read", firmwareRead, "firmware read BANK ADDRESS COUNT",
+            "up to 4096 bytes of the memory"},
+    Command{"firmware", firmware, "firmware", "size of a bank, state"},
     Command{"sleep", sleep, "sleep", "until a break or three line ends in a row"},
 };
 
 }  // namespace
 
 Answer execute(Device& device, std::string_view line, Duration now) {
-    const auto name = takeWord(line);
+    Call call{device, {}, now};
+    // A name of two words stands before that which is the first of them.
     const auto command = std::find_if(kCommands.begin(), kCommands.end(), [&](const auto& row) {
-        return equalIgnoringCase(row.name, name);
+        call.arguments = line;
+        for (auto name = row.name; !name.empty();) {
+            if (!equalIgnoringCase(takeWord(name), takeWord(call.arguments))) return false;
+        }
+        return true;
     });
     if (command == kCommands.end()) return {"ERROR: unknown command"};
     try {
-        Call call{device, line, now};
         return command->run(call);
     } catch (const CommandError& error) {
         return {std::string("ERROR: ") + error.what()};
@@ -181,11 +193,16 @@ std::string identity() {
     return "Kel virtual field instrument, firmware 1.0";
 }
 
-std::string sampleLine(const Device& device, Duration now) {
-    const auto reading = device.read(now);
-    return formatMoment(device.clock(now)) + " " + formatNumber(reading.pressure, 3) + " dbar " +
-           formatNumber(reading.heading, 1) + " " + formatNumber(reading.pitch, 1) + " " +
-           formatNumber(reading.roll, 1) + " deg";
+std::string streamLine(Device& device, AfterAnswer stream, Duration now) {
+    if (stream == AfterAnswer::kCollect) return device.sensors().pressure(device.read(now), now);
+    if (stream == AfterAnswer::kCalibrate) return device.sensors().attitude(device.read(now), now);
+    return sampleLine(device, now);
+}
+
+Duration streamInterval(AfterAnswer stream) {
+    if (stream == AfterAnswer::kCollect) return Sensors::kPressureInterval;
+    if (stream == AfterAnswer::kCalibrate) return Sensors::kCompassInterval;
+    return std::chrono::seconds{1};
 }
 
 std::string commandHelp() {

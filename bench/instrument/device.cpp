@@ -7,13 +7,15 @@
 
 namespace kel::bench {
 
-Device::Device(std::string serialNumber, std::chrono::local_seconds clock, InstrumentSetup setup,
-               SetupStore store)
-    : serialNumber_(std::move(serialNumber)),
-      clockAtZero_(clock),
-      setup_(setup),
-      savedSetup_(std::move(setup)),
-      store_(std::move(store)) {}
+Device::Device(DeviceOptions options)
+    : serialNumber_(std::move(options.serialNumber)),
+      clockAtZero_(options.clock),
+      setup_(options.setup),
+      savedSetup_(std::move(options.setup)),
+      store_(std::move(options.store)),
+      card_(options.card),
+      firmware_(options.accessCode, options.badCell),
+      sensors_(options.sensors) {}
 
 std::chrono::local_seconds Device::clock(Duration now) const {
     return clockAtZero_ + std::chrono::floor<std::chrono::seconds>(now);

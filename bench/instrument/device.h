@@ -5,27 +5,34 @@
 #include <optional>
 #include <string>
 
+#include "bench/instrument/card.h"
+#include "bench/instrument/firmware.h"
 #include "bench/instrument/instrument_setup.h"
 #include "bench/instrument/line_output.h"
+#include "bench/instrument/sensors.h"
 
 namespace kel::bench {
 
 // Keeps a setup over a power cut; false when that failed.
 using SetupStore = std::function<bool(const InstrumentSetup&)>;
 
-struct Reading {
-    double pressure = 0;  // dbar, offset applied
-    double heading = 0;   // degrees, declination applied
-    double pitch = 0;     // degrees
-    double roll = 0;      // degrees
+// What a device is made with.
+struct DeviceOptions {
+    std::string serialNumber = "D123";
+    // What the instrument's clock shows at time zero.
+    std::chrono::local_seconds clock{};
+    InstrumentSetup setup;
+    SetupStore store;
+    CardKind card = CardKind::kUsual;
+    long accessCode = 0;                 // of the firmware
+    std::optional<std::size_t> badCell;  // of the firmware's memory
+    SensorOptions sensors;
 };
 
 // What the instrument measures and remembers, without its line. All `now` are the model's time.
 class Device {
 public:
-    // `clock` is what the instrument's clock shows at time zero.
-    Device(std::string serialNumber, std::chrono::local_seconds clock, InstrumentSetup setup,
-           SetupStore store);
+    explicit Device(DeviceOptions options);
 
     const std::string& serialNumber() const { return serialNumber_; }
 
@@ -54,6 +61,11 @@ public:
 
     Reading read(Duration now) const;
 
+    // What the services work on.
+    Card& card() { return card_; }
+    Firmware& firmware() { return firmware_; }
+    Sensors& sensors() { return sensors_; }
+
 private:
     struct Deployment {
         std::chrono::local_seconds start;
@@ -71,6 +83,9 @@ private:
     SetupStore store_;
     std::optional<Deployment> deployment_;
     long long earlierRecords_ = 0;
+    Card card_;
+    Firmware firmware_;
+    Sensors sensors_;
 };
 
 }  // namespace kel::bench

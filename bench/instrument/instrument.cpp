@@ -15,7 +15,6 @@ constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::size_t kLongestLine = 256;
 constexpr int kLineEndsThatWake = 3;
 constexpr Duration kWakeTime = std::chrono::milliseconds{300};
-constexpr Duration kMonitorInterval = std::chrono::seconds{1};
 
 std::string onTheLine(std::string_view text) {
     std::string bytes;
@@ -29,12 +28,12 @@ std::string onTheLine(std::string_view text) {
 }  // namespace
 
 Instrument::Instrument(InstrumentOptions options)
-    : device_(std::move(options.serialNumber), options.clock, std::move(options.setup),
-              std::move(options.store)),
+    : device_(options),
       output_(options.garbleRate, options.seed),
       silent_(options.silent),
       slow_(options.slow),
       commandsLeft_(options.vanishAfter),
+      successesLeft_(options.failAfter),
       mode_(options.asleep ? Mode::kAsleep : Mode::kAwake) {}
 
 void Instrument::feed(std::string_view bytes, Duration now) {
@@ -69,7 +68,7 @@ bool Instrument::vanished() const {
 
 // When the instrument will do something of its own accord.
 std::optional<Duration> Instrument::modeDue() const {
-    if (mode_ == Mode::kWaking || mode_ == Mode::kMonitoring) return modeDue_;
+    if (mode_ == Mode::kWaking || mode_ == Mode::kStreaming) return modeDue_;
     const auto timeout = device_.setup().number("timeout");
     if (mode_ == Mode::kAsleep || timeout == 0) return std::nullopt;
     return lastReceived_ + std::chrono::seconds{static_cast<long long>(timeout)};
@@ -83,9 +82,9 @@ void Instrument::advance(Duration now) {
                 lastReceived_ = *due;
                 greet(*due);
                 break;
-            case Mode::kMonitoring:
-                say(onTheLine(sampleLine(device_, *due)), *due);
-                modeDue_ += kMonitorInterval;
+            case Mode::kStreaming:
+                say(onTheLine(streamLine(device_, stream_, *due)), *due);
+                modeDue_ += streamInterval(stream_);
                 break;
             case Mode::kAwake:
             case Mode::kAsleep:
@@ -105,7 +104,7 @@ void Instrument::receive(char byte, Duration now) {
     if (mode_ == Mode::kAsleep) return receiveAsleep(byte, now);
     if (byte == kBreak) return receiveBreak(now);
     if (byte == '\r' || byte == '\n') return endLine(now);
-    if (mode_ == Mode::kMonitoring) return;
+    if (mode_ == Mode::kStreaming) return;
 
     if (byte == '\b' || byte == '\x7f') {
         if (line_.empty()) return;
@@ -129,8 +128,8 @@ void Instrument::receiveAsleep(char byte, Duration now) {
 }
 
 void Instrument::endLine(Duration now) {
-    if (mode_ == Mode::kMonitoring) {
-        mode_ = Mode::kAwake;
+    if (mode_ == Mode::kStreaming) {
+        endStream(now);
         return say(std::string(kLineEnd).append(kPrompt), now);
     }
     say(kLineEnd, now);
@@ -138,7 +137,10 @@ void Instrument::endLine(Duration now) {
         answer({"ERROR: line too long"}, now);
     } else if (trim(line_).empty()) {
         say(kPrompt, answerDue(now));
+    } else if (successesLeft_ == 0) {
+        answer({"ERROR: out of order"}, now);
     } else {
+        if (successesLeft_) --*successesLeft_;
         answer(execute(device_, line_, now), now);
     }
     line_.clear();
@@ -148,6 +150,7 @@ void Instrument::endLine(Duration now) {
 void Instrument::answer(const Answer& answer, Duration now) {
     const auto due = answerDue(now) + answer.takes;
     auto bytes = onTheLine(answer.text);
+    if (!answer.data.empty()) bytes.append(answer.data).append(kLineEnd);
     switch (answer.then) {
         case AfterAnswer::kPrompt:
             bytes += kPrompt;
@@ -157,8 +160,12 @@ void Instrument::answer(const Answer& answer, Duration now) {
             lineEndsAsleep_ = 0;
             break;
         case AfterAnswer::kMonitor:
-            mode_ = Mode::kMonitoring;
-            modeDue_ = due + kMonitorInterval;
+        case AfterAnswer::kCollect:
+        case AfterAnswer::kCalibrate:
+            mode_ = Mode::kStreaming;
+            stream_ = answer.then;
+            modeDue_ = due + streamInterval(stream_);
+            device_.sensors().start(due);
             break;
     }
     say(bytes, due);
@@ -170,8 +177,15 @@ Duration Instrument::answerDue(Duration now) const {
     return std::max(now, output_.lastDue().value_or(now)) + slow_;
 }
 
+void Instrument::endStream(Duration now) {
+    mode_ = Mode::kAwake;
+    if (stream_ == AfterAnswer::kCalibrate) device_.sensors().endCalibration(now);
+}
+
 void Instrument::receiveBreak(Duration now) {
     dropLine();
+    device_.card().cancel(now);
+    if (mode_ == Mode::kStreaming) endStream(now);
     mode_ = Mode::kAwake;
     greet(now);
 }

@@ -12,18 +12,14 @@
 
 namespace kel::bench {
 
-struct InstrumentOptions {
-    std::string serialNumber = "D123";
-    // What the instrument's clock shows at time zero.
-    std::chrono::local_seconds clock{};
-    InstrumentSetup setup;
-    SetupStore store;
+struct InstrumentOptions : DeviceOptions {
     bool asleep = false;
     bool silent = false;             // never says anything, also no echo
     Duration slow{0};                // added to every answer
     double garbleRate = 0;           // share of damaged bytes, 0 to 1
     std::uint32_t seed = 1;          // of the damage
     std::optional<int> vanishAfter;  // answered commands; the line is then gone
+    std::optional<int> failAfter;    // answered commands; all later ones are refused
 };
 
 // A field instrument behind a line, as a model: it does no input or output and has no clock.
@@ -53,7 +49,7 @@ public:
     bool vanished() const;
 
 private:
-    enum class Mode { kAwake, kMonitoring, kAsleep, kWaking };
+    enum class Mode { kAwake, kStreaming, kAsleep, kWaking };
 
     void advance(Duration now);
     void receive(char byte, Duration now);
@@ -61,6 +57,7 @@ private:
     void endLine(Duration now);
     void answer(const Answer& answer, Duration now);
     Duration answerDue(Duration now) const;
+    void endStream(Duration now);
     void receiveBreak(Duration now);
     void wake(Duration now);
     void greet(Duration due);
@@ -72,8 +69,11 @@ private:
     bool silent_;
     Duration slow_;
     std::optional<int> commandsLeft_;
+    std::optional<int> successesLeft_;
     Mode mode_;
-    // When waking ends or the next line of monitoring is due.
+    // What is sent line by line while streaming.
+    AfterAnswer stream_ = AfterAnswer::kMonitor;
+    // When waking ends or the next line of a stream is due.
     Duration modeDue_{0};
     Duration lastReceived_{0};
     std::string line_;

@@ -23,6 +23,13 @@ enum Option : int {
     kGarble,
     kSeed,
     kVanishAfter,
+    kFailAfter,
+    kCard,
+    kAccessCode,
+    kBadCell,
+    kNoCompass,
+    kPressureRamp,
+    kPressureNoise,
     kAsleep,
     kState,
     kTimeScale,
@@ -44,6 +51,13 @@ constexpr option kOptions[] = {
     {"garble", required_argument, nullptr, kGarble},
     {"seed", required_argument, nullptr, kSeed},
     {"vanish-after", required_argument, nullptr, kVanishAfter},
+    {"fail-after", required_argument, nullptr, kFailAfter},
+    {"card", required_argument, nullptr, kCard},
+    {"access-code", required_argument, nullptr, kAccessCode},
+    {"bad-cell", required_argument, nullptr, kBadCell},
+    {"no-compass", no_argument, nullptr, kNoCompass},
+    {"pressure-ramp", required_argument, nullptr, kPressureRamp},
+    {"pressure-noise", required_argument, nullptr, kPressureNoise},
     {"asleep", no_argument, nullptr, kAsleep},
     {"state", required_argument, nullptr, kState},
     {"time-scale", required_argument, nullptr, kTimeScale},
@@ -73,6 +87,12 @@ Instrument
   --asleep              asleep at first
   --state FILE          loads its settings from FILE, where savesetup keeps them
   --time-scale F        its time runs F times as fast, so that waits are shorter
+  --card KIND           usual unless given; none, empty, full (one file that leaves no room), clash
+                        (names that are alike), hostile (names that no folder should see), many
+                        (10,000 files), large (a file of 5 GB)
+  --access-code N       that loading firmware wants, 0 unless given
+  --pressure-ramp R     dbar a second that a collected pressure rises by, 0 unless given
+  --pressure-noise N    dbar that it is spread over, 0.05 unless given
 Faults
   --silent              never sends anything
   --slow MS             every answer takes MS milliseconds longer
@@ -80,6 +100,9 @@ Faults
   --seed N              of the damage, 1 unless given; the same seed damages the same bytes
   --gateway-fault KIND  the gateway lets nobody in: refuse, hang or drop
   --vanish-after N      after N answered commands closes the line and ends
+  --fail-after N        refuses all commands after N answered ones
+  --no-compass          has none
+  --bad-cell ADDRESS    the firmware's memory keeps a wrong byte there
 Program
   --transcript FILE     writes the dialogue to FILE
   --parent PID          ends with that process
@@ -117,6 +140,12 @@ Integer integer(int which, Integer minimum, Integer maximum) {
         throw UsageError("bad value of " + nameOf(which) + ": " + ::optarg);
     }
     return whole;
+}
+
+CardKind cardOfOption() {
+    const auto kind = cardKind(::optarg);
+    if (!kind) throw UsageError(std::string("bad value of --card: ") + ::optarg);
+    return *kind;
 }
 
 GatewayFault gatewayFault() {
@@ -176,6 +205,27 @@ ProgramOptions parseOptions(int argumentCount, char** arguments) {
                 break;
             case kVanishAfter:
                 options.instrument.vanishAfter = integer(which, 1, std::numeric_limits<int>::max());
+                break;
+            case kFailAfter:
+                options.instrument.failAfter = integer(which, 0, std::numeric_limits<int>::max());
+                break;
+            case kCard:
+                options.instrument.card = cardOfOption();
+                break;
+            case kAccessCode:
+                options.instrument.accessCode = integer<long>(which, -2147483647, 2147483647);
+                break;
+            case kBadCell:
+                options.instrument.badCell = integer<std::size_t>(which, 0, Firmware::kSize - 1);
+                break;
+            case kNoCompass:
+                options.instrument.sensors.compass = false;
+                break;
+            case kPressureRamp:
+                options.instrument.sensors.pressureRamp = number(which, -1000, 1000);
+                break;
+            case kPressureNoise:
+                options.instrument.sensors.pressureNoise = number(which, 0, 1000);
                 break;
             case kAsleep:
                 options.instrument.asleep = true;

@@ -1,5 +1,8 @@
 #include "bench/link/class_table.h"
 
+#include "bench/link/access/compass_access.h"
+#include "bench/link/access/firmware_uploader.h"
+#include "bench/link/access/pressure_access.h"
 #include "bench/link/communicator.h"
 #include "bench/link/network_stream.h"
 #include "bench/link/serial_stream.h"
@@ -22,6 +25,9 @@ com::ClassRow table[] = {
     {L"Communicator", &kCommunicatorClass, kNoScript, kCreate<Communicator>},
     {L"SerialStream", &link::kSerialStreamClass, kNoScript, kCreate<SerialStream>},
     {L"NetworkStream", &link::kNetworkStreamClass, kNoScript, kCreate<NetworkStream>},
+    {L"FirmwareUploader", &link::kFirmwareUploaderClass, kNoScript, kCreate<FirmwareUploader>},
+    {L"PressureAccess", &link::kPressureAccessClass, kNoScript, kCreate<PressureAccess>},
+    {L"CompassAccess", &link::kCompassAccessClass, kNoScript, kCreate<CompassAccess>},
     {L"Collection", &link::kCollectionClass, kNoScript, kCreate<com::Collection>},
 };
 

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "bench/link/access/recorder_access.h"
 #include "bench/link/script_file.h"
 #include "com/text.h"
 #include "com/variant.h"
@@ -60,6 +61,10 @@ bool wakeUp(IKelStream* port) {
 }
 
 }  // namespace
+
+HRESULT Communicator::findElsewhere(REFIID iid, void** result) {
+    return iid == __uuidof(IRecorderAccess) ? recorderOf(this, recorder_, result) : E_NOINTERFACE;
+}
 
 HRESULT Communicator::WakeUpInstrument(VARIANT_BOOL* result) {
     return operation([&] {

@@ -1,8 +1,10 @@
 #pragma once
 // The link itself: a port, a preprocessor, and what is done with both.
 
+#include <memory>
 #include <string_view>
 
+#include "bench/link/access/recorder_state.h"
 #include "bench/link/clock.h"
 #include "com/object.h"
 #include "interfaces/KelUtils.h"
@@ -48,6 +50,10 @@ public:
     STDMETHODIMP SendPacket(IBinaryPacket* packet, long timeout, VARIANT_BOOL* result) override;
     STDMETHODIMP ReceivePacket(long timeout, IBinaryPacket** packet) override;
 
+protected:
+    // Access to the recorder, a new object each time.
+    HRESULT findElsewhere(REFIID iid, void** result) override;
+
 private:
     // The border of every member: the calls made here may run the host's message loop.
     template <class Body>
@@ -66,6 +72,7 @@ private:
     bool radioConnection_ = false;
     bool sdi12Mode_ = false;
     long rs485Address_ = 0;
+    const std::shared_ptr<RecorderState> recorder_ = std::make_shared<RecorderState>();
 };
 
 }  // namespace kel::bench

@@ -168,6 +168,29 @@ TEST_F(VirtualInstrument, LetsInWhoTellsItsGatewayThePassword) {
               "READY\r\nget rate\r\n2\r\n>");
 }
 
+TEST_F(VirtualInstrument, IsGivenWhatTheServicesFind) {
+    Program program({"--tcp", "0", "--card", "empty", "--access-code", "-5", "--bad-cell", "1",
+                     "--no-compass", "--pressure-ramp", "1000", "--pressure-noise", "0",
+                     "--fail-after", "6"});
+    const auto client = connectTo(program.firstLine());
+    const struct {
+        const char *command, *answer;
+    } rows[] = {{"card", "Files: 0\r\nUsed: 0\r\nCapacity: 8589934592\r\nRate: 57600"},
+                {"compass", "ERROR: no compass"},
+                {"firmware begin main -5", "OK"},
+                {"firmware write 0 4b6550", "OK"},
+                {"firmware read main 0 2", "DATA 2 188B2170\r\nKd"}};
+    for (const auto& [command, answer] : rows) {
+        EXPECT_EQ(ask(client.get(), std::string(command) + "\r"),
+                  std::string(command) + "\r\n" + answer + "\r\n>");
+    }
+    const std::string collect = "pressure collect\r";
+    EXPECT_EQ(::write(client.get(), collect.data(), collect.size()), 17);
+    EXPECT_EQ(readUntil(client.get(), "260.1"), collect + "\nOK\r\n260.1");
+    EXPECT_TRUE(ask(client.get(), "\r").ends_with(" dbar\r\n\r\n>"));
+    EXPECT_EQ(ask(client.get(), "ver\r"), "ver\r\nERROR: out of order\r\n>");
+}
+
 TEST_F(VirtualInstrument, EndsWithItsParent) {
     Program parent({"--tcp", "0"});
     parent.firstLine();
@@ -195,6 +218,8 @@ TEST_F(VirtualInstrument, RefusesWhatItCannotServe) {
         {{"--pty", "--gateway", ""}, 2},
         {{"--tcp", "0", "--gateway-fault", "hang"}, 2},
         {{"--tcp", "0", "--gateway", "", "--gateway-fault", "sulk"}, 2},
+        {{"--pty", "--card", "sulky"}, 2},
+        {{"--pty", "--bad-cell", "262144"}, 2},
         {{"--tcp", "0", "--listen", "nowhere"}, 1},
         {{"--pty", "--link", occupied.string()}, 1},
         {{"--pty", "--state", broken.string()}, 1},

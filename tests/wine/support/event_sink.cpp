@@ -25,7 +25,7 @@ com::ComPtr<IConnectionPoint> eventsOf(IUnknown* object, const IID& events) {
     return point;
 }
 
-HRESULT EventSink::Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*,
+HRESULT EventSink::Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT* result,
                           EXCEPINFO*, UINT*) {
     events += std::to_string(member);
     for (UINT i = arguments->cArgs; i-- > 0;) {
@@ -34,7 +34,9 @@ HRESULT EventSink::Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* argumen
                                                     : com::Variant(argument).toText());
     }
     events += "\n";
-    return onEvent(member);
+    const HRESULT code = onEvent(member);
+    if (result) *result = com::Variant(answer).release();
+    return code;
 }
 
 }  // namespace kel::test

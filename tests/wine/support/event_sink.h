@@ -21,6 +21,8 @@ public:
     static constexpr com::ClassDescription kClass{};
 
     std::string events;
+    // What events that ask are answered.
+    bool answer = false;
     std::function<HRESULT(DISPID member)> onEvent = [](DISPID) { return S_OK; };
 
     STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }

@@ -85,6 +85,7 @@ void InstrumentServer::run(InstrumentOptions options, double timeScale) {
         instrument.feed(peer_.receiveSome(), now());
         const std::string bytes = instrument.take(now());
         if (!bytes.empty() && peer_.hasClient()) peer_.send(bytes);
+        if (instrument.vanished()) peer_.vanish();
     }
 }
 

@@ -1,0 +1,76 @@
+#pragma once
+// An access object's surroundings: a link whose port leads to the virtual instrument.
+
+#include <optional>
+
+#include "tests/wine/link/connected_stream.h"
+
+namespace kel::bench::test {
+
+class AccessTest : public testing::Test {
+protected:
+    void TearDown() override {
+        link.Reset();
+        stream.Reset();
+    }
+
+    // The instrument's time and that of the objects made afterwards run so many times faster.
+    void connect(InstrumentOptions options = {}, double instrumentScale = 50,
+                 const wchar_t* linkScale = nullptr) {
+        TearDown();
+        scale.reset();
+        if (linkScale) scale.emplace(linkScale);
+        server.emplace(std::move(options), instrumentScale);
+        stream = create<INetworkStream>(link::kNetworkStreamClass);
+        ASSERT_TRUE(connectTo(*stream.Get(), server->port()));
+        stream->put_EchoWindow(window.number());
+        link = create<IKelCommunicator>(kCommunicatorClass);
+        link->put_Port(stream.Get());
+    }
+
+    // Does something with instruments that refuse, or are gone after, so many commands.
+    template <class Session>
+    void withEveryFault(int commands, Session&& session) {
+        for (int n = 0; n <= 2 * commands; ++n) {
+            SCOPED_TRACE(n);
+            InstrumentOptions options;
+            options.vanishAfter = n > commands ? std::optional(n - commands) : std::nullopt;
+            options.failAfter = n < commands ? std::optional(n) : std::nullopt;
+            connect(options);
+            const bool succeeds = n == commands || n == 2 * commands;
+            EXPECT_EQ(session(), succeeds);
+            EXPECT_EQ(echoWindow(), window.number());
+        }
+    }
+
+    long echoWindow() {
+        long number = 1;
+        EXPECT_EQ(stream->get_EchoWindow(&number), S_OK);
+        return number;
+    }
+
+    bool tell(const wchar_t* command) {
+        VARIANT_BOOL done = VARIANT_FALSE;
+        EXPECT_EQ(
+            link->SendCommand(Bstr(std::wstring_view(command)).get(), VARIANT_TRUE, 30000, &done),
+            S_OK);
+        return done == VARIANT_TRUE;
+    }
+
+    // What a member without arguments gives, which must not fail.
+    template <class Interface, class Value>
+    static Value get(const ComPtr<Interface>& object,
+                     HRESULT (STDMETHODCALLTYPE Interface::*member)(Value*)) {
+        Value value{};
+        EXPECT_EQ((object.Get()->*member)(&value), S_OK);
+        return value;
+    }
+
+    TestWindow window;
+    std::optional<TimeScale> scale;
+    std::optional<InstrumentServer> server;
+    ComPtr<INetworkStream> stream;
+    ComPtr<IKelCommunicator> link;
+};
+
+}  // namespace kel::bench::test
