@@ -1,4 +1,5 @@
 #pragma once
+// Checksums of bytes that go over the line, and numbers in the form in which they do.
 
 #include <cstdint>
 #include <string>

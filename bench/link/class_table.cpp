@@ -3,6 +3,7 @@
 #include "bench/link/access/compass_access.h"
 #include "bench/link/access/firmware_uploader.h"
 #include "bench/link/access/pressure_access.h"
+#include "bench/link/agile.h"
 #include "bench/link/communicator.h"
 #include "bench/link/network_stream.h"
 #include "bench/link/serial_stream.h"
@@ -28,7 +29,8 @@ com::ClassRow table[] = {
     {L"FirmwareUploader", &link::kFirmwareUploaderClass, kNoScript, kCreate<FirmwareUploader>},
     {L"PressureAccess", &link::kPressureAccessClass, kNoScript, kCreate<PressureAccess>},
     {L"CompassAccess", &link::kCompassAccessClass, kNoScript, kCreate<CompassAccess>},
-    {L"Collection", &link::kCollectionClass, kNoScript, kCreate<com::Collection>},
+    {L"Collection", &link::kCollectionClass, kNoScript,
+     com::rowCreator<Agile<com::Collection>::create>},
 };
 
 }  // namespace

@@ -68,7 +68,8 @@ void CardDialogue::format() {
 void CardDialogue::stop() {
     try {
         port_.sendBreak(kStopBreak);
-        Dialogue(port_).finish();
+        // The prompt that comes may be the one before the break; after this answer none is left.
+        Dialogue(port_).ask("card rate");
     } catch (const com::Error&) {
         // An instrument that has gone does nothing any more.
     }

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "bench/link/access/recorder_file.h"
+#include "bench/link/agile.h"
 #include "com/collection.h"
 #include "com/text.h"
 #include "com/variant.h"
@@ -80,10 +81,10 @@ HRESULT RecorderAccess::ReadListing(ICollection** files) {
         com::out(files) = nullptr;
         talk([&] {
             const auto entries = CardDialogue(home_->link.Get(), home_->thread).list();
-            const auto listing = com::makeObject<com::Collection>();
+            const auto listing = Agile<com::Collection>::make<ICollection>();
             for (const CardEntry& entry : entries) {
-                const auto file = com::makeObject<RecorderFile>(entry);
-                com::check(listing->Add(com::Variant(static_cast<IDispatch*>(file.Get())).get()));
+                const auto file = Agile<RecorderFile>::make<IDispatch>(entry);
+                com::check(listing->Add(com::Variant(file.Get()).get()));
             }
             state_->setListing(entries);
             com::check(listing.CopyTo(files));

@@ -109,6 +109,10 @@ TEST_F(PressureTest, WhatComesInTheMiddleIsRefused) {
     stream->put_EchoWindow(5);
     access.Reset();
     EXPECT_EQ(echoWindow(), 5);
+    Bstr rest;
+    EXPECT_EQ(stream->WaitForString(Bstr(L"\r\n>").get(), 30000, nullptr, rest.put(), &result),
+              S_OK);
+    EXPECT_EQ(result, VARIANT_TRUE);
     stream->put_EchoWindow(window.number());
     EXPECT_TRUE(tell(L"set rate 4"));
 }

@@ -91,7 +91,14 @@ protected:
 
     bool download(const ComPtr<ICollection>& files) {
         VARIANT_BOOL result = VARIANT_FALSE;
+        IStream* passed = nullptr;
+        EXPECT_EQ(
+            CoMarshalInterThreadInterfaceInStream(__uuidof(ICollection), files.Get(), &passed),
+            S_OK);
         onWorker([&](const ComPtr<IRecorderAccess>& there) {
+            ComPtr<ICollection> filesThere;
+            EXPECT_EQ(CoGetInterfaceAndReleaseStream(passed, IID_PPV_ARGS(&filesThere)), S_OK);
+            EXPECT_EQ(filesThere.Get(), files.Get());
             EXPECT_EQ(there.Get(), access.Get()) << "called there directly";
             EXPECT_EQ(there->Download(files.Get(), Bstr(folder.path()).get(), &result), S_OK);
         });

@@ -103,7 +103,7 @@ TEST_F(RecorderTest, NoNameLeavesTheFolder) {
 TEST_F(RecorderTest, AnAbortedDownloadLeavesNothing) {
     for (int n = 1; n <= 8; ++n) {
         SCOPED_TRACE(n);
-        connectTo(CardKind::kLarge, 1000, L"20");
+        connectTo(CardKind::kLarge, 1000, L"5");
         std::atomic<int> events = 0;
         sink->onEvent = [&](DISPID) { return ++events, S_OK; };
         meanwhile = [&] {
@@ -176,7 +176,7 @@ TEST_F(RecorderTest, FaultsLeaveNoFilesAndThePortAsItWas) {
         InstrumentOptions options;
         options.garbleRate = 1e-4;
         options.seed = seed;
-        connect(options, 1000, L"50");
+        connect(options, 1000, L"10");
         attach();
         sink->answer = true;
         if (const auto files = listing()) complete += download(files);
