@@ -207,6 +207,18 @@ TEST_P(RecorderDialogTest, ShowsTheCard) {
               std::string(kOpening) + "SelectFile A.DAT\nSelectFile B.DAT\nSelectFile C.DAT\n");
 }
 
+// One that paints itself after each of so many rows takes longer than any driver waits.
+TEST_P(RecorderDialogTest, ShowsTenThousandFiles) {
+    recorder_->files.resize(10000);
+    show([&](DialogDriver& driver) {
+        const HWND list = driver.control(IDC_RECORDER_LIST);
+        EXPECT_EQ(driver.send(list, LVM_GETITEMCOUNT), 10000);
+        driver.send(driver.control(IDC_RECORDER_SELECT_ALL), BM_CLICK);
+        EXPECT_EQ(driver.send(list, LVM_GETSELECTEDCOUNT), 10000);
+        close(driver);
+    });
+}
+
 TEST_P(RecorderDialogTest, RemembersRateAndFolder) {
     recorder_->files.clear();
     remember("DownoadRate", "2400");
