@@ -92,8 +92,8 @@ TEST_F(PressureTest, ALostPortIsToldOnce) {
 
 TEST_F(PressureTest, WhatComesInTheMiddleIsRefused) {
     InstrumentOptions options;
-    options.slow = std::chrono::milliseconds(500);
-    connect(options, 10);
+    options.slow = std::chrono::milliseconds(100);
+    connect(options, 2);
     attach();
     VARIANT_BOOL result = VARIANT_TRUE;
     HRESULT code = S_OK;
