@@ -12,7 +12,8 @@ run_bench() {
     lock_build
     set_up "${bench_packages[@]}"
     build_preset bench kel_speed
-    build_preset win32 server/KelUtils.dll bench/link/BenchLink.dll bench/speed/kel_speed.exe bench/speed/kel_reaction.exe bench/speed/kel_pane.exe
+    build_preset native bench/instrument/virtual-instrument
+    build_preset win32 server/KelUtils.dll bench/link/BenchLink.dll bench/speed/kel_speed.exe bench/speed/kel_reaction.exe bench/speed/kel_recorder.exe bench/speed/kel_pane.exe
     make_prefix
     enter_prefix
     register_libraries
@@ -84,6 +85,7 @@ measure_reactions() {
     head -c 1048576 -- "$folder/1000000.kel" | sed '$d' >"$folder/megabyte.kel"
     : >"$folder/reactions"
     measure_windows kel_reaction "$(windows_path "$folder/megabyte.kel")"
+    measure_recorder
     measure_windows kel_pane
 }
 
@@ -94,4 +96,23 @@ measure_windows() {
     without_locks timeout 400 wine "$windows/$program.exe" "$@" </dev/null 2>"$kel_build/log/$program.log" |
         tr -d '\r' >>"$folder/reactions" ||
         show_failure "$kel_build/log/$program.log" "the measurement of $program failed"
+}
+
+# The recorder's dialog on two instruments: one with many files, one with a large one.
+measure_recorder() {
+    local card address ports=()
+    mkdir -p -- "$folder/card"
+    for card in many large; do
+        become_detached "$kel_build/native/bench/instrument/virtual-instrument" --tcp 0 --card "$card" --parent $$ \
+            >"$folder/address.$card" 2>&1 </dev/null &
+        at_exit end_process $!
+        for ((tries = 0; tries < 200; tries++)); do
+            [[ ! -s $folder/address.$card ]] || break
+            sleep 0.02
+        done
+        address=$(head -n 1 -- "$folder/address.$card")
+        ports+=("${address##*:}")
+    done
+    measure_windows kel_recorder "${ports[@]}" "$(windows_path "$folder/card")"
+    rm -rf -- "$folder/card"
 }

@@ -1,6 +1,7 @@
 // kel_reaction SCRIPT: measures what a user feels, through the registered components. Prints a
 // line for each figure: its name, and the milliseconds of each round.
 
+#include "bench/speed/empty_settings.h"
 #include "bench/speed/wire_end.h"
 
 #include <cstdio>
@@ -12,7 +13,6 @@
 
 #include "com/apartment.h"
 #include "com/error.h"
-#include "com/handles.h"
 #include "com/text.h"
 #include "com/variant.h"
 #include "interfaces/KelUtils.h"
@@ -215,29 +215,8 @@ double manyOptions() {
     return untilShown(dialog, kTitle);
 }
 
-// The user's settings, empty and for this process alone.
-class EmptySettings {
-public:
-    EmptySettings() {
-        RegCreateKeyExW(HKEY_CURRENT_USER, kPlace, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr,
-                        key_.put(), nullptr);
-        if (RegOverridePredefKey(HKEY_CURRENT_USER, key_.get()) != ERROR_SUCCESS)
-            throw com::Error(E_FAIL, L"there is no place for settings");
-    }
-    ~EmptySettings() {
-        RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
-        RegDeleteTreeW(HKEY_CURRENT_USER, kPlace);
-    }
-    EmptySettings(const EmptySettings&) = delete;
-    EmptySettings& operator=(const EmptySettings&) = delete;
-
-private:
-    static constexpr wchar_t kPlace[] = L"Software\\KelSpeed";
-    com::RegistryKeyHandle key_;
-};
-
 double manyConnections() {
-    const EmptySettings settings;
+    const bench::EmptySettings settings;
     const std::vector<settings::ListEntry> entries(1000, {"Mooring", "10.20.0.11", "4444"});
     settings::writeList(settings::connections::kKey, settings::connections::kFields, entries);
     if (settings::readList(settings::connections::kKey, settings::connections::kFields) != entries)
