@@ -11,6 +11,7 @@
 #include "tests/wine/support/dialog_faults.h"
 #include "tests/wine/support/fake_link.h"
 #include "tests/wine/support/library.h"
+#include "tests/wine/support/traced_calls.h"
 
 namespace kel::test {
 namespace {
@@ -110,6 +111,33 @@ TEST_F(SerialDialogTest, ConnectsAndClosesTheFormerPortThen) {
     }));
     EXPECT_EQ(takeLog(),
               "ConnectionString\nnew OpenPort COM3: 19200\nClose\nLink.Port = foreign\n");
+}
+
+// With every call on the link, those that fetch its port included.
+TEST_F(SerialDialogTest, AConnectionAsTheTraceLinkSeesIt) {
+    for (const bool isBusy : {true, false}) {
+        ports_.busyPorts.clear();
+        if (isBusy) ports_.busyPorts[L"COM3"] = ERROR_ACCESS_DENIED;
+        TracedCalls trace(link_.communicator());
+        dialog_->put_Communicator(trace.link());
+        EXPECT_EQ(show([&](DialogDriver& driver) {
+                      driver.press(IDC_SERIAL_COM3);
+                      driver.waitUntil("COM3 is chosen", [&] { return states(driver)[2] == L's'; });
+                      driver.press(IDOK);
+                      if (!isBusy) return;
+                      driver.waitUntil("the failure", [&] {
+                          return driver.text(IDC_SERIAL_STATUS).starts_with(L"Unable");
+                      });
+                      cancel(driver);
+                  }),
+                  !isBusy);
+        dialog_->put_Communicator(nullptr);
+        const std::string calls =
+            "get_Port\nget_IsOpen\nget_BaudRate\nget_Port\nget_ConnectionString\n"
+            "get_Port\nget_ConnectionString\n";
+        EXPECT_EQ(trace.takeFrom("get_Port"),
+                  calls + (isBusy ? "" : "get_Port\nClose\nput_Port\n"));
+    }
 }
 
 TEST_F(SerialDialogTest, TheSamePortOnlyGetsItsRate) {

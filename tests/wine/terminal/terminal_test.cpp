@@ -3,6 +3,7 @@
 
 #include "resources/resource_ids.h"
 #include "tests/support/cases.h"
+#include "tests/wine/support/traced_calls.h"
 #include "tests/wine/terminal/terminal_fixture.h"
 
 namespace kel::test {
@@ -289,6 +290,18 @@ TEST_F(PollTest, ClaimsTheStreamAndGivesItBack) {
     EXPECT_EQ(link.echoWindow, pane());
     as<IOleInPlaceObject>()->InPlaceDeactivate();
     EXPECT_EQ(link.echoWindow, 0);
+}
+
+// With every call, those that fetch objects included.
+TEST_F(PollTest, ATickAsTheTraceLinkSeesIt) {
+    TracedCalls trace(link.communicator());
+    terminal->put_Communicator(trace.link());
+    link.received = "waiting";
+    tick();
+    EXPECT_EQ(trace.takeFrom("put_EchoWindow"),
+              "put_EchoWindow\nget_Port\nget_EchoWindow\nget_BytesInReadBuffer\n"
+              "get_Preprocessor\nClearReadBuffer\n");
+    terminal->put_Communicator(nullptr);
 }
 
 TEST_F(PollTest, EmptiesTheStreamInOrder) {
