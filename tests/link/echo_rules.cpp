@@ -79,6 +79,22 @@ void showsEachByteOnce(const Link& link) {
     }
 }
 
+void showsOnTheCallersThread(const Link& link) {
+    const Wire wire = link.echoingWire();
+    const EchoPane pane;
+    succeeded(wire->put_EchoWindow(pane.number()), "putting EchoWindow");
+    wire.say(kEchoText);
+    for (const Watch watch; pane.text().size() < kEchoText.size();) {
+        if (watch.patienceIsOver()) break;
+        succeeded(wire->Sleep(1), "Sleep");
+        // What another thread sends gets through now.
+        MSG message;
+        PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+    }
+    expect(!pane.isFedFromElsewhere(), "the echo on the thread that takes the bytes",
+           "another thread sends it");
+}
+
 void showsNothingWithoutWindow(const Link& link) {
     const Wire wire = link.echoingWire();
     const EchoPane pane;
@@ -129,6 +145,8 @@ void showsWhatItIsTold(const Link& link) {
 constexpr Rule kEchoRules[] = {
     {"every received byte is echoed once, by whichever member takes it", Scope::kEachStream,
      showsEachByteOnce},
+    {"the echo comes on the thread that takes the bytes", Scope::kEachStream,
+     showsOnTheCallersThread},
     {"EchoWindow 0 shows nothing", Scope::kEachStream, showsNothingWithoutWindow},
     {"the stream survives the death of its echo window", Scope::kEachStream, survivesItsWindow},
     {"EchoWindow reads back", Scope::kEachStream, remembersItsWindow},

@@ -1,5 +1,8 @@
 #include "tests/link/faults.h"
 
+#include <atomic>
+#include <thread>
+
 #include "tests/link/kit.h"
 
 namespace kel::conformance {
@@ -194,6 +197,28 @@ STDMETHODIMP countsTwice(IKelCommunicator* link, IKelStream** port) {
     return code;
 }
 
+// Nothing more than a sign of life, so that no other rule minds it.
+STDMETHODIMP echoesElsewhere(IKelStream* stream, long duration) {
+    long window = 0;
+    stream->get_EchoWindow(&window);
+    if (window != 0) {
+        std::atomic<bool> isDone = false;
+        std::thread other([&] {
+            DWORD_PTR result = 0;
+            SendMessageTimeoutW(static_cast<HWND>(LongToHandle(window)), EM_REPLACESEL, FALSE,
+                                reinterpret_cast<LPARAM>(L""), SMTO_NORMAL, 1000, &result);
+            isDone = true;
+        });
+        while (!isDone) {
+            MSG message;
+            PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+            Sleep(1);
+        }
+        other.join();
+    }
+    return proceed(stream, duration);
+}
+
 STDMETHODIMP believesInSuccess(IKelCommunicator* link, BSTR command, VARIANT_BOOL waits,
                                long timeout, VARIANT_BOOL* result) {
     const HRESULT code = proceed(link, command, waits, timeout, result);
@@ -231,6 +256,7 @@ const Fault kFaults[] = {
     {Place::kNetwork, kPutEchoWindow, address(staysWithItsWindow), "EchoWindow 0"},
     {Place::kNetwork, kGetEchoWindow, address(forgetsItsWindow), "EchoWindow reads back"},
     {Place::kNetwork, kWaitForString, address(needsItsWindow), "the stream survives"},
+    {Place::kNetwork, kSleep, address(echoesElsewhere), "the echo comes"},
     {Place::kNetwork, kEcho, address(ignoresText), "Echo and"},
     {Place::kNetwork, kWaitForString, address(endsEarly), "waits end"},
     {Place::kNetwork, kSleep, address(endsLate), "waits end"},

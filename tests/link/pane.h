@@ -25,7 +25,12 @@ struct WindowOwner {
 // An edit control, as hosts have one.
 class EchoPane : public WindowOwner {
 public:
-    EchoPane() : WindowOwner(L"EDIT", ES_MULTILINE | ES_AUTOVSCROLL) {}
+    EchoPane() : WindowOwner(L"EDIT", ES_MULTILINE | ES_AUTOVSCROLL) {
+        SetWindowLongPtrW(handle, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+        const LONG_PTR own =
+            SetWindowLongPtrW(handle, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(procedure));
+        procedure_ = reinterpret_cast<WNDPROC>(own);
+    }
 
     long number() const { return HandleToLong(handle); }
 
@@ -35,6 +40,19 @@ public:
             GetWindowTextW(handle, text.data(), static_cast<int>(text.size()))));
         return text;
     }
+
+    // Whether another thread has put something into it.
+    bool isFedFromElsewhere() const { return isFedFromElsewhere_; }
+
+private:
+    static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wide, LPARAM longer) {
+        auto* self = reinterpret_cast<EchoPane*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+        if (message == EM_REPLACESEL && InSendMessage()) self->isFedFromElsewhere_ = true;
+        return CallWindowProcW(self->procedure_, window, message, wide, longer);
+    }
+
+    WNDPROC procedure_ = nullptr;
+    bool isFedFromElsewhere_ = false;
 };
 
 // Remembers whether its message came, which only a message loop hands out.
