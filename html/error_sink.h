@@ -30,7 +30,9 @@ public:
                         UINT*) override {
         constexpr DISPID kErrorEvent = 3000;
         return com::guard(IID_IDispatch, nullptr, [&] {
-            if (member == kErrorEvent && told_) told_();
+            // A copy: what it shows may let go of everything, and leave() is called meanwhile.
+            const std::function<void()> told = told_;
+            if (member == kErrorEvent && told) told();
         });
     }
 

@@ -94,6 +94,7 @@ HRESULT KelScript::LoadFile(BSTR path, VARIANT_BOOL* success) {
 }
 
 void KelScript::tellError() {
+    const com::KeepAlive alive(*this);
     const com::LateBound error(com::ComPtr<IDispatch>(control_->get(L"Error").get().pdispVal));
     const auto number = [&](const wchar_t* name) {
         return std::to_wstring(error.get(name).convertedTo(VT_I4).get().lVal);
@@ -148,11 +149,12 @@ HRESULT KelScript::put_Objects(IKelObjects* objects) {
 
 // The control learns a name only once; what stands under it follows the table.
 void KelScript::nameAdded(const std::wstring& name) {
-    if (!names_.insert(name).second) return;
+    if (names_.contains(name)) return;
     const auto item = com::makeObject<NamedItem>(table_, name);
     control_->call(L"AddObject",
                    {com::Variant(std::wstring_view(name)),
                     com::Variant(static_cast<IDispatch*>(item.Get())), com::Variant(false)});
+    names_.insert(name);
 }
 
 HRESULT KelScript::get_Objects(IKelObjects** objects) {

@@ -18,7 +18,8 @@ com::ComPtr<INewSessionDialog2> newSession(const com::ComPtr<IKelCommunicator>& 
 // connection) with the reason.
 void connectAsLastTime(const com::ComPtr<IKelCommunicator>& link, const std::string& application);
 
-// Remembers the link's connection for the next time. A host works on where that fails.
+// Remembers the link's connection for the next time. Where the link or the settings refuse, the
+// host works on. Throws Failure (not registered), com::Error.
 void rememberConnection(const com::ComPtr<IKelCommunicator>& link, const std::string& application);
 
 }  // namespace kel::host
