@@ -120,7 +120,7 @@ private:
 void Checker::checkAll() {
     for (std::size_t i = 0; i < program_.records.size(); ++i) {
         const Record& record = program_.records[i];
-        here_ = record.start;
+        here_ = program_.at(record.start);
         check(record.work);
     }
     for (const char* block : openBlocks_)
@@ -133,8 +133,9 @@ void Checker::check(const ComposedText& text) {
 
 void Checker::check(const DirectiveCall& call) {
     const Directive& directive = program_.directives[call.directive];
-    if (!host_.findDirective(directive.name, 0)) {
-        warn(here_, "Unknown preprocessor directive: " + std::string(directive.name));
+    const std::string_view name = program_.view(directive.name);
+    if (!host_.findDirective(name, 0)) {
+        warn(here_, "Unknown preprocessor directive: " + std::string(name));
     }
     checkRange(program_.parameters, directive.parameters);
 }
@@ -171,37 +172,39 @@ void Checker::check(const DialogBlock& block) {
     for (std::size_t i = 0; i < dialog.items.count; ++i) {
         const Expression& item = program_.expressions[dialog.items.first + i];
         const auto* call = std::get_if<Call>(&item.value);
-        if (call == nullptr || !controlKind(functionName(*call))) {
+        if (call == nullptr || !controlKind(functionName(program_, *call))) {
             check(item);
             continue;
         }
         check(*call);
-        if (item.target) answered.push_back(*item.target);
+        if (const auto target = program_.target(item)) answered.push_back(*target);
     }
     for (const std::string_view name : answered)
         markSet(name);
 }
 
 void Checker::check(const Reference& reference) {
-    if (isSet(reference.name)) return;
-    if (reference.name.empty()) {
-        warn(reference.name.data(), "A name is missing");
+    const std::string_view name = program_.view(reference.name);
+    if (isSet(name)) return;
+    if (name.empty()) {
+        warn(name.data(), "A name is missing");
         return;
     }
-    warn(reference.name.data(), "Variable not found: " + std::string(reference.name));
-    markSet(reference.name);
+    warn(name.data(), "Variable not found: " + std::string(name));
+    markSet(name);
 }
 
 void Checker::check(const Word& word) {
-    const bool looksLikeName = std::all_of(word.text.begin(), word.text.end(),
-                                           [this](char c) { return characters_.isName(c); });
-    if (looksLikeName && !isSet(word.text)) {
-        warn(word.text.data(), "Not a variable, taken as a text: " + std::string(word.text));
+    const std::string_view text = program_.view(word.text);
+    const bool looksLikeName =
+        std::all_of(text.begin(), text.end(), [this](char c) { return characters_.isName(c); });
+    if (looksLikeName && !isSet(text)) {
+        warn(text.data(), "Not a variable, taken as a text: " + std::string(text));
     }
 }
 
 void Checker::check(const Call& call) {
-    const std::string_view name = functionName(call);
+    const std::string_view name = functionName(program_, call);
     if (!controlKind(name) && !host_.findFunction(name, 0)) {
         warn(name.data(), "Unknown function: " + std::string(name));
     }
@@ -210,7 +213,7 @@ void Checker::check(const Call& call) {
 
 void Checker::check(const Expression& expression) {
     check(expression.value);
-    if (expression.target) markSet(*expression.target);
+    if (const auto target = program_.target(expression)) markSet(*target);
 }
 
 }  // namespace
@@ -220,7 +223,7 @@ std::vector<Diagnostic> checkScript(std::string_view text, std::string_view name
                                     const VariableStore& variables, Host& host) {
     Findings findings(text, name);
     ParseFindings parseFindings(findings);
-    Program program;
+    Program program(text);
     parseScript(text, characters, program, parseFindings);
     Checker(program, rules, characters, variables, host, findings).checkAll();
     return std::move(findings).inOrder();

@@ -8,9 +8,9 @@ namespace kel::script {
 namespace {
 
 // The call of an item that is a control; null for an ordinary expression.
-const Call* controlCall(const Expression& item) {
+const Call* controlCall(const Program& program, const Expression& item) {
     const auto* call = std::get_if<Call>(&item.value);
-    return call != nullptr && controlKind(functionName(*call)) ? call : nullptr;
+    return call != nullptr && controlKind(functionName(program, *call)) ? call : nullptr;
 }
 
 // Builds the question. Ordinary items take effect here, before it is shown.
@@ -25,16 +25,16 @@ std::optional<Question> composeQuestion(const Dialog& dialog, const Program& pro
     }
     for (std::size_t i = 0; i < dialog.items.count; ++i) {
         const Expression& item = program.expressions[dialog.items.first + i];
-        const Call* call = controlCall(item);
+        const Call* call = controlCall(program, item);
         if (call == nullptr) {
             if (!evaluator.evaluate(item)) return std::nullopt;
             continue;
         }
         auto parameters = evaluator.operands(call->parameters);
         if (!parameters) return std::nullopt;
-        question.controls.push_back(makeControl(*controlKind(functionName(*call)), item.target,
-                                                *std::move(parameters), environment.variables,
-                                                environment.rules));
+        question.controls.push_back(makeControl(*controlKind(functionName(program, *call)),
+                                                program.target(item), *std::move(parameters),
+                                                environment.variables, environment.rules));
     }
     return question;
 }
@@ -44,8 +44,8 @@ void storeAnswers(const Dialog& dialog, const Program& program,
     auto answer = answers.begin();
     for (std::size_t i = 0; i < dialog.items.count; ++i) {
         const Expression& item = program.expressions[dialog.items.first + i];
-        if (controlCall(item) == nullptr) continue;
-        if (item.target) environment.setVariable(*item.target, *answer);
+        if (controlCall(program, item) == nullptr) continue;
+        if (const auto target = program.target(item)) environment.setVariable(*target, *answer);
         ++answer;
     }
 }

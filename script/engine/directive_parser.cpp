@@ -26,7 +26,7 @@ std::string_view skipSeparator(const Characters& characters, std::string_view te
 std::optional<std::string_view> parseString(Parse& parse, std::string_view text) {
     const std::size_t end = text.find(text.front(), 1);
     if (end == std::string_view::npos) return parse.fail(text.data(), "Unterminated string");
-    parse.parameters.push_back(Literal{text.substr(1, end - 1)});
+    parse.parameters.push_back(Literal{parse.program.piece(text.substr(1, end - 1))});
     return text.substr(end + 1);
 }
 
@@ -64,13 +64,14 @@ std::optional<std::string_view> parseWord(Parse& parse, std::string_view text) {
         return characters.isBlank(c) || kMarks.find(c) != std::string_view::npos;
     });
     const std::string_view word = text.substr(0, static_cast<std::size_t>(end - text.begin()));
+    const Piece piece = parse.program.piece(word);
     if (word.empty() || characters.isDigit(word.front())) {
-        parse.parameters.push_back(Literal{word});
+        parse.parameters.push_back(Literal{piece});
     } else if (word.front() == '%') {
         if (!parseReferenceName(parse, text.substr(1))) return std::nullopt;
-        parse.parameters.push_back(Reference{word.substr(1)});
+        parse.parameters.push_back(Reference{parse.program.piece(word.substr(1))});
     } else {
-        parse.parameters.push_back(Word{word});
+        parse.parameters.push_back(Word{piece});
     }
     return text.substr(word.size());
 }
@@ -136,8 +137,10 @@ std::optional<Comparison> parseComparison(Parse& parse, std::string_view line,
         const auto left = toComparand(parameters[0]);
         const auto* sign = std::get_if<Word>(&parameters[1]);
         const auto right = toComparand(parameters[2]);
-        if (left && right && sign != nullptr && (sign->text == "==" || sign->text == "!=")) {
-            return Comparison{*left, *right, sign->text == "=="};
+        const std::string_view mark =
+            sign != nullptr ? parse.program.view(sign->text) : std::string_view();
+        if (left && right && (mark == "==" || mark == "!=")) {
+            return Comparison{*left, *right, mark == "=="};
         }
     }
     return parse.fail(line.data(), "Invalid syntax in #" + std::string(keyword) + " statement");

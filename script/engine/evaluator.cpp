@@ -29,30 +29,33 @@ void Environment::setVariable(std::string_view name, const std::string& value) c
     observer.variableSet(name, value);
 }
 
-std::string_view functionName(const Call& call) {
-    return call.name.empty() ? std::string_view("input") : call.name;
+std::string_view functionName(const Program& program, const Call& call) {
+    return call.name.size == 0 ? std::string_view("input") : program.view(call.name);
 }
 
 std::optional<std::string> Evaluator::evaluate(const Expression& expression) const {
     const auto* callee = std::get_if<Call>(&expression.value);
-    auto value = callee != nullptr ? call(*callee, expression.target)
-                                   : evaluate(std::get<Operand>(expression.value));
-    if (value && expression.target) environment_.setVariable(*expression.target, *value);
+    const auto target = program_.target(expression);
+    auto value =
+        callee != nullptr ? call(*callee, target) : evaluate(std::get<Operand>(expression.value));
+    if (value && target) environment_.setVariable(*target, *value);
     return value;
 }
 
 std::optional<std::string> Evaluator::evaluate(const Operand& operand) const {
-    if (const auto* literal = std::get_if<Literal>(&operand)) return std::string(literal->text);
-    return variable(std::get<Reference>(operand).name);
+    if (const auto* literal = std::get_if<Literal>(&operand))
+        return std::string(program_.view(literal->text));
+    return variable(std::get<Reference>(operand));
 }
 
 std::optional<std::string> Evaluator::evaluate(const Parameter& parameter) const {
-    if (const auto* literal = std::get_if<Literal>(&parameter)) return std::string(literal->text);
-    if (const auto* reference = std::get_if<Reference>(&parameter))
-        return variable(reference->name);
+    if (const auto* literal = std::get_if<Literal>(&parameter))
+        return std::string(program_.view(literal->text));
+    if (const auto* reference = std::get_if<Reference>(&parameter)) return variable(*reference);
     if (const auto* word = std::get_if<Word>(&parameter)) {
-        const std::string* value = environment_.variables.find(word->text);
-        return value != nullptr ? *value : std::string(word->text);
+        const std::string_view text = program_.view(word->text);
+        const std::string* value = environment_.variables.find(text);
+        return value != nullptr ? *value : std::string(text);
     }
     return evaluate(program_.expressions[std::get<ExpressionIndex>(parameter).index]);
 }
@@ -65,7 +68,8 @@ std::optional<std::vector<std::string>> Evaluator::parameters(Range range) const
     return evaluateAll(*this, program_.parameters, range);
 }
 
-std::optional<std::string> Evaluator::variable(std::string_view name) const {
+std::optional<std::string> Evaluator::variable(Reference reference) const {
+    const std::string_view name = program_.view(reference.name);
     if (const std::string* value = environment_.variables.find(name)) return *value;
     environment_.reporter.errorAt(name.data(), "Variable not found:", {name});
     return std::nullopt;
@@ -73,7 +77,7 @@ std::optional<std::string> Evaluator::variable(std::string_view name) const {
 
 std::optional<std::string> Evaluator::call(const Call& call,
                                            std::optional<std::string_view> target) const {
-    const std::string_view name = functionName(call);
+    const std::string_view name = functionName(program_, call);
     const auto kind = controlKind(name);
     if (!kind) return callFunction(call, name);
 
@@ -84,7 +88,8 @@ std::optional<std::string> Evaluator::call(const Call& call,
         makeControl(*kind, target, *std::move(values), environment_.variables, environment_.rules));
     const Answers answers = environment_.host.ask(question);
     if (answers && answers->size() == 1) return answers->front();
-    environment_.reporter.errorAt(call.name.data(), "Error evaluating expression:", {name});
+    environment_.reporter.errorAt(program_.at(call.name.begin),
+                                  "Error evaluating expression:", {name});
     return std::nullopt;
 }
 

@@ -44,7 +44,7 @@ public:
     std::optional<std::vector<std::string>> parameters(Range range) const;
 
     // The value now, since calling out may change it.
-    std::optional<std::string> variable(std::string_view name) const;
+    std::optional<std::string> variable(Reference reference) const;
 
 private:
     std::optional<std::string> call(const Call& call, std::optional<std::string_view> target) const;
@@ -55,6 +55,6 @@ private:
 };
 
 // The name that a call has or, when it has none, stands for.
-std::string_view functionName(const Call& call);
+std::string_view functionName(const Program& program, const Call& call);
 
 }  // namespace kel::script

@@ -6,7 +6,7 @@ namespace kel::script {
 bool Executor::run() {
     for (std::size_t i = 0; i < program_.records.size(); ++i) {
         const Record& record = program_.records[i];
-        environment_.reporter.moveTo(record.start);
+        environment_.reporter.moveTo(program_.at(record.start));
         environment_.host.yield();
         if (environment_.host.cancelRequested()) {
             return environment_.reporter.error("Execution cancelled!");
@@ -23,7 +23,7 @@ bool Executor::execute(const Record& record) {
 }
 
 bool Executor::execute(const PlainText& text) {
-    return send(text.text);
+    return send(program_.view(text.text));
 }
 
 bool Executor::execute(const ComposedText& text) {
@@ -31,13 +31,13 @@ bool Executor::execute(const ComposedText& text) {
     for (std::size_t i = 0; i < text.segments.count; ++i) {
         const Segment& segment = program_.segments[text.segments.first + i];
         if (const auto* literal = std::get_if<Literal>(&segment)) {
-            line_ += literal->text;
+            line_ += program_.view(literal->text);
             continue;
         }
         const auto* reference = std::get_if<Reference>(&segment);
         const auto value =
             reference != nullptr
-                ? evaluator_.variable(reference->name)
+                ? evaluator_.variable(*reference)
                 : evaluator_.evaluate(
                       program_.expressions[std::get<ExpressionIndex>(segment).index]);
         if (!value) return false;
@@ -52,22 +52,23 @@ bool Executor::execute(const Evaluation& evaluation) {
 
 bool Executor::execute(const DirectiveCall& call) {
     const Directive& directive = program_.directives[call.directive];
+    const std::string_view name = program_.view(directive.name);
     Host& host = environment_.host;
     Reporter& reporter = environment_.reporter;
-    std::optional<std::size_t> row = host.findDirective(directive.name, 0);
-    for (; row; row = host.findDirective(directive.name, *row + 1)) {
+    std::optional<std::size_t> row = host.findDirective(name, 0);
+    for (; row; row = host.findDirective(name, *row + 1)) {
         const auto parameters = evaluator_.parameters(directive.parameters);
         if (!parameters) return false;
-        environment_.observer.directiveStarted(directive.name, *parameters);
+        environment_.observer.directiveStarted(name, *parameters);
         const std::size_t errorsBefore = reporter.count();
         const DirectiveOutcome outcome = host.callDirective(*row, *parameters);
         if (!outcome.result) {
-            return reporter.noteUnlessReported(
-                errorsBefore, "The directive failed: " + std::string(directive.name));
+            return reporter.noteUnlessReported(errorsBefore,
+                                               "The directive failed: " + std::string(name));
         }
         if (outcome.handled) return true;
     }
-    return reporter.error("Unknown preprocessor directive:", {directive.name});
+    return reporter.error("Unknown preprocessor directive:", {name});
 }
 
 bool Executor::execute(const Conditional& conditional) {

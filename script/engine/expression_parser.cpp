@@ -34,7 +34,8 @@ std::string_view upTo(std::string_view text, std::size_t begin, std::size_t end)
 std::optional<ParsedValue> parseCall(Parse& parse, std::string_view text, std::size_t open) {
     const Characters& characters = parse.characters;
     auto& operands = parse.program.operands;
-    Call call{withoutQuotes(characters.trim(text.substr(0, open))), {operands.size(), 0}};
+    Call call{parse.program.piece(withoutQuotes(characters.trim(text.substr(0, open)))),
+              {operands.size(), 0}};
 
     std::size_t begin = open + 1;
     std::optional<std::size_t> quote;
@@ -49,7 +50,7 @@ std::optional<ParsedValue> parseCall(Parse& parse, std::string_view text, std::s
             const bool isCallOfNothing =
                 c == ')' && call.parameters.count == 0 && parameter.empty();
             if (!isCallOfNothing) {
-                operands.push_back(classifyOperand(characters, parameter));
+                operands.push_back(classifyOperand(parse, parameter));
                 ++call.parameters.count;
             }
             if (c == ')') return ParsedValue{call, text.substr(i + 1)};
@@ -83,16 +84,17 @@ std::optional<ParsedValue> parseValue(Parse& parse, std::string_view text) {
     }
     if (quote) return parse.fail(&text[*quote], "Unterminated string");
     if (stranger) return parse.fail(&text[*stranger], "Invalid function name:", text);
-    return ParsedValue{classifyOperand(parse.characters, text), text.substr(text.size())};
+    return ParsedValue{classifyOperand(parse, text), text.substr(text.size())};
 }
 
 }  // namespace
 
 // operand := '"' text '"' | "'" text "'" | digit text | nothing | name
-Operand classifyOperand(const Characters& characters, std::string_view text) {
-    if (isQuoted(text)) return Literal{withoutQuotes(text)};
-    if (text.empty() || characters.isDigit(text.front())) return Literal{text};
-    return Reference{text};
+Operand classifyOperand(const Parse& parse, std::string_view text) {
+    const Piece piece = parse.program.piece(withoutQuotes(text));
+    if (isQuoted(text) || text.empty() || parse.characters.isDigit(text.front()))
+        return Literal{piece};
+    return Reference{piece};
 }
 
 // expression := [ target "=" ] value          target := { letter | digit | "_" }
@@ -112,7 +114,9 @@ std::optional<ParsedExpression> parseExpression(Parse& parse, std::string_view t
     const std::string_view valueText = target ? text.substr(target->size() + 1) : text;
     auto value = parseValue(parse, valueText);
     if (!value) return std::nullopt;
-    return ParsedExpression{{target, std::move(value->value)}, value->rest};
+    Expression expression{std::nullopt, std::move(value->value)};
+    if (target) expression.target = parse.program.piece(*target);
+    return ParsedExpression{std::move(expression), value->rest};
 }
 
 std::optional<ExpressionIndex> parseWholeExpression(Parse& parse, std::string_view text) {

@@ -23,6 +23,6 @@ std::optional<ExpressionIndex> parseWholeExpression(Parse& parse, std::string_vi
 std::optional<std::string_view> parseReferenceName(Parse& parse, std::string_view text);
 
 // A literal when the text is quoted, empty or begins with a digit, else a variable.
-Operand classifyOperand(const Characters& characters, std::string_view text);
+Operand classifyOperand(const Parse& parse, std::string_view text);
 
 }  // namespace kel::script

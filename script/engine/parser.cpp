@@ -76,7 +76,8 @@ void ScriptParser::parseDialog(std::string_view line) {
     }
     while (const auto item = lines_.next()) {
         if (equalsWord(*item, "#ENDDIALOG")) {
-            program.records.push_back({line.data(), DialogBlock{program.dialogs.size()}});
+            program.records.push_back(
+                {program.place(line.data()), DialogBlock{program.dialogs.size()}});
             program.dialogs.push_back(dialog);
             return;
         }
@@ -97,7 +98,8 @@ void ScriptParser::parseDialog(std::string_view line) {
 void ScriptParser::addConditional(std::string_view line, ConditionalKind kind,
                                   std::string_view keyword) {
     Program& program = parse_.program;
-    program.records.push_back({line.data(), Conditional{kind, program.comparisons.size()}});
+    program.records.push_back(
+        {program.place(line.data()), Conditional{kind, program.comparisons.size()}});
     if (keyword.empty()) return;
     const auto comparison = parseComparison(parse_, line, keyword);
     if (!comparison) fail();
@@ -106,11 +108,12 @@ void ScriptParser::addConditional(std::string_view line, ConditionalKind kind,
 
 void ScriptParser::addDirectiveCall(std::string_view line, std::string_view name) {
     Program& program = parse_.program;
-    const Range range{program.parameters.size(), parse_.parameters.size()};
+    const Range range{program.parameters.size(), static_cast<Small>(parse_.parameters.size())};
     for (const Parameter& parameter : parse_.parameters)
         program.parameters.push_back(parameter);
-    program.records.push_back({line.data(), DirectiveCall{program.directives.size()}});
-    program.directives.push_back({name, range});
+    program.records.push_back(
+        {program.place(line.data()), DirectiveCall{program.directives.size()}});
+    program.directives.push_back({program.piece(name), range});
 }
 
 void ScriptParser::fail() {

@@ -2,6 +2,7 @@
 // A sequence that grows without moving what it holds.
 
 #include <cstddef>
+#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -12,7 +13,8 @@ namespace kel::script {
 template <class Element>
 class Pool {
 public:
-    std::size_t size() const { return size_; }
+    // A program has no more elements of a kind than its text has characters.
+    std::uint32_t size() const { return size_; }
 
     const Element& operator[](std::size_t index) const {
         return blocks_[index / kBlockSize][index % kBlockSize];
@@ -31,7 +33,7 @@ private:
     static constexpr std::size_t kBlockSize = 2048;
 
     std::vector<std::vector<Element>> blocks_;
-    std::size_t size_ = 0;
+    std::uint32_t size_ = 0;
 };
 
 }  // namespace kel::script

@@ -2,7 +2,10 @@
 // A parsed script: small values that refer to the script's text.
 
 #include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <optional>
+#include <stdexcept>
 #include <string_view>
 #include <variant>
 
@@ -10,41 +13,51 @@
 
 namespace kel::script {
 
+// Places and lengths take four bytes each: what stands for a long script is as long again as its
+// text, and fresh memory is dear.
+using Small = std::uint32_t;
+
+// A piece of the script's text.
+struct Piece {
+    Small begin = 0;
+    Small size = 0;
+};
+
 // Consecutive elements of one of the program's pools.
 struct Range {
-    std::size_t first = 0;
-    std::size_t count = 0;
+    Small first = 0;
+    Small count = 0;
 };
 
 // A text that stands for itself.
 struct Literal {
-    std::string_view text;
+    Piece text;
 };
 
 // The value of a variable, which must exist.
 struct Reference {
-    std::string_view name;
+    Piece name;
 };
 
 // A bare word of a directive line: the value of the variable of that name, else the word.
 struct Word {
-    std::string_view text;
+    Piece text;
 };
 
 // An element of the program's expressions.
 struct ExpressionIndex {
-    std::size_t index = 0;
+    Small index = 0;
 };
 
 using Operand = std::variant<Literal, Reference>;
 
 struct Call {
-    std::string_view name;  // empty: "input"
-    Range parameters;       // operands
+    Piece name;        // empty: "input"
+    Range parameters;  // operands
 };
 
 struct Expression {
-    std::optional<std::string_view> target;  // the variable that receives the value
+    std::optional<Piece> target;  // the variable that receives the value
     std::variant<Operand, Call> value;
 };
 
@@ -52,7 +65,7 @@ using Segment = std::variant<Literal, Reference, ExpressionIndex>;
 using Parameter = std::variant<Literal, Reference, Word, ExpressionIndex>;
 
 struct Directive {
-    std::string_view name;
+    Piece name;
     Range parameters;
 };
 
@@ -69,12 +82,12 @@ struct Dialog {
     Range items;  // expressions
 };
 
-// The kinds of records. What is larger than two words stands in a pool, so that the many plain
+// The kinds of records. What is larger than a piece stands in a pool, so that the many plain
 // lines of a long script stay small.
 
 // A line to be sent as it stands.
 struct PlainText {
-    std::string_view text;
+    Piece text;
 };
 
 // A line to be sent, with something to be put in.
@@ -84,29 +97,48 @@ struct ComposedText {
 
 // A line that is evaluated and not sent.
 struct Evaluation {
-    std::size_t expression = 0;
+    Small expression = 0;
 };
 
 struct DirectiveCall {
-    std::size_t directive = 0;
+    Small directive = 0;
 };
 
 struct Conditional {
     ConditionalKind kind = ConditionalKind::If;
-    std::size_t comparison = 0;  // of If and ElseIf
+    Small comparison = 0;  // of If and ElseIf
 };
 
 struct DialogBlock {
-    std::size_t dialog = 0;
+    Small dialog = 0;
 };
 
 struct Record {
-    const char* start;  // of the line, in the script's text
+    Small start = 0;  // of the line
     std::variant<PlainText, ComposedText, Evaluation, DirectiveCall, Conditional, DialogBlock> work;
 };
 
-// Every view points into the script's text, which must outlive the program.
-struct Program {
+// Refers to the script's text, which must outlive the program.
+class Program {
+public:
+    // Throws when the text is too long to have its places told.
+    explicit Program(std::string_view text) : text_(text) {
+        if (text.size() > std::numeric_limits<Small>::max()) {
+            throw std::length_error("The script is too long");
+        }
+    }
+
+    std::string_view view(Piece piece) const { return text_.substr(piece.begin, piece.size); }
+    std::optional<std::string_view> target(const Expression& expression) const {
+        if (!expression.target) return std::nullopt;
+        return view(*expression.target);
+    }
+    const char* at(Small place) const { return text_.data() + place; }
+    Small place(const char* where) const { return static_cast<Small>(where - text_.data()); }
+    Piece piece(std::string_view view) const {
+        return {place(view.data()), static_cast<Small>(view.size())};
+    }
+
     Pool<Record> records;
     Pool<Segment> segments;
     Pool<Expression> expressions;
@@ -115,6 +147,9 @@ struct Program {
     Pool<Parameter> parameters;
     Pool<Comparison> comparisons;
     Pool<Dialog> dialogs;
+
+private:
+    std::string_view text_;
 };
 
 }  // namespace kel::script

@@ -60,7 +60,7 @@ bool Session::run(std::string_view text, std::string_view name) {
 }
 
 bool Session::parseAndExecute(std::string_view text) {
-    Program program;
+    Program program(text);
     ErrorDisplay display(reporter_);
     if (!parseScript(text, characters_, program, display)) return false;
     if (depth() == 1) host_.clearCancelRequest();

@@ -9,7 +9,7 @@ namespace {
 std::optional<Record> parseEvaluation(Parse& parse, std::string_view line) {
     const auto expression = parseWholeExpression(parse, line.substr(1));
     if (!expression) return std::nullopt;
-    return Record{line.data(), Evaluation{expression->index}};
+    return Record{parse.program.place(line.data()), Evaluation{expression->index}};
 }
 
 // inline-expression := "##" expression
@@ -29,7 +29,7 @@ std::optional<std::string_view> parseInlineExpression(Parse& parse, std::string_
 std::optional<std::string_view> parseReference(Parse& parse, std::string_view text) {
     const auto name = parseReferenceName(parse, text.substr(1));
     if (!name) return std::nullopt;
-    parse.program.segments.push_back(Reference{*name});
+    parse.program.segments.push_back(Reference{parse.program.piece(*name)});
     return text.substr(1 + name->size());
 }
 
@@ -38,12 +38,14 @@ std::optional<std::string_view> parseReference(Parse& parse, std::string_view te
 //
 // Quotes stay in the text. The marks looked for are never the second half of a two-byte character.
 std::optional<Record> parseSentLine(Parse& parse, std::string_view line) {
-    auto& segments = parse.program.segments;
-    const std::size_t first = segments.size();
+    Program& program = parse.program;
+    auto& segments = program.segments;
+    const Small first = segments.size();
     std::string_view rest = line;
     std::size_t literalSize = 0;
     const auto addLiteral = [&] {
-        if (literalSize != 0) segments.push_back(Literal{rest.substr(0, literalSize)});
+        if (literalSize != 0)
+            segments.push_back(Literal{program.piece(rest.substr(0, literalSize))});
     };
 
     bool isInQuotes = false;
@@ -64,9 +66,10 @@ std::optional<Record> parseSentLine(Parse& parse, std::string_view line) {
         rest = *next;
         literalSize = 0;
     }
-    if (segments.size() == first) return Record{line.data(), PlainText{line}};
+    const Small start = program.place(line.data());
+    if (segments.size() == first) return Record{start, PlainText{program.piece(line)}};
     addLiteral();
-    return Record{line.data(), ComposedText{{first, segments.size() - first}}};
+    return Record{start, ComposedText{{first, segments.size() - first}}};
 }
 
 }  // namespace

@@ -65,7 +65,7 @@ TEST(LargeScript, ManyVariablesAreFoundQuickly) {
 }
 
 // A plain line costs this much besides its text; 32-bit processes have to hold long scripts.
-static_assert(sizeof(void*) != 4 || sizeof(Record) <= 16);
+static_assert(sizeof(Record) <= 16);
 
 }  // namespace
 }  // namespace kel::script
