@@ -100,7 +100,7 @@ measure_windows() {
 
 # The recorder's dialog on two instruments: one with many files, one with a large one.
 measure_recorder() {
-    local card address ports=()
+    local card address tries ports=()
     mkdir -p -- "$folder/card"
     for card in many large; do
         become_detached "$kel_build/native/bench/instrument/virtual-instrument" --tcp 0 --card "$card" --parent $$ \

@@ -1,5 +1,6 @@
 #include "hosts/shared/model/address.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "hosts/shared/model/failure.h"
@@ -16,6 +17,17 @@ bool isPort(std::string_view text) {
            port <= kHighestPort;
 }
 
+// "gate:HOST": what a link is told before a host. The digits of an IPv6 address are no such word.
+std::string_view withoutWord(std::string_view host) {
+    const auto colon = host.find(':');
+    if (colon == std::string_view::npos) return host;
+    const std::string_view word = host.substr(0, colon);
+    const bool isWord = !word.empty() && std::all_of(word.begin(), word.end(), [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+    });
+    return isWord ? host.substr(colon + 1) : host;
+}
+
 bool isBracketed(std::string_view host) {
     return host.size() > 2 && host.front() == '[' && host.back() == ']';
 }
@@ -28,7 +40,8 @@ Address parseAddress(std::string_view text) {
         const std::string_view host = text.substr(0, colon);
         const std::string port(text.substr(colon + 1));
         if (isBracketed(host)) return {std::string(host.substr(1, host.size() - 2)), port};
-        if (!host.empty() && host.find_first_of(":[] ") == std::string_view::npos) {
+        const std::string_view name = withoutWord(host);
+        if (!name.empty() && name.find_first_of(":[] ") == std::string_view::npos) {
             return {std::string(host), port};
         }
     }

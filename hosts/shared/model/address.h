@@ -11,7 +11,8 @@ struct Address {
     std::string port;
 };
 
-// Takes HOST:PORT apart; HOST may be a name, a numeric address, or an IPv6 address in brackets.
+// Takes HOST:PORT apart; HOST may be a name, a numeric address, or an IPv6 address in brackets;
+// a word for the link may stand before a name, as in "gate:HOST".
 // Throws Failure (no connection) when it is none.
 Address parseAddress(std::string_view text);
 

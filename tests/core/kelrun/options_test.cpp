@@ -103,6 +103,7 @@ TEST(KelrunOptions, HelpFitsAScreenAndNamesEveryExitCode) {
 TEST(KelrunAddress, TakesHostAndPortApart) {
     EXPECT_EQ(parseAddress("gate.example:4001").host, "gate.example");
     EXPECT_EQ(parseAddress("10.0.0.1:65535").port, "65535");
+    EXPECT_EQ(parseAddress("gate:10.0.0.1:4001").host, "gate:10.0.0.1");
     EXPECT_EQ(parseAddress("[fe80::1]:1").host, "fe80::1");
     for (const char* text : {"", "host", "host:", ":1", "host:0", "host:65536", "host:x", "host:-1",
                              "::1:80", "[]:1", "a b:1"}) {
