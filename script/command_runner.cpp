@@ -31,10 +31,8 @@ constexpr long kBreakDuration = 300;
 constexpr long kReplyTimeout = 3000;
 constexpr long kDefaultBaudRate = 9600;
 
-// Without a link there is nothing to wait for: the text has not come, at once.
 bool waitForText(const com::ComPtr<IKelCommunicator>& link, std::wstring_view text,
                  bool stopOnPrompt) {
-    if (!link) return false;
     VARIANT_BOOL found = VARIANT_FALSE;
     com::check(link->WaitForString(com::Bstr(text).get(), kOneSecond,
                                    com::variantBool(stopOnPrompt), &found),
@@ -153,8 +151,9 @@ CommandRunner::Outcome CommandRunner::runFunction(IKelCommunicator* communicator
     }
 }
 
-// The link shows what comes in while it waits.
+// The link shows what comes in while it waits. Without a link there is nothing to wait for.
 bool CommandRunner::wait(const Link& link, const Parameters& parameters) {
+    if (!link) return true;
     for (long seconds = parameters.number(0, 1); seconds > 0; --seconds) {
         waitForText(link, kTextThatNeverComes, false);
         clearReadBuffer(link);
@@ -166,6 +165,7 @@ bool CommandRunner::wait(const Link& link, const Parameters& parameters) {
 // A cancel is not a failure of the wait: the run tells of it before its next line.
 bool CommandRunner::waitFor(const Link& link, const Parameters& parameters, std::wstring_view text,
                             std::string_view failure) {
+    if (!link) return fail(failure);
     for (long attempts = parameters.number(0, 1); attempts > 0; --attempts) {
         const bool found = waitForText(link, text, true);
         if (owner_.state.cancelRequested || found) return true;

@@ -45,8 +45,8 @@ com::ComPtr<IKelStream> portOf(const com::ComPtr<IKelCommunicator>& link) {
 bool isRead(const com::ComPtr<IKelCommunicator>& link) {
     com::ComPtr<IPreprocessor> preprocessor;
     com::ComPtr<IPreprocessor2> reader;
-    if (FAILED(link->get_Preprocessor(&preprocessor)) || !preprocessor) return false;
-    if (FAILED(preprocessor.As(&reader))) return false;
+    if (FAILED(link->get_Preprocessor(&preprocessor))) return true;
+    if (!preprocessor || FAILED(preprocessor.As(&reader))) return false;
     VARIANT_BOOL isReading = VARIANT_FALSE;
     return FAILED(reader->get_ReadingFromStream(&isReading)) || com::isTrue(isReading);
 }

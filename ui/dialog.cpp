@@ -37,6 +37,10 @@ void prepareControls() {
     AtlAxWinInit();
 }
 
+HCURSOR waitCursor() {
+    return LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_WAIT));
+}
+
 Rectangle toRectangle(const RECT& rectangle) {
     return {static_cast<int>(rectangle.left), static_cast<int>(rectangle.top),
             static_cast<int>(rectangle.right), static_cast<int>(rectangle.bottom)};
@@ -191,7 +195,7 @@ LRESULT CALLBACK Dialog::controlProcedure(HWND control, UINT message, WPARAM wid
 std::optional<LRESULT> Dialog::dispatchControl(HWND control, UINT message, WPARAM wide,
                                                LPARAM longer) noexcept {
     // The controls of a dialog that goes are of no interest to it any more.
-    if (!window_) return std::nullopt;
+    if (!window_ || isBusy_) return std::nullopt;
     std::optional<com::KeepAlive> alive;
     if (component_) alive.emplace(*component_);
     try {
@@ -223,7 +227,20 @@ INT_PTR Dialog::dispatch(UINT message, WPARAM wide, LPARAM longer) noexcept {
     }
 }
 
+Dialog::Busy::Busy(Dialog& dialog)
+    : isBusy_(dialog.isBusy_, true), before_(SetCursor(waitCursor())) {}
+
+Dialog::Busy::~Busy() {
+    SetCursor(before_);
+}
+
 INT_PTR Dialog::process(UINT message, WPARAM wide, LPARAM longer) {
+    if (isBusy_ && message == WM_COMMAND && LOWORD(wide) != IDCANCEL) return TRUE;
+    if (isBusy_ && message == WM_SETCURSOR) {
+        SetCursor(waitCursor());
+        SetWindowLongPtrW(window_, DWLP_MSGRESULT, TRUE);
+        return TRUE;
+    }
     std::optional<LRESULT> result;
     switch (message) {
         case WM_INITDIALOG:

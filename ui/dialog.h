@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "com/object.h"
+#include "com/scoped.h"
 #include "ui/dialog_template.h"
 #include "ui/model/placement.h"
 
@@ -42,6 +43,9 @@ public:
 
     // Null while there is none.
     HWND window() const { return window_; }
+
+    // Something is being done that takes its time.
+    bool isBusy() const { return isBusy_; }
 
     // Throws what a part could not initialise for; nothing when it could.
     void rethrowInitialisationFailure() const {
@@ -89,6 +93,19 @@ protected:
 
     void end(INT_PTR result);
 
+    // While one lives the user can only cancel, and sees the cursor that tells to wait.
+    class Busy {
+    public:
+        explicit Busy(Dialog& dialog);
+        ~Busy();
+        Busy(const Busy&) = delete;
+        Busy& operator=(const Busy&) = delete;
+
+    private:
+        com::Scoped<bool> isBusy_;
+        HCURSOR before_;
+    };
+
     HWND control(int identifier) const { return GetDlgItem(window_, identifier); }
     std::wstring text(int identifier) const;
     void setText(int identifier, std::wstring_view text);
@@ -120,6 +137,7 @@ private:
     HWND window_ = nullptr;
     bool isModal_ = false;
     bool isInitialising_ = false;
+    bool isBusy_ = false;
     INT_PTR result_ = 0;
     std::exception_ptr initialisationFailure_;
     std::set<UINT_PTR> runningTimers_;

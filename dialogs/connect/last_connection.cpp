@@ -20,7 +20,7 @@ void connectSerial(const com::ComPtr<IKelCommunicator>& link, const std::wstring
     if (port.name.empty()) failWith(L"No serial port is remembered for '" + application + L"'");
     SerialLink serial(link);
     serial.createStream();
-    if (serial.isCurrent(port.name)) {
+    if (serial.hasOpenSerialPort() && serial.isCurrent(port.name)) {
         serial.setRate(port.rate, kSessionRules);
     } else if (const auto error = serial.connect(port.name, port.rate)) {
         failWith(sessionFailureText(port.name, *error), HRESULT_FROM_WIN32(*error));

@@ -4,7 +4,6 @@
 #include "dialogs/connect/connection_store.h"
 #include "resources/resource_ids.h"
 #include "ui/redraw_pause.h"
-#include "ui/wait_cursor.h"
 
 namespace kel::connect {
 
@@ -63,7 +62,6 @@ std::optional<std::size_t> NetworkForm::selected() const {
 bool NetworkForm::connect() {
     const auto index = selected();
     if (!index) return false;
-    // The list may change while the link works.
     const NetworkConnection connection = list_.all()[*index];
     const std::wstring place = connection.address + L" : " + connection.port;
     if (!isConnected(connection)) {
@@ -73,10 +71,8 @@ bool NetworkForm::connect() {
             return false;
         }
     }
-    if (const auto now = selected()) {
-        list_.use(*now);
-        fillTree();
-    }
+    list_.use(*index);
+    if (window()) fillTree();
     return true;
 }
 
@@ -84,7 +80,7 @@ bool NetworkForm::connect() {
 bool NetworkForm::reach(NetworkConnection connection, std::size_t index) {
     for (;;) {
         {
-            const ui::WaitCursor cursor;
+            const Busy busy(*this);
             if (link_.connect(connection)) return true;
             if (!link_.wantsPassword()) return false;
         }

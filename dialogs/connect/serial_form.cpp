@@ -70,6 +70,7 @@ bool SerialForm::connect() {
     const std::wstring port = port_;
     const long rate = chosenRate();
     if (port.empty()) {
+        link_.requireStream();
         showStatus(L"There is no port to connect to");
         return false;
     }

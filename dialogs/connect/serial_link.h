@@ -23,6 +23,8 @@ public:
     // Makes the stream that is to be connected. Where the link's library has none, all that needs
     // it fails with E_POINTER later.
     void createStream();
+    // Throws where there is none.
+    void requireStream() const { stream(); }
 
     // The name of the link's port, as it is shown; empty where it has none.
     std::wstring currentPort() const;

@@ -1,7 +1,5 @@
 #include "dialogs/connect/serial_page.h"
 
-#include "ui/wait_cursor.h"
-
 namespace kel::connect {
 
 std::wstring sessionFailureText(const std::wstring& port, DWORD error) {
@@ -9,7 +7,7 @@ std::wstring sessionFailureText(const std::wstring& port, DWORD error) {
 }
 
 bool SerialPage::carryOut() {
-    const ui::WaitCursor cursor;
+    const Busy busy(*this);
     return connect();
 }
 

@@ -96,6 +96,11 @@ void SessionWindow::choose(SessionOption option) {
 }
 
 bool SessionWindow::command(int control, int notification) {
+    // What a page is about to do decides what is remembered.
+    if (page(option_).dialog().isBusy() && control != IDCANCEL) {
+        choose(option_);
+        return true;
+    }
     switch (control) {
         case IDC_SESSION_SERIAL:
         case IDC_SESSION_NETWORK:

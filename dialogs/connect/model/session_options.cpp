@@ -19,7 +19,9 @@ SessionOption firstOption(PresentPort port, const RememberedSession& remembered,
 }
 
 bool connectsAtOnce(PresentPort port, const RememberedSession& remembered) {
-    return optionOf(port, remembered) != SessionOption::File;
+    if (port != PresentPort::None || !remembered.option) return true;
+    const auto option = static_cast<SessionOption>(*remembered.option);
+    return option == SessionOption::Serial || option == SessionOption::Network;
 }
 
 RememberedSession remember(SessionOption option) {

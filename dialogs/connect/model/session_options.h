@@ -22,7 +22,7 @@ struct RememberedSession {
 // are not offered.
 SessionOption firstOption(PresentPort port, const RememberedSession& remembered, bool offersFiles);
 
-// Whether a connection that is made without the user is made at all.
+// Whether a connection is made without the user: not for a file, nor for an unknown number.
 bool connectsAtOnce(PresentPort port, const RememberedSession& remembered);
 
 // What is to be remembered after a success. A file leaves the last connection as it was.

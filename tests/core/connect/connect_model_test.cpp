@@ -113,8 +113,8 @@ TEST(SessionOptions, ThePresentPortThenWhatIsRemembered) {
         {PresentPort::None, 213, true, 213, false},
         // The page shown in its place is not connected either.
         {PresentPort::None, 213, false, 211, false},
-        {PresentPort::None, 0, true, 211, true},
-        {PresentPort::None, 0xFFFFFFFF, true, 211, true},
+        {PresentPort::None, 0, true, 211, false},
+        {PresentPort::None, 0xFFFFFFFF, true, 211, false},
         {PresentPort::Network, 211, true, 212, true},
         {PresentPort::Network, 213, true, 212, true},
         {PresentPort::OpenSerial, 212, true, 211, true},

@@ -15,6 +15,7 @@ using test::DialogDriver;
 constexpr int kField = 100;
 constexpr int kStatus = 101;
 constexpr int kFail = 102;
+constexpr int kWork = 103;
 
 DialogTemplate sample() {
     DialogTemplate description(L"Sample", 160, 60);
@@ -25,7 +26,7 @@ DialogTemplate sample() {
                      {4, 4, 60, 12},
                      kField});
     description.add({L"STATIC", L"", WS_CHILD | WS_VISIBLE, 0, {4, 20, 150, 10}, kStatus});
-    const WORD buttons[] = {IDOK, IDCANCEL, kFail};
+    const WORD buttons[] = {IDOK, IDCANCEL, kFail, kWork};
     for (const WORD button : buttons) {
         const auto left = static_cast<short>(4 + 50 * (&button - buttons));
         description.add(
@@ -42,6 +43,7 @@ public:
     bool failsAtFirst = false;
     int ticks = 0;
     int deepestTick = 0;
+    std::string worked;
 
 protected:
     void initialise() override {
@@ -49,6 +51,7 @@ protected:
     }
     int statusLine() const override { return kStatus; }
     bool command(int identifier, int notification) override {
+        if (identifier == kWork) return work();
         if (identifier != kFail) return Dialog::command(identifier, notification);
         throw com::Error(E_FAIL, L"The handler failed");
     }
@@ -65,8 +68,35 @@ protected:
     }
 
 private:
+    // Work that lets messages in, as a link does that waits.
+    bool work() {
+        const HCURSOR wait = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_WAIT));
+        const HCURSOR before = GetCursor();
+        {
+            const Busy busy(*this);
+            for (const int button : {kWork, kFail, IDOK})
+                SendMessageW(window(), WM_COMMAND, static_cast<WPARAM>(button), 0);
+            SetCursor(before);
+            SendMessageW(window(), WM_SETCURSOR, reinterpret_cast<WPARAM>(window()), HTCLIENT);
+            worked += GetCursor() == wait ? "waits " : "does not wait ";
+            SendMessageW(window(), WM_COMMAND, IDCANCEL, 0);
+        }
+        worked += GetCursor() == before ? "ended" : "waits still";
+        return true;
+    }
+
     int depth_ = 0;
 };
+
+TEST(DialogTest, TakesNothingButCancelWhileItIsBusy) {
+    SampleDialog dialog;
+    DialogDriver user([](DialogDriver& driver) {
+        driver.waitFor(L"Sample");
+        driver.press(kWork);
+    });
+    EXPECT_EQ(dialog.runModal(sample(), nullptr), IDCANCEL);
+    EXPECT_EQ(dialog.worked, "waits ended");
+}
 
 TEST(DialogTest, EndsByItsButtonsAndKeys) {
     struct {
