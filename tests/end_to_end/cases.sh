@@ -383,6 +383,13 @@ test_documented_clients() {
     ((count >= 4)) || give_up "only $count clients were found"
 }
 
+test_the_page_of_members_is_current() {
+    print_members | diff "$members_page" - >&2 || give_up "./kel members writes another page"
+    comm -23 <(awk '$2 ~ /^(get|put|putref|call)$/ { print $3 }' "$kel_root/tests/wine/server/interface_table.txt" | sort -u) \
+        <(sed -nE 's/^\| `([A-Za-z_0-9]+).*/\1/p' "$members_page" | sort -u) >"$output"
+    [[ ! -s $output ]] || give_up "members are missing"
+}
+
 # Both ways to the instrument, at the speed of the clock, on the network with further options; sets
 # `serial` and `network`.
 connect_both_ways() {
