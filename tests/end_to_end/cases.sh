@@ -432,7 +432,7 @@ test_documented_clients() {
         done < <(blocks js "$kel_root/$page")
         blocks_after js "$kel_root/$page" | diff - "$output" >&2 || give_up "a client in $page prints something else"
     done
-    ((count >= 4)) || give_up "only $count clients were found"
+    ((count >= 10)) || give_up "only $count clients were found"
 }
 
 test_the_page_of_members_is_current() {
