@@ -67,7 +67,7 @@ HostScript::HostScript(const std::string& path,
           host::create<IPreprocessorExtender>("KelUtils.PreprocessorExtender", kLibraryRemedy)),
       print_(std::make_shared<Print>(std::move(print))) {}
 
-// The components are there when this begins, so the destructor parts them if it fails.
+// The components are there when this begins, so the destructor ends their work if it fails.
 HostScript::HostScript(const std::string& path, const std::vector<std::string>& arguments,
                        const com::ComPtr<IPreprocessorControl>& preprocessor, Print print)
     : HostScript(path, preprocessor, std::move(print)) {
@@ -85,10 +85,9 @@ HostScript::HostScript(const std::string& path, const std::vector<std::string>& 
     onRunEnded_ = find(L"onRunEnded");
 }
 
-// The preprocessor holds the functions of the script, which reach the preprocessor.
+// The preprocessor may outlive the script whose functions it calls.
 HostScript::~HostScript() {
     extender_->SetHandlers(nullptr, nullptr);
-    script_->put_Objects(nullptr);
 }
 
 void HostScript::putObject(const wchar_t* name, IDispatch* object) const {
