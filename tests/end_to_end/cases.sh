@@ -281,9 +281,13 @@ test_runs_with_a_host_script() {
     kelrun 0 "$@" "${connection[@]}" --record "$recording" --transcript "$(windows_path "$folder/transcript")" -- 14.7
     expect_dialogue_of_host
     grep -q '"kind":"received","text":"Line 4' "$folder/transcript" || give_up "not in the transcript"
+    kelrun 1 "$@" "${connection[@]}" -- nothing
+    expect "$output" 'pressoffset set NaN' 'Line 5 went wrong: ...' '3 lines ran, the last one failed'
     end_process "$instrument_process"
     kelrun 0 "$@" "${connection[@]}" --replay "$recording" --speed 0 -- 14.7
     expect_dialogue_of_host
+    kelrun 0 "$@" "${connection[@]}" --replay "$recording" --speed 0 --quiet -- 14.7
+    [[ ! -s $output && ! -s $errors ]] || give_up "words in spite of --quiet"
     kelrun 1 "$@" "${connection[@]}" --replay "$recording" --speed 0 -- 10
     kelrun 0 "$1" --check
     grep -q 'Unknown function: dbar' "$output" || give_up "dbar is known without its script"
@@ -310,6 +314,13 @@ test_tells_errors_of_a_host_script() {
 1|HOST:4:1: The command line has no argument 0|commandLine.Item(0);
 ROWS
     ! grep -q . "$output" || give_up "ran in spite of the error"
+    host=$(script host.js "dialogue.print('ready');")
+    path=$(script sets.kel '@x="1"\n')
+    kelrun 0 "$path" --host "$host"
+    expect "$output" ready
+    kelrun 0 "$path" --host "$host" --check
+    expect "$errors" ready
+    [[ ! -s $output ]] || give_up "more than the check"
     host=$(windows_path "$folder/missing.js")
     kelrun 2 "$path" --host "$host"
     expect_only_error "kelrun: $host cannot be read: there is no such file"
