@@ -79,46 +79,63 @@ HRESULT KelScript::LoadFile(BSTR path, VARIANT_BOOL* success) {
     return guarded<IKelScriptObject>([&] {
         com::out(success) = VARIANT_FALSE;
         const com::KeepAlive alive(*this);
-        lastError_.clear();
+        lastError_ = {};
         const auto text = readScript(std::wstring(com::view(path)));
         if (!text) return;
         try {
             control_->call(L"AddCode", {com::Variant(std::wstring_view(*text))});
         } catch (const com::Error&) {
             tellError();
-            if (isUnattended_) throw com::Error(E_FAIL, lastError_);
+            if (isUnattended_) throw com::Error(E_FAIL, lastError_.text);
             return;
         }
         *success = VARIANT_TRUE;
     });
 }
 
-void KelScript::tellError() {
-    const com::KeepAlive alive(*this);
+bool KelScript::takeError() {
     const com::LateBound error(com::ComPtr<IDispatch>(control_->get(L"Error").get().pdispVal));
     const auto number = [&](const wchar_t* name) {
-        return std::to_wstring(error.get(name).convertedTo(VT_I4).get().lVal);
+        return error.get(name).convertedTo(VT_I4).get().lVal;
     };
     const auto text = [&](const wchar_t* name) {
         const com::Variant value = error.get(name).convertedTo(VT_BSTR);
         return std::wstring(com::view(value.get().bstrVal));
     };
-    const std::wstring code = number(L"Number");
+    const long code = number(L"Number");
     const std::wstring description = text(L"Description");
     const std::wstring source = text(L"Text");
-    const std::wstring line = number(L"Line");
-    const std::wstring column = number(L"Column");
+    const long line = number(L"Line");
+    const long column = number(L"Column");
     const std::wstring origin = text(L"Source");
+    if (code == 0) return false;
+    // The control counts columns from 0.
+    lastError_ = {L"Error #" + std::to_wstring(code) + L", " + description + L", " + source +
+                      L", Line: " + std::to_wstring(line) + L", Column: " +
+                      std::to_wstring(column) + L" (src:" + origin + L")",
+                  description, line, column + 1};
+    return true;
+}
+
+void KelScript::tellError() {
+    const com::KeepAlive alive(*this);
     // The event has told of it already.
-    if (code == L"0") return;
-    lastError_ = L"Error #" + code + L", " + description + L", " + source + L", Line: " + line +
-                 L", Column: " + column + L" (src:" + origin + L")";
+    if (!takeError()) return;
     if (!isUnattended_) {
         const long owner = control_->get(L"SitehWnd").convertedTo(VT_I4).get().lVal;
-        MessageBoxW(static_cast<HWND>(LongToHandle(owner)), lastError_.c_str(), L"Script Error",
-                    MB_OK | MB_ICONSTOP);
+        MessageBoxW(static_cast<HWND>(LongToHandle(owner)), lastError_.text.c_str(),
+                    L"Script Error", MB_OK | MB_ICONSTOP);
     }
-    error.call(L"Clear");
+    clearError();
+}
+
+void KelScript::clearError() const {
+    com::LateBound(com::ComPtr<IDispatch>(control_->get(L"Error").get().pdispVal)).call(L"Clear");
+}
+
+const KelScript::ScriptError& KelScript::lastError() {
+    if (takeError()) clearError();
+    return lastError_;
 }
 
 HRESULT KelScript::get_ScriptControl(IDispatch** control) {
@@ -176,7 +193,35 @@ HRESULT KelScript::put_Unattended(VARIANT_BOOL isUnattended) {
 HRESULT KelScript::get_LastError(BSTR* text) {
     return guarded<IKelScriptObject2>([&] {
         com::out(text) = nullptr;
-        *text = com::Bstr(std::wstring_view(lastError_)).release();
+        *text = com::Bstr(std::wstring_view(lastError().text)).release();
+    });
+}
+
+HRESULT KelScript::get_LastErrorDescription(BSTR* text) {
+    return guarded<IKelScriptObject2>([&] {
+        com::out(text) = nullptr;
+        *text = com::Bstr(std::wstring_view(lastError().description)).release();
+    });
+}
+
+HRESULT KelScript::get_LastErrorLine(long* line) {
+    return guarded<IKelScriptObject2>([&] {
+        com::out(line) = 0;
+        *line = lastError().line;
+    });
+}
+
+HRESULT KelScript::get_LastErrorColumn(long* column) {
+    return guarded<IKelScriptObject2>([&] {
+        com::out(column) = 0;
+        *column = lastError().column;
+    });
+}
+
+HRESULT KelScript::ClearLastError() {
+    return guarded<IKelScriptObject2>([&] {
+        clearError();
+        lastError_ = {};
     });
 }
 

@@ -35,10 +35,26 @@ public:
     STDMETHODIMP get_Unattended(VARIANT_BOOL* isUnattended) override;
     STDMETHODIMP put_Unattended(VARIANT_BOOL isUnattended) override;
     STDMETHODIMP get_LastError(BSTR* text) override;
+    STDMETHODIMP get_LastErrorDescription(BSTR* text) override;
+    STDMETHODIMP get_LastErrorLine(long* line) override;
+    STDMETHODIMP get_LastErrorColumn(long* column) override;
+    STDMETHODIMP ClearLastError() override;
 
 private:
-    // The control's last error is shown, or kept, and cleared; nothing where it has none.
+    struct ScriptError {
+        std::wstring text;
+        std::wstring description;
+        long line = 0;
+        long column = 0;
+    };
+
+    // Takes the control's error over, which stays there. False where the control has none.
+    bool takeError();
+    void clearError() const;
+    // Takes the control's error over, shows it unless nobody is there to see it, and clears it.
     void tellError();
+    // The last error, that of a call of the host's own on the control included.
+    const ScriptError& lastError();
     void nameAdded(const std::wstring& name) override;
     void adviseSink();
     void leaveTable();
@@ -49,7 +65,7 @@ private:
     DWORD cookie_ = 0;
     std::shared_ptr<CurrentTable> table_ = std::make_shared<CurrentTable>();
     std::set<std::wstring> names_;  // those that the control knows
-    std::wstring lastError_;
+    ScriptError lastError_;
     bool isUnattended_ = false;
 };
 

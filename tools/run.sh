@@ -1,15 +1,22 @@
 # Runs an instrument script through kelrun, against the virtual instrument or a real one.
 
-# Reads the arguments of `run`; sets script, device, port, tcp, needs_line and options. Only what this
-# machine sees differently from Windows programs is looked at, the rest is kelrun's affair.
+# Reads the arguments of `run`; sets script, device, port, tcp, needs_line, options and, for what
+# stands after `--`, arguments. Only what this machine sees differently from Windows programs is
+# looked at, the rest is kelrun's affair.
 read_run_arguments() {
-    script='' device='' port='' tcp='' needs_line=yes options=()
+    script='' device='' port='' tcp='' needs_line=yes options=() arguments=()
     while (($# > 0)); do
+        if [[ $1 == -- ]]; then
+            shift
+            [[ -n $script ]] || { script=${1:-}; shift "$(($# > 0))"; }
+            arguments=("$@")
+            break
+        fi
         if [[ $1 == --?*=* ]]; then
             set -- "${1%%=*}" "${1#*=}" "${@:2}"
         fi
         case $1 in
-            --port | --tcp | --baud | --app | --link | --var | --answer | --script-path | --system-path | --transcript | --record | --replay | --speed)
+            --port | --tcp | --baud | --app | --link | --var | --answer | --host | --script-path | --system-path | --transcript | --record | --replay | --speed)
                 (($# > 1)) || usage_error "$1 needs a value"
                 read_run_option "$1" "$2"
                 shift
@@ -48,7 +55,7 @@ read_run_option() {
             ;;
         --port) if [[ $2 == */* ]]; then device=$2; else port=$2; fi ;;
         --tcp) tcp=$2 ;;
-        --script-path | --system-path | --transcript | --record) options+=("$1" "$(windows_path "$2")") ;;
+        --host | --script-path | --system-path | --transcript | --record) options+=("$1" "$(windows_path "$2")") ;;
         *) options+=("$1" "$2") ;;
     esac
 }
@@ -62,7 +69,7 @@ check_run_arguments() {
 
 # Sets up and builds what a run needs, then runs; ends with the exit code of kelrun.
 run_script() {
-    local script device port tcp needs_line options program=$kel_build/win32/hosts/kelrun/kelrun.exe
+    local script device port tcp needs_line options arguments program=$kel_build/win32/hosts/kelrun/kelrun.exe
     read_run_arguments "$@"
     check_run_arguments
 
@@ -76,7 +83,7 @@ run_script() {
     unlock_build
 
     if [[ $needs_line == no || $needs_line == last ]]; then
-        run_program "$program" "$(windows_path "$script")" "${options[@]}"
+        run_program "$program" "$(windows_path "$script")" "${options[@]}" -- "${arguments[@]}"
     fi
     if [[ -n $tcp ]]; then
         options+=(--tcp "$tcp")
@@ -89,7 +96,7 @@ run_script() {
         options+=(--port "$port")
     fi
     say "running ${script#"$kel_root/"} on ${tcp:-$port${device:+ ($device)}}"
-    run_program "$program" "$(windows_path "$script")" "${options[@]}"
+    run_program "$program" "$(windows_path "$script")" "${options[@]}" -- "${arguments[@]}"
 }
 
 # Uses the prefix together with other runs; the last one to leave ends the Wine server.

@@ -9,6 +9,8 @@
 
 #include "com/apartment.h"
 #include "hosts/kelrun/check.h"
+#include "hosts/kelrun/host_script.h"
+#include "hosts/kelrun/model/dialogue_text.h"
 #include "hosts/kelrun/preprocessor.h"
 #include "hosts/kelrun/session.h"
 #include "hosts/kelrun/transcript_file.h"
@@ -55,7 +57,7 @@ std::string reasonOf(const com::Error& error, const ScriptPlace& place) {
 }
 
 // A link that fails because its wait was interrupted has still been cancelled.
-Ending runScript(Session& session, const Preprocessor& preprocessor, const std::wstring& script) {
+Ending runText(Session& session, const Preprocessor& preprocessor, const std::wstring& script) {
     try {
         const bool ran = session.run(script);
         if (session.wasCancelled()) return {ExitCode::kCancelled, {}};
@@ -65,6 +67,20 @@ Ending runScript(Session& session, const Preprocessor& preprocessor, const std::
         return {session.wasCancelled() ? ExitCode::kCancelled : ExitCode::kScriptFailed,
                 {reasonOf(error, session.place())}};
     }
+}
+
+// An error of the host script has cancelled the run.
+Ending runScript(Session& session, const Preprocessor& preprocessor, const std::wstring& script,
+                 HostScript* hostScript) {
+    if (!hostScript) return runText(session, preprocessor, script);
+    Ending ending{ExitCode::kScriptFailed, {}};
+    hostScript->runStarted();
+    if (!hostScript->error()) ending = runText(session, preprocessor, script);
+    hostScript->runEnded(ending.code == ExitCode::kRan);
+    if (!hostScript->error()) return ending;
+    if (ending.code == ExitCode::kCancelled) ending.code = ExitCode::kScriptFailed;
+    ending.reasons.insert(ending.reasons.begin(), placeAndMessage(*hostScript->error()));
+    return ending;
 }
 
 std::string endText(ExitCode code, const Options& options, const std::string& name,
@@ -84,11 +100,12 @@ void printVariables(const Preprocessor& preprocessor, ConsoleOutput& errors) {
 
 Ending runConnected(const Options& options, const ScriptFile& script,
                     const Preprocessor& preprocessor, const Trace& trace, Transcript* transcript,
-                    ConsoleOutput& errors) {
-    Session session(options, preprocessor, trace, transcript);
+                    HostScript* hostScript, ConsoleOutput& errors) {
+    Session session(options, preprocessor, trace, transcript, hostScript);
     const auto start = Clock::now();
-    Ending ending = runScript(session, preprocessor, script.text);
+    Ending ending = runScript(session, preprocessor, script.text, hostScript);
     ending.words = endText(ending.code, options, script.name, Clock::now() - start);
+    if (hostScript && hostScript->error()) ending.code = ExitCode::kScriptFailed;
     if (!session.finishDialogue()) say(errors, "the dialogue could not be shown to its end");
     return ending;
 }
@@ -105,9 +122,11 @@ void closeTrace(Trace& trace, Ending& ending) {
 }
 
 ExitCode runToEnd(const Options& options, const ScriptFile& script,
-                  const Preprocessor& preprocessor, Transcript* transcript, ConsoleOutput& errors) {
+                  const Preprocessor& preprocessor, Transcript* transcript, HostScript* hostScript,
+                  ConsoleOutput& errors) {
     Trace trace(options);
-    Ending ending = runConnected(options, script, preprocessor, trace, transcript, errors);
+    Ending ending =
+        runConnected(options, script, preprocessor, trace, transcript, hostScript, errors);
     closeTrace(trace, ending);
 
     if (transcript) {
@@ -122,19 +141,31 @@ ExitCode runToEnd(const Options& options, const ScriptFile& script,
 }
 
 ExitCode runWithTranscript(const Options& options, const ScriptFile& script,
-                           const Preprocessor& preprocessor, ConsoleOutput& errors) {
+                           const Preprocessor& preprocessor, HostScript* hostScript,
+                           ConsoleOutput& errors) {
     if (options.transcript.empty()) {
-        return runToEnd(options, script, preprocessor, nullptr, errors);
+        return runToEnd(options, script, preprocessor, nullptr, hostScript, errors);
     }
     TranscriptFile file(options.transcript, preprocessor.scriptName(), script.text);
     try {
-        const ExitCode code = runToEnd(options, script, preprocessor, &file.transcript(), errors);
+        const ExitCode code =
+            runToEnd(options, script, preprocessor, &file.transcript(), hostScript, errors);
         if (file.isIncomplete()) say(errors, "the transcript could not be written to its end");
         return code;
     } catch (const Failure& failure) {
         file.transcript().ended(static_cast<int>(failure.code()), failure.what());
         throw;
     }
+}
+
+// Where a host script prints before there is a dialogue: a check has the output for itself.
+Print printBeforehand(const Options& options, ConsoleOutput& errors) {
+    return [&](std::wstring_view text) {
+        if (options.quiet) return;
+        const std::u16string line(text.begin(), text.end());
+        ConsoleOutput output(STD_OUTPUT_HANDLE);
+        (options.check ? errors : output).write(DialogueText().next(line + u"\n"));
+    };
 }
 
 }  // namespace
@@ -147,6 +178,11 @@ ExitCode run(const Options& options, ConsoleOutput& errors) {
 
     const com::Apartment apartment;
     const Preprocessor preprocessor(options, script.folder);
+    std::optional<HostScript> hostScript;
+    if (!options.hostScript.empty()) {
+        hostScript.emplace(options.hostScript, options.arguments, preprocessor.control(),
+                           printBeforehand(options, errors));
+    }
     if (options.check) return showCheck(options, script, preprocessor, errors);
 
     const std::size_t count = showErrors(script, preprocessor, errors);
@@ -155,7 +191,8 @@ ExitCode run(const Options& options, ConsoleOutput& errors) {
                         (count == 1 ? " error" : " errors") + " (--keep-going runs it anyway)");
         return ExitCode::kScriptFailed;
     }
-    return runWithTranscript(options, script, preprocessor, errors);
+    return runWithTranscript(options, script, preprocessor, hostScript ? &*hostScript : nullptr,
+                             errors);
 }
 
 }  // namespace kel::kelrun

@@ -6,9 +6,10 @@ using host::EventArguments;
 using host::ScriptEvent;
 
 RunEvents::RunEvents(const com::ComPtr<IPreprocessorControl>& preprocessor, const Trace& trace,
-                     Transcript* transcript)
+                     Transcript* transcript, HostScript* script)
     : trace_(trace),
       transcript_(transcript),
+      script_(script),
       events_(preprocessor, [this](ScriptEvent event, const EventArguments& arguments) {
           try {
               take(event, arguments);
@@ -16,6 +17,7 @@ RunEvents::RunEvents(const com::ComPtr<IPreprocessorControl>& preprocessor, cons
               if (transcript_) transcript_->lose();
               throw;
           }
+          if (script_) tellScript(event, arguments);
       }) {}
 
 void RunEvents::take(ScriptEvent event, const EventArguments& arguments) {
@@ -23,10 +25,10 @@ void RunEvents::take(ScriptEvent event, const EventArguments& arguments) {
         place_ = {arguments.utf8(0), arguments.number(1)};
         trace_.setPosition(place_.file, static_cast<long>(place_.line));
     }
-    if (transcript_) tell(event, arguments);
+    if (transcript_) tellTranscript(event, arguments);
 }
 
-void RunEvents::tell(ScriptEvent event, const EventArguments& arguments) const {
+void RunEvents::tellTranscript(ScriptEvent event, const EventArguments& arguments) const {
     switch (event) {
         case host::kLineStarted:
             transcript_->lineStarted(place_.file, place_.line);
@@ -42,6 +44,15 @@ void RunEvents::tell(ScriptEvent event, const EventArguments& arguments) const {
         }
         default:
             break;
+    }
+}
+
+void RunEvents::tellScript(ScriptEvent event, const EventArguments& arguments) const {
+    if (event == host::kLineStarted) {
+        script_->lineStarted(place_.file, place_.line);
+    } else if (event == host::kErrorFound) {
+        script_->errorFound(arguments.utf8(0), arguments.number(1), arguments.number(2),
+                            arguments.text(3));
     }
 }
 

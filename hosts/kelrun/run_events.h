@@ -1,9 +1,10 @@
 #pragma once
-// The events of the preprocessor: where a run is, and what a transcript tells of it.
+// The events of the preprocessor: where a run is, for the transcript and the host script.
 
 #include <cstddef>
 #include <string>
 
+#include "hosts/kelrun/host_script.h"
 #include "hosts/kelrun/model/transcript.h"
 #include "hosts/kelrun/trace.h"
 #include "hosts/shared/script_events.h"
@@ -18,21 +19,23 @@ struct ScriptPlace {
 // Listens to the preprocessor while it lives.
 class RunEvents {
 public:
-    // `transcript` may be null; else it is told what happens. Both must outlive this. Throws
-    // com::Error.
+    // `transcript` and `script` may be null; else they are told what happens. All must outlive
+    // this. Throws com::Error.
     RunEvents(const com::ComPtr<IPreprocessorControl>& preprocessor, const Trace& trace,
-              Transcript* transcript);
+              Transcript* transcript, HostScript* script);
 
     // The line that began last; line 0 when none has.
     const ScriptPlace& place() const { return place_; }
 
 private:
     void take(host::ScriptEvent event, const host::EventArguments& arguments);
-    void tell(host::ScriptEvent event, const host::EventArguments& arguments) const;
+    void tellTranscript(host::ScriptEvent event, const host::EventArguments& arguments) const;
+    void tellScript(host::ScriptEvent event, const host::EventArguments& arguments) const;
 
     ScriptPlace place_;
     const Trace& trace_;
     Transcript* transcript_;
+    HostScript* script_;
     host::ScriptEvents events_;
 };
 

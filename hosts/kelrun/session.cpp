@@ -20,19 +20,20 @@ long handleNumber(HWND window) {
 }  // namespace
 
 Session::Session(const com::ComPtr<IPreprocessorControl>& preprocessor, const Options& options,
-                 const Trace& trace, Transcript* transcript)
+                 const Trace& trace, Transcript* transcript, HostScript* script)
     : preprocessor_(preprocessor),
       communicator_(
           trace.link([&] { return create<IKelCommunicator>(options.link, kLinkRemedy); })),
       cancel_(preprocessor_),
       echo_(options.quiet, transcript),
       connection_(connect(options)),
-      events_(preprocessor_, trace, transcript) {}
+      script_(script),
+      events_(preprocessor_, trace, transcript, script) {}
 
 // The components are there when this begins, so the destructor parts them if it fails.
 Session::Session(const Options& options, const Preprocessor& preprocessor, const Trace& trace,
-                 Transcript* transcript)
-    : Session(preprocessor.control(), options, trace, transcript) {
+                 Transcript* transcript, HostScript* script)
+    : Session(preprocessor.control(), options, trace, transcript, script) {
     const auto& stream = connection_.stream();
     com::check(stream->put_EchoWindow(handleNumber(echo_.window())), stream);
     com::check(stream->put_IdleProcessing(VARIANT_TRUE), stream);
@@ -44,6 +45,13 @@ Session::Session(const Options& options, const Preprocessor& preprocessor, const
     }
     com::check(preprocessor_->put_Communicator(communicator_.Get()), preprocessor_);
     com::check(communicator_->put_Preprocessor(preprocessor_.Get()), communicator_);
+    // The stream keeps the order of what it shows. A return at the end joins with a following line
+    // end into one.
+    const auto print = [stream](std::wstring_view text) {
+        const com::Bstr line(L"\r\n" + std::wstring(text) + L"\r");
+        com::check(stream->Echo(line.get()), stream);
+    };
+    if (script_) script_->reachLink(communicator_, print);
 }
 
 com::ComPtr<IKelStream> Session::connect(const Options& options) const {
@@ -57,6 +65,7 @@ com::ComPtr<IKelStream> Session::connect(const Options& options) const {
 }
 
 Session::~Session() {
+    if (script_) script_->leaveLink();
     communicator_->put_Preprocessor(nullptr);
     preprocessor_->put_Communicator(nullptr);
     communicator_->put_Port(nullptr);

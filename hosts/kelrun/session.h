@@ -5,6 +5,7 @@
 
 #include "hosts/kelrun/cancel.h"
 #include "hosts/kelrun/console_echo.h"
+#include "hosts/kelrun/host_script.h"
 #include "hosts/kelrun/model/options.h"
 #include "hosts/kelrun/model/transcript.h"
 #include "hosts/kelrun/preprocessor.h"
@@ -16,10 +17,11 @@ namespace kel::kelrun {
 // Link and preprocessor refer to each other: the session parts them, on every way out.
 class Session {
 public:
-    // Connects. `transcript` may be null; else it is told what happens. It and `trace` must outlive
-    // the session. Throws Failure, com::Error.
+    // Connects. `transcript` and `script` may be null; else they are told what happens, and the
+    // script reaches the link. They and `trace` must outlive the session. Throws Failure,
+    // com::Error.
     Session(const Options& options, const Preprocessor& preprocessor, const Trace& trace,
-            Transcript* transcript);
+            Transcript* transcript, HostScript* script);
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -39,7 +41,7 @@ public:
 
 private:
     Session(const com::ComPtr<IPreprocessorControl>& preprocessor, const Options& options,
-            const Trace& trace, Transcript* transcript);
+            const Trace& trace, Transcript* transcript, HostScript* script);
 
     com::ComPtr<IKelStream> connect(const Options& options) const;
 
@@ -48,6 +50,7 @@ private:
     CancelOnInterrupt cancel_;
     ConsoleEcho echo_;
     Connection connection_;
+    HostScript* script_;
     RunEvents events_;
 };
 

@@ -263,6 +263,69 @@ acceptance|--answer msgbox=ok --answer tester=Ada --answer level=yes
 ROWS
 }
 
+# Whether the answer or the line that waits for it comes first is a matter of time.
+expect_dialogue_of_host() {
+    expect "$output" 'Line 5'
+    grep -v '^Line 5$' "$output" | diff "$kel_root/tests/end_to_end/examples/host-offset.txt" - >&2 ||
+        give_up "another dialogue"
+}
+
+# The example of a host script, as the manual shows it; recorded and replayed.
+test_runs_with_a_host_script() {
+    local recording example=$kel_root/examples/host
+    recording=$(windows_path "$folder/recording")
+    diff <(blocks javascript "$kel_root/docs/kelrun.md") <(cat "$example/units.js" && echo '-- end') >&2 ||
+        give_up "the manual shows another script"
+    set -- "$(windows_path "$example/offset.kel")" --host "$(windows_path "$example/units.js")"
+    instrument pty
+    kelrun 0 "$@" "${connection[@]}" --record "$recording" --transcript "$(windows_path "$folder/transcript")" -- 14.7
+    expect_dialogue_of_host
+    grep -q '"kind":"received","text":"Line 4' "$folder/transcript" || give_up "not in the transcript"
+    kelrun 1 "$@" "${connection[@]}" -- nothing
+    expect "$output" 'pressoffset set NaN' 'Line 5 went wrong: ...' '3 lines ran, the last one failed'
+    end_process "$instrument_process"
+    kelrun 0 "$@" "${connection[@]}" --replay "$recording" --speed 0 -- 14.7
+    expect_dialogue_of_host
+    kelrun 0 "$@" "${connection[@]}" --replay "$recording" --speed 0 --quiet -- 14.7
+    [[ ! -s $output && ! -s $errors ]] || give_up "words in spite of --quiet"
+    kelrun 1 "$@" "${connection[@]}" --replay "$recording" --speed 0 -- 10
+    kelrun 0 "$1" --check
+    grep -q 'Unknown function: dbar' "$output" || give_up "dbar is known without its script"
+    kelrun 0 "$@" --check --json
+    [[ $(<"$output") == $'[\n]' ]] || give_up "more than the check"
+}
+
+# What a host script does beside adding the words tide and ODD.
+test_tells_errors_of_a_host_script() {
+    local expected place text path host
+    path=$(script asks.kel '@x=tide()\n#ODD\n@z=tide()\n')
+    while IFS='|' read -r expected place text; do
+        host=$(script host.js "function f(n) { return 1; }\nextender.SetHandlers(f, f);\nextender.InstallFunction('tide'); extender.InstallDirective('ODD');\n$text")
+        kelrun "$expected" "$path" --host "$host" --print-variables
+        expect "$errors" "kelrun: ${place/#HOST/$host}"
+    done <<'ROWS'
+0|asks.kel ran to its end...|
+1|HOST:4:9: Syntax error|var a = ;
+1|HOST:5:3: Object expected|\n  noSuch();
+1|HOST:5:3: no tide|function onRunStarted() {\n  throw new Error('no tide');\n}
+1|HOST:4:53: no tide|function onLineStarted(file, line) { if (line == 3) throw new Error('no tide'); }
+1|HOST:4:34: Object expected|function onRunEnded(succeeded) { noSuch(); }
+1|HOST:4:19: 'nothing'...|f = function () { return nothing.here; };\nextender.SetHandlers(f, f);
+1|HOST:4:1: The command line has no argument 0|commandLine.Item(0);
+ROWS
+    ! grep -q . "$output" || give_up "ran in spite of the error"
+    host=$(script host.js "dialogue.print('ready');")
+    path=$(script sets.kel '@x="1"\n')
+    kelrun 0 "$path" --host "$host"
+    expect "$output" ready
+    kelrun 0 "$path" --host "$host" --check
+    expect "$errors" ready
+    [[ ! -s $output ]] || give_up "more than the check"
+    host=$(windows_path "$folder/missing.js")
+    kelrun 2 "$path" --host "$host"
+    expect_only_error "kelrun: $host cannot be read: there is no such file"
+}
+
 # Without an instrument; the file was written by --record.
 test_replays_an_example() {
     local recording changed
@@ -380,7 +443,14 @@ test_documented_clients() {
         done < <(blocks js "$kel_root/$page")
         blocks_after js "$kel_root/$page" | diff - "$output" >&2 || give_up "a client in $page prints something else"
     done
-    ((count >= 4)) || give_up "only $count clients were found"
+    ((count >= 10)) || give_up "only $count clients were found"
+}
+
+test_the_page_of_members_is_current() {
+    print_members | diff "$members_page" - >&2 || give_up "./kel members writes another page"
+    comm -23 <(awk '$2 ~ /^(get|put|putref|call)$/ { print $3 }' "$kel_root/tests/wine/server/interface_table.txt" | sort -u) \
+        <(sed -nE 's/^\| `([A-Za-z_0-9]+).*/\1/p' "$members_page" | sort -u) >"$output"
+    [[ ! -s $output ]] || give_up "members are missing"
 }
 
 # Both ways to the instrument, at the speed of the clock, on the network with further options; sets

@@ -10,6 +10,7 @@ kel_root=${here%/tests/*}
 source "$here/../../tools/report.sh"
 source "$here/../../tools/prefix.sh"
 source "$here/../../tools/instrument.sh"
+source "$here/../../tools/members.sh"
 source "$here/harness.sh"
 source "$here/cases.sh"
 

@@ -88,6 +88,8 @@ constexpr Option kOptions[] = {
      },
      true},
     {"--interactive", "", "asks the user instead", setFlag<&Options::interactive>},
+    {"--host", "FILE", "a JScript that adds words and watches; -- ARGS",
+     setText<&Options::hostScript>},
     {"--script-path", "P", "where scripts look for scripts; else SCRIPT's folder",
      setText<&Options::scriptPath>},
     {"--system-path", "P", "where they look next", setText<&Options::systemPath>},
@@ -103,8 +105,8 @@ constexpr Option kOptions[] = {
     {"--replay", "FILE", "runs on such a file, without an instrument", setText<&Options::replay>},
     {"--speed", "FACTOR", "how much faster than recorded; 0: without waiting", setSpeed},
     {"--quiet", "", "shows errors only", setFlag<&Options::quiet>},
-    {"--help", "", "this text", setFlag<&Options::help>},
-    {"--version", "", "the version", setFlag<&Options::version>},
+    {"--help", "", "this text; --version: the version", setFlag<&Options::help>},
+    {"--version", "", "", setFlag<&Options::version>},
 };
 
 const Option& findOption(std::string_view name) {
@@ -162,6 +164,10 @@ private:
     }
 
     void setScript(std::string_view argument) {
+        if (onlyOperands_ && !options_.script.empty()) {
+            options_.arguments.emplace_back(argument);
+            return;
+        }
         if (argument.empty()) refuse("the script's name is empty");
         if (!options_.script.empty()) {
             refuse("one script at a time: '" + options_.script + "' or '" + std::string(argument) +
@@ -192,6 +198,8 @@ Options parseOptions(std::span<const std::string> arguments) {
     if (!options.record.empty() && !options.replay.empty())
         refuse("--record and --replay exclude each other");
     if (options.json && !options.check) refuse("--json goes with --check");
+    if (!options.arguments.empty() && options.hostScript.empty())
+        refuse("'" + options.arguments.front() + "' is for a host script: --host");
     return options;
 }
 

@@ -51,6 +51,9 @@ TEST(KelrunOptions, ReadsEveryOption) {
     EXPECT_TRUE(options.check && options.json && options.keepGoing && options.interactive);
     EXPECT_TRUE(options.printVariables && options.quiet);
     EXPECT_EQ(parseOptions(Arguments{"--tcp", "h:1", "--", "-odd.kel"}).script, "-odd.kel");
+    const auto hosted = parseOptions(Arguments{"--host", "h.js", "--", "-odd.kel", "--x", ""});
+    EXPECT_EQ(hosted.hostScript + hosted.script, "h.js-odd.kel");
+    EXPECT_EQ(hosted.arguments, (Arguments{"--x", ""}));
     EXPECT_TRUE(parseOptions(Arguments{"a.kel", "--help", "--nonsense"}).help);
 }
 
@@ -82,6 +85,7 @@ TEST(KelrunOptions, RefusesWrongUsageWithItsReason) {
         {{"a", "--last", "--record", "f"},
          "2 --last does not go with --record and --replay: name the connection"},
         {{"a", "--app", "x"}, "2 --app goes with --last"},
+        {{"a", "--", "b"}, "2 'b' is for a host script: --host"},
         {{"a", "--json"}, "2 --json goes with --check"},
     };
     for (const auto& row : cases) {

@@ -63,6 +63,17 @@ protected:
         script_->get_LastError(text.put());
         return std::wstring(text.view());
     }
+    // "line:column description" of the last error.
+    std::string lastErrorParts() {
+        long line = -1;
+        long column = -1;
+        com::Bstr description;
+        EXPECT_EQ(script_->get_LastErrorLine(&line), S_OK);
+        EXPECT_EQ(script_->get_LastErrorColumn(&column), S_OK);
+        EXPECT_EQ(script_->get_LastErrorDescription(description.put()), S_OK);
+        return std::to_string(line) + ":" + std::to_string(column) + " " +
+               com::narrow(description.view());
+    }
 
     const std::filesystem::path folder_ = [] {
         auto folder = std::filesystem::temp_directory_path() /
@@ -189,6 +200,7 @@ TEST_F(ScriptTest, TellsAnErrorOnce) {
     EXPECT_NE(shown.find(L", Line: 2, Column: "), std::wstring::npos) << com::narrow(shown);
     const com::LateBound error(com::ComPtr<IDispatch>(control_->get(L"Error").get().pdispVal));
     EXPECT_EQ(error.get(L"Number").toText(), "0");
+    EXPECT_EQ(lastErrorParts(), "2:9 Syntax error");
     EXPECT_EQ(load(file("var c = 1;")), 1);
     EXPECT_EQ(lastError(), L"");
 }
@@ -201,6 +213,11 @@ TEST_F(ScriptTest, FailsUnattendedWithTheError) {
     EXPECT_EQ(told->description, lastError());
     EXPECT_EQ(told->description.find(L"Error #"), 0u) << com::narrow(told->description);
     EXPECT_TRUE(told->description.ends_with(L")"));
+    // One of a call of the host's own on the control takes its place.
+    EXPECT_EQ(eval(L"  throw new Error('no tide')"), "fails");
+    EXPECT_EQ(lastErrorParts(), "1:3 no tide");
+    EXPECT_EQ(script_->ClearLastError(), S_OK);
+    EXPECT_EQ(lastErrorParts() + com::narrow(lastError()), "0:0 ");
 }
 
 }  // namespace
