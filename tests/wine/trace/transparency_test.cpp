@@ -112,6 +112,12 @@ TEST_F(TransparencyTest, ValuesComeBack) {
         EXPECT_EQ(stream->ReadString(100000, line.put(), &result), S_OK);
         EXPECT_EQ(line.view(), L"line");
 
+        ComPtr<INetworkStream2> gateway;
+        ASSERT_EQ(stream.As(&gateway), S_OK);
+        EXPECT_EQ(gateway->put_Password(bstr(L"sea").get()), S_OK);
+        EXPECT_EQ(gateway->get_PasswordRequired(&result), S_OK);
+        EXPECT_EQ(result, VARIANT_FALSE);
+
         // The same late-bound.
         DISPID member = 0;
         wchar_t name[] = L"IsOpen";
@@ -127,6 +133,7 @@ TEST_F(TransparencyTest, ValuesComeBack) {
     startRecording();
     talk(false);
     endSession();
+    EXPECT_NE(recording().find("\"put_Password\",\"in\":[\"***\"]"), std::string::npos);
     peer.vanish();
     startReplay();
     talk(true);
@@ -155,6 +162,10 @@ TEST_F(TransparencyTest, TheEchoReachesTheHostsWindow) {
         EXPECT_EQ(inner->get_Port(&innerPort), S_OK);
         EXPECT_EQ(innerPort->get_EchoWindow(&window), S_OK);
         EXPECT_NE(window, second.number()) << "the link shows its texts in a window between";
+        EXPECT_EQ(stream->put_EchoWindow(77), S_OK);
+        EXPECT_EQ(innerPort->get_EchoWindow(&window), S_OK);
+        EXPECT_EQ(window, 77) << "what is no window is the link's to judge";
+        EXPECT_EQ(stream->put_EchoWindow(second.number()), S_OK);
     }
     EXPECT_EQ(innerPort->Echo(bstr(L"b").get()), S_OK);
     EXPECT_EQ(first.shown(), L"a\x20AC\n");
