@@ -1,4 +1,5 @@
 #include "com/variant.h"
+#include "tests/wine/service/fake_uploader.h"
 #include "tests/wine/trace/host.h"
 
 namespace kel::trace::test {
@@ -27,6 +28,26 @@ TEST_F(TransparencyTest, ObjectsCreatedByIdentifierAreWrapped) {
     EXPECT_EQ(asks<ISerialStream>(network.Get()), E_NOINTERFACE);
     EXPECT_EQ(asks<IKelStream>(serial.Get()), S_OK);
     collection->Remove(com::Variant(0L).get());
+}
+
+// A host asks for what was added to an interface, and must not get past the session with it.
+TEST_F(TransparencyTest, AdditionsAreTracedWhereTheLinkHasThem) {
+    kel::test::FakeLink fake;
+    session = fake.session();
+    const auto uploader = com::makeObject<kel::test::FakeUploader>(fake);
+    for (const bool isPlain : {false, true}) {
+        uploader->isPlain = isPlain;
+        ComPtr<IUnknown> traced;
+        ASSERT_EQ(session->Wrap(uploader->controlling(), &traced), S_OK);
+        ComPtr<IFirmwareUploader2> added;
+        EXPECT_EQ(traced.As(&added), isPlain ? E_NOINTERFACE : S_OK);
+        EXPECT_EQ(asks<IFirmwareUploader>(traced.Get()), S_OK);
+        if (isPlain) continue;
+        const long before = fake.callCount();
+        EXPECT_EQ(added->put_CompanionFile(bstr(L"a.kfc").get()), S_OK);
+        EXPECT_EQ(fake.callCount(), before + 1);
+        EXPECT_EQ(fake.takeWork(), "CompanionFile = a.kfc\n");
+    }
 }
 
 TEST_F(TransparencyTest, IdentitiesAreKept) {
