@@ -28,18 +28,14 @@ protected:
 
     // Stores connections "A", "B", ... on this port.
     void store(int count, const std::string& port) {
+        const std::string section = "KelGateConnect\\Connections";
         for (int i = 0; i < count; ++i) {
-            const std::string key = std::string(kKey) + "\\" + std::to_string(i);
-            write(key, "Name", std::string(1, static_cast<char>('A' + i)));
-            write(key, "Address", "127.0.0.1");
-            write(key, "Port", port);
+            const std::string connection = section + "\\" + std::to_string(i);
+            remember(connection, "Name", std::string(1, static_cast<char>('A' + i)));
+            remember(connection, "Address", "127.0.0.1");
+            remember(connection, "Port", port);
         }
-        const DWORD number = static_cast<DWORD>(count);
-        RegSetKeyValueA(HKEY_CURRENT_USER, kKey, "Count", REG_DWORD, &number, sizeof number);
-    }
-    static void write(const std::string& key, const char* name, const std::string& text) {
-        RegSetKeyValueA(HKEY_CURRENT_USER, key.c_str(), name, REG_SZ, text.c_str(),
-                        static_cast<DWORD>(text.size() + 1));
+        remember(section, "Count", static_cast<DWORD>(count));
     }
     // The stored names, in their order.
     static std::string stored() {

@@ -34,14 +34,6 @@ protected:
         dialog_->put_ApplicationName(com::Bstr(L"Test").get());
     }
 
-    void remember(const std::string& section, const char* name, DWORD number) {
-        RegSetKeyValueA(sandbox_.key(), (kStore + section).c_str(), name, REG_DWORD, &number,
-                        sizeof number);
-    }
-    void remember(const std::string& section, const char* name, const std::string& text) {
-        RegSetKeyValueA(sandbox_.key(), (kStore + section).c_str(), name, REG_SZ, text.c_str(),
-                        static_cast<DWORD>(text.size() + 1));
-    }
     void rememberSession(DWORD option, DWORD lastConnection) {
         remember("NewSessionDialog\\App_Test", "Option", option);
         remember("NewSessionDialog\\App_Test", "LastConnection", lastConnection);

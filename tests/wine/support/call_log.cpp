@@ -55,7 +55,7 @@ std::string notation(const std::string& method, const SAFEARRAY& arguments) {
 
 }  // namespace
 
-// Lives as long as the logs and the doubles that it tells of.
+// Lives as long as the logs.
 class SharedTrace {
 public:
     static std::shared_ptr<SharedTrace> get() {
@@ -102,6 +102,10 @@ private:
 
 CallLog::CallLog() : trace_(SharedTrace::get()) {}
 
+CallLog::~CallLog() {
+    std::erase_if(trace_->logs, [this](const auto& entry) { return entry.second.first == this; });
+}
+
 std::string CallLog::takeWork() {
     std::string work;
     for (const std::string& call : calls)
@@ -128,18 +132,11 @@ void CallLog::failMethod(const wchar_t* name, HRESULT code) {
     com::check(session()->FailMethod(com::Bstr(std::wstring_view(name)).get(), 1, code));
 }
 
-com::ComPtr<IUnknown> tellCalls(CallLog& log, IUnknown* inner, std::string prefix) {
-    const std::shared_ptr<SharedTrace> trace = SharedTrace::get();
+com::ComPtr<IUnknown> CallLog::wrap(IUnknown* inner, const std::string& prefix) {
     com::ComPtr<IUnknown> object;
-    com::check(trace->session->Wrap(inner, &object), trace->session);
-    trace->logs[object.Get()] = {&log, std::move(prefix)};
+    com::check(session()->Wrap(inner, &object), session());
+    trace_->logs[object.Get()] = {this, prefix};
     return object;
-}
-
-void tellNothing(SharedTrace& trace, IUnknown* object) {
-    com::ComPtr<IUnknown> identity;
-    com::check(object->QueryInterface(IID_PPV_ARGS(&identity)));
-    trace.logs.erase(identity.Get());
 }
 
 }  // namespace kel::test

@@ -16,8 +16,17 @@ class SharedTrace;
 class CallLog {
 public:
     CallLog();
+    ~CallLog();
     CallLog(const CallLog&) = delete;
     CallLog& operator=(const CallLog&) = delete;
+
+    // The traced object around a double, whose calls are told here with something before them.
+    template <class Interface>
+    com::ComPtr<Interface> around(IUnknown* inner, const std::string& prefix = {}) {
+        com::ComPtr<Interface> object;
+        com::check(wrap(inner, prefix).As(&object));
+        return object;
+    }
 
     // What was called, in order, with its arguments: "SendBreak 300", "BaudRate = 9600". Fetching
     // the port or the preprocessor and asking for bytes that wait is told on demand only.
@@ -39,42 +48,9 @@ public:
     void failMethod(const wchar_t* name, HRESULT code = E_ACCESSDENIED);
 
 private:
-    template <class Interface>
-    friend class Traced;
-    friend class SharedTrace;
+    com::ComPtr<IUnknown> wrap(IUnknown* inner, const std::string& prefix);
 
     const std::shared_ptr<SharedTrace> trace_;
 };
-
-// A double behind the trace link, whose calls are told in a log with something before them. Of the
-// thread that makes it.
-template <class Interface>
-class Traced {
-public:
-    Traced(CallLog& log, IUnknown* inner, std::string prefix = {});
-    ~Traced();
-    Traced(const Traced&) = delete;
-    Traced& operator=(const Traced&) = delete;
-
-    Interface* get() const { return object_.Get(); }
-
-private:
-    const std::shared_ptr<SharedTrace> trace_;
-    com::ComPtr<Interface> object_;
-};
-
-// As the above, without its type.
-com::ComPtr<IUnknown> tellCalls(CallLog& log, IUnknown* inner, std::string prefix);
-void tellNothing(SharedTrace& trace, IUnknown* object);
-
-template <class Interface>
-Traced<Interface>::Traced(CallLog& log, IUnknown* inner, std::string prefix) : trace_(log.trace_) {
-    com::check(tellCalls(log, inner, std::move(prefix)).As(&object_));
-}
-
-template <class Interface>
-Traced<Interface>::~Traced() {
-    tellNothing(*trace_, object_.Get());
-}
 
 }  // namespace kel::test

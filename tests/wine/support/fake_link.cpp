@@ -168,9 +168,10 @@ private:
 FakeLink::FakeLink(CallLog& log, const std::string& prefix)
     : innerPort_(com::makeObject<FakeStream>(*this)),
       innerNetwork_(com::makeObject<FakeNetworkStream>(*this)),
-      communicator_(log, com::makeObject<FakeCommunicator>(*this)->controlling(), prefix + "Link."),
-      port_(log, innerPort_.Get(), prefix),
-      network_(log, innerNetwork_.Get(), prefix) {}
+      communicator_(log.around<IKelCommunicator>(
+          com::makeObject<FakeCommunicator>(*this)->controlling(), prefix + "Link.")),
+      port_(log.around<IKelStream>(innerPort_.Get(), prefix)),
+      network_(log.around<INetworkStream2>(innerNetwork_.Get(), prefix)) {}
 
 long FakeLink::shownIn() {
     const com::Scoped quiet(onCall, decltype(onCall)());

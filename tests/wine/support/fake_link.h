@@ -51,9 +51,9 @@ public:
     com::ComPtr<IUnknown> access;
 
     // What tests hand out: the traced objects.
-    IKelCommunicator* communicator() const { return communicator_.get(); }
-    IKelStream* port() const { return port_.get(); }
-    INetworkStream2* network() const { return network_.get(); }
+    IKelCommunicator* communicator() const { return communicator_.Get(); }
+    IKelStream* port() const { return port_.Get(); }
+    INetworkStream2* network() const { return network_.Get(); }
 
     // The window that the link shows its texts in, as a host knows it.
     long shownIn();
@@ -66,9 +66,9 @@ private:
 
     const com::ComPtr<IKelStream> innerPort_;
     const com::ComPtr<IKelStream> innerNetwork_;
-    const Traced<IKelCommunicator> communicator_;
-    const Traced<IKelStream> port_;
-    const Traced<INetworkStream2> network_;
+    const com::ComPtr<IKelCommunicator> communicator_;
+    const com::ComPtr<IKelStream> port_;
+    const com::ComPtr<INetworkStream2> network_;
 };
 
 }  // namespace kel::test

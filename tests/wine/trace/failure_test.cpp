@@ -25,21 +25,6 @@ protected:
     kel::test::FakeLink fake;
 };
 
-TEST_F(FailureTest, EveryCallFailsOnceWithItsReason) {
-    ASSERT_EQ(run(fake.communicator()), S_OK);
-    const long calls = fake.callCount();
-    ASSERT_GT(calls, static_cast<long>(fake.calls.size())) << "the port is fetched besides";
-    for (long failing = 1; failing <= calls; ++failing) {
-        SCOPED_TRACE(failing);
-        fake.failCall(failing, kFailure);
-        EXPECT_EQ(run(fake.communicator()), kFailure);
-        const auto error = kel::test::takeError();
-        ASSERT_TRUE(error);
-        EXPECT_EQ(error->description.find(L"Call "), 0u);
-        EXPECT_NE(error->description.find(L" fails on demand: "), std::wstring::npos);
-    }
-}
-
 TEST_F(FailureTest, OneMethodFailsAndTheLinkDoesNotSeeIt) {
     for (const wchar_t* method : {L"put_BaudRate", L"IKelStream.put_BaudRate"}) {
         fake.baudRate = 300;
