@@ -21,8 +21,8 @@ HRESULT WINAPI findNoClass(REFCLSID, DWORD, COSERVERINFO*, REFIID, void**) {
 // How arguments are written that are neither numbers nor quoted texts.
 const std::map<std::string, const char*, std::less<>> kWords = {
     {"SendCommand", "OK"}, {"WriteString", "CR"}, {"WaitForString", "stop"}};
-const std::set<std::string, std::less<>> kUnquoted = {
-    "OpenPort", "PortExists", "ConnectTo", "put_Port", "put_CompanionFile", "Upload", "Verify"};
+const std::set<std::string, std::less<>> kUnquoted = {"OpenPort", "PortExists", "ConnectTo",
+                                                      "put_Port"};
 
 bool isFetch(std::string_view method) {
     return method == "get_Port" || method == "get_Preprocessor" ||
