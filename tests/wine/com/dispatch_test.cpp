@@ -83,7 +83,7 @@ TEST(Dispatch, ObjectsArePutEitherWayAndManyValuesStandForNone) {
     for (const WORD flags : {kPut, kPutRef}) {
         const Variant port(link.port());
         EXPECT_EQ(call(link.communicator(), kLinkPort, flags, {port.get()}), S_OK);
-        EXPECT_EQ(link.takeWork(), "Link.Port = port\n");
+        EXPECT_EQ(link.takeWork(), "Link.Port = serial1\n");
         VARIANT null = raw(VT_NULL, nullptr);
         for (const VARIANT& none : {raw(VT_EMPTY, nullptr), null, kMissing.get(),
                                     raw(VT_DISPATCH, nullptr), raw(VT_VARIANT | VT_BYREF, &null)}) {
@@ -116,7 +116,7 @@ TEST(Dispatch, ReferencesAreAcceptedForValues) {
     EXPECT_EQ(call(link.port(), kBaudRate, kPut, {raw(VT_VARIANT | VT_BYREF, &text)}), S_OK);
     EXPECT_EQ(call(link.communicator(), kLinkPort, kPut, {raw(VT_DISPATCH | VT_BYREF, &port)}),
               S_OK);
-    EXPECT_EQ(link.takeWork(), "BaudRate = 2400\nBaudRate = 19200\nLink.Port = port\n");
+    EXPECT_EQ(link.takeWork(), "BaudRate = 2400\nBaudRate = 19200\nLink.Port = serial1\n");
     VariantClear(&text);
 }
 
@@ -143,7 +143,7 @@ TEST(Dispatch, OutParametersTakeAVariantOrTheirOwnType) {
     EXPECT_EQ(direct.view(), L"answer");
 
     // A failing call leaves it as it is.
-    link.onCall = [](const std::string&) { throw com::Error(E_ABORT); };
+    link.failCall(1, E_ABORT);
     EXPECT_EQ(call(link.port(), kWaitForString, DISPATCH_METHOD,
                    {text.get(), timeout.get(), text.get(), raw(VT_VARIANT | VT_BYREF, &target)}),
               DISP_E_EXCEPTION);
@@ -176,12 +176,12 @@ TEST(Dispatch, RefusesWhatTheTypeLibraryDoesNotKnow) {
 
 TEST(Dispatch, FailuresOfAMemberFillTheException) {
     FakeLink link;
-    link.onCall = [](const std::string&) { throw com::Error(E_ABORT, L"The cable is gone"); };
+    link.failCall(1, E_ABORT);
     EXCEPINFO exception = {};
     EXPECT_EQ(call(link.port(), kEcho, DISPATCH_METHOD, {Variant(L"x").get()}, nullptr, &exception),
               DISP_E_EXCEPTION);
     EXPECT_EQ(exception.scode, E_ABORT);
-    EXPECT_EQ(com::view(exception.bstrDescription), L"The cable is gone");
+    EXPECT_EQ(com::view(exception.bstrDescription), L"Call 1 fails on demand: serial1.Echo(\"x\")");
     for (const BSTR text :
          {exception.bstrDescription, exception.bstrSource, exception.bstrHelpFile}) {
         SysFreeString(text);

@@ -8,7 +8,6 @@
 #include "com/variant.h"
 #include "interfaces/KelUtils.h"
 #include "interfaces/link_classes.h"
-#include "settings/vocabulary.h"
 #include "tests/support/cases.h"
 #include "tests/wine/service/fake_compass.h"
 #include "tests/wine/service/fake_pressure.h"
@@ -40,21 +39,15 @@ void runScript(IDispatch* object, const std::string& script) {
 }
 
 // From "KelGateConnect\Connections Count = dword:3".
-void remember(const std::string& line) {
+void rememberLine(const std::string& line) {
     const std::size_t equals = line.find(" = ");
     const std::size_t name = line.find(' ');
-    const std::string section = std::string(settings::kRoot) + line.substr(0, name);
+    const std::string section = line.substr(0, name);
     const std::string value = line.substr(name + 1, equals - name - 1);
     const std::string text = line.substr(equals + 3);
     constexpr std::string_view kNumber = "dword:";
-    if (text.starts_with(kNumber)) {
-        const auto number = static_cast<DWORD>(std::stoul(text.substr(kNumber.size())));
-        RegSetKeyValueA(HKEY_CURRENT_USER, section.c_str(), value.c_str(), REG_DWORD, &number,
-                        sizeof number);
-    } else {
-        RegSetKeyValueA(HKEY_CURRENT_USER, section.c_str(), value.c_str(), REG_SZ, text.c_str(),
-                        static_cast<DWORD>(text.size() + 1));
-    }
+    if (!text.starts_with(kNumber)) return remember(section, value, text);
+    remember(section, value, static_cast<DWORD>(std::stoul(text.substr(kNumber.size()))));
 }
 
 // Its files are all there already.
@@ -107,7 +100,7 @@ void open(const Opening& opening, const std::function<void(HWND)>& look) {
     com::check(CLSIDFromProgID(opening.component.c_str(), &component));
     const RegistrySandbox settings(HKEY_CURRENT_USER);
     for (const std::string& line : opening.remembered)
-        remember(line);
+        rememberLine(line);
     FakeLink link;
     link.hasPort = opening.hasPort;
     link.connectionString = L"COM3:";

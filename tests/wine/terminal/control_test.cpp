@@ -262,7 +262,7 @@ TEST_F(ControlTest, TakesCallsInAnyOrder) {
         if (container.activeObject()) to<IOleInPlaceObject>(control.Get())->UIDeactivate();
     }
     EXPECT_EQ(GetWindow(container.window(), GW_CHILD), nullptr);
-    EXPECT_EQ(link.echoWindow, 0);
+    EXPECT_EQ(link.shownIn(), 0);
 }
 
 TEST_F(ControlTest, AsksAndTellsWhoWatchesItsProperties) {
