@@ -12,6 +12,7 @@
 #include "hosts/kelrun/preprocessor.h"
 #include "hosts/kelrun/session.h"
 #include "hosts/kelrun/transcript_file.h"
+#include "hosts/shared/activation_context.h"
 #include "hosts/shared/error_text.h"
 #include "hosts/shared/model/visible_text.h"
 #include "hosts/shared/script_file.h"
@@ -60,9 +61,9 @@ Ending runScript(Session& session, const Preprocessor& preprocessor, const std::
         const bool ran = session.run(script);
         if (session.wasCancelled()) return {ExitCode::kCancelled, {}};
         if (ran) return {ExitCode::kRan, {}};
-        return {ExitCode::kScriptFailed, endOfRun(preprocessor.lastRun())};
+        return {ExitCode::kFailed, endOfRun(preprocessor.lastRun())};
     } catch (const com::Error& error) {
-        return {session.wasCancelled() ? ExitCode::kCancelled : ExitCode::kScriptFailed,
+        return {session.wasCancelled() ? ExitCode::kCancelled : ExitCode::kFailed,
                 {reasonOf(error, session.place())}};
     }
 }
@@ -100,7 +101,7 @@ void closeTrace(Trace& trace, Ending& ending) {
             return reason.find(word) != std::string::npos;
         });
         if (!isTold) ending.reasons.push_back(word);
-        if (ending.code == ExitCode::kRan) ending.code = ExitCode::kScriptFailed;
+        if (ending.code == ExitCode::kRan) ending.code = ExitCode::kFailed;
     }
 }
 
@@ -146,6 +147,7 @@ ExitCode run(const Options& options, ConsoleOutput& errors) {
     }
 
     const com::Apartment apartment;
+    const auto manifest = manifestBesideProgram();
     const Preprocessor preprocessor(options, script.folder);
     if (options.check) return showCheck(options, script, preprocessor, errors);
 
@@ -153,7 +155,7 @@ ExitCode run(const Options& options, ConsoleOutput& errors) {
     if (count > 0 && !options.keepGoing) {
         say(errors, script.name + " was not started: it has " + std::to_string(count) +
                         (count == 1 ? " error" : " errors") + " (--keep-going runs it anyway)");
-        return ExitCode::kScriptFailed;
+        return ExitCode::kFailed;
     }
     return runWithTranscript(options, script, preprocessor, errors);
 }

@@ -4,6 +4,9 @@
 #include <vector>
 
 #include "com/error.h"
+#include "com/text.h"
+#include "hosts/shared/error_text.h"
+#include "hosts/shared/model/failure.h"
 #include "hosts/shared/program_folder.h"
 
 namespace kel::host {
@@ -36,7 +39,12 @@ ActivationContext::~ActivationContext() {
 std::unique_ptr<ActivationContext> manifestBesideProgram() {
     const std::wstring path = programFolder() + kManifest;
     if (GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES) return nullptr;
-    return std::make_unique<ActivationContext>(path);
+    try {
+        return std::make_unique<ActivationContext>(path);
+    } catch (const com::Error& error) {
+        throw Failure(ExitCode::kNotRegistered,
+                      com::narrow(std::wstring_view(path), CP_UTF8) + ": " + describe(error));
+    }
 }
 
 std::optional<std::wstring> manifestOf(REFCLSID identifier) {

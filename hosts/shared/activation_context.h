@@ -27,7 +27,7 @@ private:
 };
 
 // That of the library's manifest, where it stands in the folder of this program; else nothing.
-// Throws com::Error.
+// Throws Failure (not registered) when it cannot be used.
 std::unique_ptr<ActivationContext> manifestBesideProgram();
 
 // The manifest that makes a class known to this thread.

@@ -17,8 +17,8 @@ using namespace host;
 struct Options {
     std::string script;
     Target target;
-    bool last = false;              // to the same instrument as the last time
-    std::string application;        // whose last time; empty for kelrun's own
+    bool last = false;        // to the same instrument as the last time
+    std::string application;  // whose last time; empty for kelrun's own
     std::string link = "BenchLink.Communicator";
     std::vector<NamedText> variables;
     std::vector<NamedText> answers;
@@ -30,6 +30,7 @@ struct Options {
     double speed = 1;        // of a replay; 0 for without waiting
     bool check = false;      // nothing is run
     bool json = false;       // of a check
+    bool diagnose = false;   // nothing is run, there is no script
     bool keepGoing = false;
     bool interactive = false;
     bool printVariables = false;

@@ -52,6 +52,7 @@ TEST(KelrunOptions, ReadsEveryOption) {
     EXPECT_TRUE(options.printVariables && options.quiet);
     EXPECT_EQ(parseOptions(Arguments{"--tcp", "h:1", "--", "-odd.kel"}).script, "-odd.kel");
     EXPECT_TRUE(parseOptions(Arguments{"a.kel", "--help", "--nonsense"}).help);
+    EXPECT_TRUE(parseOptions(split("--diagnose --link L --port COM3")).diagnose);
 }
 
 TEST(KelrunOptions, RefusesWrongUsageWithItsReason) {
@@ -83,6 +84,7 @@ TEST(KelrunOptions, RefusesWrongUsageWithItsReason) {
          "2 --last does not go with --record and --replay: name the connection"},
         {{"a", "--app", "x"}, "2 --app goes with --last"},
         {{"a", "--json"}, "2 --json goes with --check"},
+        {{"a", "--diagnose"}, "2 --diagnose runs no script"},
     };
     for (const auto& row : cases) {
         const std::string failure = failureOf([&] { parseOptions(row.arguments); });
