@@ -370,7 +370,8 @@ test_diagnoses_what_is_missing() {
     expect "$output" 'KelUtils: not registered' '  WRONG: not one of...' '  TO DO: register it: kelregister...'
 }
 
-# Beside a program of its own the manifest takes the place of the registration.
+# The manifest takes the place of the registration, beside a program that looks for it, and from
+# within the library for one whose own manifest names it.
 test_needs_no_registration_beside_the_manifest() {
     local library KEL_RUN=$KEL_RUN
     library=$(windows_path "$KEL_UTILS")
@@ -384,6 +385,12 @@ test_needs_no_registration_beside_the_manifest() {
     kelrun 0 --diagnose
     expect "$output" "KelUtils: made known by $(windows_path "$folder/KelUtils.manifest")" \
         "  $(windows_path "$folder/KelUtils.dll"), version..." 'All is well.'
+    rm -- "$folder/KelUtils.manifest"
+    printf '<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0">%s</assembly>' \
+        "$(blocks xml "$kel_root/docs/hosting.md" | grep -v '^-- ')" >"$folder/kelrun.exe.manifest"
+    kelrun 0 --diagnose
+    expect "$output" "KelUtils: made known by $(windows_path "$folder/KelUtils.dll")" 'All is well.'
+    rm -- "$folder/kelrun.exe.manifest"
     printf '<' >"$folder/KelUtils.manifest"
     kelrun 5 "$(script set.kel '@x="1"\n')"
     expect_only_error "kelrun: $(windows_path "$folder/KelUtils.manifest"): ..."
