@@ -50,14 +50,15 @@ template <class Interface>
 void tryToCreate(const std::string& program, RegistrationReport& report) {
     if (!report.faults.empty()) return;
     try {
-        create<Interface>(program, "");
+        create<Interface>(program, "the system does not find it, though all of its keys are there");
     } catch (const Failure& failure) {
-        const bool isTheUsers = report.place == Place::kUser;
-        report.addFault(program + " cannot be created",
-                        isTheUsers ? "register it for all users with regsvr32: older versions of "
-                                     "Wine do not look for what is registered for one user, nor "
-                                     "does Windows for programs that run as an administrator"
-                                   : std::string("see what it says: ") + failure.what());
+        report.addFault(failure.what(),
+                        report.place == Place::kUser
+                            ? "register it for all users with regsvr32: older versions of Wine do "
+                              "not look for what is registered for one user, nor does Windows for "
+                              "programs that run as an administrator"
+                            : "register it again; if that does not help, look for what the reason "
+                              "names");
     }
 }
 

@@ -40,6 +40,15 @@ ReadValue readerBelow(HKEY root) {
     };
 }
 
+// A name without a folder is found where the system looks for libraries.
+std::wstring whole(const std::string& name) {
+    const std::wstring given = com::widen(name, CP_UTF8);
+    wchar_t path[MAX_PATH];
+    if (given.find(L'\\') != std::wstring::npos) return given;
+    const DWORD size = SearchPathW(nullptr, given.c_str(), L".dll", MAX_PATH, path, nullptr);
+    return size == 0 || size >= MAX_PATH ? given : std::wstring(path, size);
+}
+
 std::string toText(const GUID& identifier) {
     wchar_t text[39];
     StringFromGUID2(identifier, text, 39);
@@ -58,7 +67,7 @@ RegistrationSource registrationSource() {
     RegistrationSource source;
     source.user = readerBelow(HKEY_CURRENT_USER);
     source.machine = readerBelow(HKEY_LOCAL_MACHINE);
-    source.file = [](const std::string& path) { return readImageFile(com::widen(path, CP_UTF8)); };
+    source.file = [](const std::string& path) { return readImageFile(whole(path)); };
     source.manifest = [](const std::string& identifier) -> std::optional<std::string> {
         CLSID parsed;
         if (FAILED(CLSIDFromString(com::widen(identifier).c_str(), &parsed))) return std::nullopt;

@@ -22,7 +22,8 @@ constexpr char kSameVersion[] = "take KelUtils.manifest and KelUtils.dll of the 
 constexpr char kRegisterLink[] =
     "register the library of the link, or name another link with --link";
 
-bool samePath(std::string_view left, std::string_view right) {
+// Of files and identifiers: the case of their letters does not count.
+bool sameName(std::string_view left, std::string_view right) {
     return std::ranges::equal(left, right, [](unsigned char one, unsigned char other) {
         return std::tolower(one) == std::tolower(other);
     });
@@ -74,17 +75,19 @@ struct Expected {
 bool fits(const Expected& expected, const std::string& found) {
     switch (expected.kind) {
         case Kind::kPath:
-            return samePath(unquoted(found), expected.value);
+            return sameName(unquoted(found), expected.value);
         case Kind::kKeyAlone:
             return true;
         case Kind::kFolderOrNothing:
-            return found.empty() || samePath(found, expected.value);
+            return found.empty() || sameName(found, expected.value) ||
+                   sameName(found, expected.value + "\\");
         case Kind::kNumber:
             return !found.empty() && std::ranges::all_of(found, [](unsigned char character) {
                 return std::isdigit(character) != 0;
             });
         default:
-            return found == expected.value;
+            return found == expected.value ||
+                   (expected.value.starts_with('{') && sameName(found, expected.value));
     }
 }
 
@@ -167,7 +170,7 @@ private:
     // The machine's file is another one than the user's.
     void noteSecondFile(const RegisteredClass& one) {
         const auto other = source_.machine(serverKey(one.identifier), {});
-        if (!other || samePath(unquoted(*other), report_.file) ||
+        if (!other || sameName(unquoted(*other), report_.file) ||
             placeOf(source_, one.identifier) != Place::kUser)
             return;
         const std::string text = "programs that run as an administrator use " + *other;
@@ -259,8 +262,7 @@ private:
     // Another library has registered the same interface, which is its right.
     bool isForeign(const Expected& expected, const std::string& where) const {
         const auto found = read(source_, expected.key);
-        return found && !found->empty() && *found != expected.value &&
-               read(source_, where + *found);
+        return found && !found->empty() && !fits(expected, *found) && read(source_, where + *found);
     }
 
     // A key that is gone with all below it is one fault.
@@ -299,7 +301,7 @@ void checkLinkClass(const std::string& name, const std::string& identifier,
         report.file = *path;
         report.image = image;
         report.place = placeOf(source, identifier);
-    } else if (samePath(*path, report.file)) {
+    } else if (sameName(*path, report.file)) {
         return;
     }
     if (!image.isThere)
