@@ -62,6 +62,17 @@ TEST_F(WaitingTest, AHandlerMayWaitToo) {
     EXPECT_EQ(inner, (Outcome{true, "inner;"}));
 }
 
+// As a terminal empties the stream in every tick.
+TEST_F(WaitingTest, WhatComesIsForTheWait) {
+    stream->put_EchoWindow(window.number());
+    window.post([&] {
+        peer.send("OK");
+        while (window.shown() != L"OK" && stream->ClearReadBuffer() == S_OK)
+            continue;
+    });
+    EXPECT_EQ(waitFor(L"OK", 100), (Outcome{true, "OK"}));
+}
+
 TEST_F(WaitingTest, TimeCanRunFaster) {
     const auto start = std::chrono::steady_clock::now();
     const TimeScale scale(L"1000000");

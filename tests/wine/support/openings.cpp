@@ -22,6 +22,8 @@
 namespace kel::test {
 namespace {
 
+constexpr wchar_t kFailure[] = L"The port is not open";
+
 // The value of a setting, written as "name value"; empty where there is none.
 std::string setting(const Step& step, std::string_view name) {
     for (const std::string& line : step.settings) {
@@ -86,6 +88,12 @@ std::vector<Opening> readOpenings() {
             opening.button = std::stoi(press);
             opening.buttonCaption = com::widen(press.substr(press.find(' ') + 1));
         }
+        // "fail StartCollection 428"
+        const std::string fail = setting(step, "fail");
+        if (!fail.empty()) {
+            opening.failingCall = fail.substr(0, fail.find(' '));
+            opening.statusLine = std::stoi(fail.substr(fail.find(' ') + 1));
+        }
         openings.push_back(opening);
     }
     return openings;
@@ -109,11 +117,17 @@ void open(const Opening& opening, const std::function<void(HWND)>& look) {
     link.gatewayPassword = L"sea";
     const ClassObject serial(link::kSerialStreamClass, link.port());
     const ClassObject network(link::kNetworkStreamClass, link.network());
-    const ClassObject compass(link::kCompassAccessClass,
-                              com::makeObject<FakeCompass>()->controlling());
-    const ClassObject pressure(link::kPressureAccessClass,
-                               com::makeObject<FakePressure>()->controlling());
-    link.access = makeRecorder()->controlling();
+    const auto compassAccess = com::makeObject<FakeCompass>();
+    const auto pressureAccess = com::makeObject<FakePressure>();
+    const auto recorder = makeRecorder();
+    link.onCall = compassAccess->onCall = pressureAccess->onCall =
+        recorder->onCall = [&](const std::string& call) {
+            if (!opening.failingCall.empty() && call.starts_with(opening.failingCall))
+                throw com::Error(E_FAIL, kFailure);
+        };
+    const ClassObject compass(link::kCompassAccessClass, compassAccess->controlling());
+    const ClassObject pressure(link::kPressureAccessClass, pressureAccess->controlling());
+    link.access = recorder->controlling();
     const ClassObject collections(link::kCollectionClass, [] { return makeCollection(false); });
     const auto object = kelUtils().create<IDispatch>(component);
     com::ComPtr<IKelModalDialog> dialog;
@@ -124,9 +138,13 @@ void open(const Opening& opening, const std::function<void(HWND)>& look) {
             PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(opening.button), 0);
             driver.waitFor(opening.buttonCaption);
         }
+        if (opening.statusLine != 0) {
+            driver.waitUntil("the failure",
+                             [&] { return driver.text(opening.statusLine) == kFailure; });
+        }
         look(driver.window());
         PostMessageW(driver.window(), WM_COMMAND, IDCANCEL, 0);
-        if (opening.button != 0) {
+        if (driver.window() != window) {
             driver.waitFor(opening.caption);
             PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
         }
