@@ -81,7 +81,7 @@ HRESULT publish(HRESULT code, const std::wstring& description, const IID& interf
                 const wchar_t* source) noexcept;
 
 // The one border between exceptions and HRESULTs: runs the body of an interface method or export.
-// The body gives an HRESULT, or nothing for S_OK.
+// The body gives an HRESULT, or nothing for S_OK. A failing one that it gives has been published.
 template <class Body>
 HRESULT guard(const IID& interfaceId, const wchar_t* source, Body&& body) noexcept {
     try {

@@ -6,7 +6,7 @@ com::ComPtr<IDispatch> NamedItem::standsFor() {
     const com::ComPtr<IKelObjects> table = table_->objects;
     com::ComPtr<IDispatch> object;
     if (table) com::check(table->get_Item(name_.get(), &object), table);
-    if (!object) throw com::Error(DISP_E_BADINDEX);
+    if (!object) throw com::Error(DISP_E_BADINDEX, L"The object is no longer in the table");
     return object;
 }
 
