@@ -49,11 +49,11 @@ template <class Interface, class... Bases>
 class Dual : public Plain<Interface, Bases..., IDispatch> {
 public:
     STDMETHODIMP GetTypeInfoCount(UINT* count) override {
-        return guard(IID_IDispatch, nullptr, [&] { out(count) = 1; });
+        return guardLateBound([&] { out(count) = 1; });
     }
 
     STDMETHODIMP GetTypeInfo(UINT index, LCID, ITypeInfo** type) override {
-        return guard(IID_IDispatch, nullptr, [&] {
+        return guardLateBound([&] {
             out(type) = nullptr;
             if (index != 0) throw Error(DISP_E_BADINDEX);
             *type = typeInfo(__uuidof(Interface)).Detach();
@@ -62,7 +62,7 @@ public:
 
     STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID,
                                DISPID* identifiers) override {
-        return guard(IID_IDispatch, nullptr, [&] {
+        return guardLateBound([&] {
             if (!names || !identifiers || count == 0) return E_INVALIDARG;
             return DispGetIDsOfNames(typeInfo(__uuidof(Interface)).Get(), names, count,
                                      identifiers);
@@ -71,7 +71,7 @@ public:
 
     STDMETHODIMP Invoke(DISPID member, REFIID iid, LCID, WORD flags, DISPPARAMS* arguments,
                         VARIANT* result, EXCEPINFO* exception, UINT* badArgument) override {
-        return guard(IID_IDispatch, nullptr, [&] {
+        return guardLateBound([&] {
             if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
             if (!arguments) return E_INVALIDARG;
             return invoke(typeInfo(__uuidof(Interface)).Get(), static_cast<Interface*>(this),
@@ -161,8 +161,7 @@ public:
     STDMETHODIMP_(ULONG) AddRef() override { return controlling()->AddRef(); }
     STDMETHODIMP_(ULONG) Release() override { return controlling()->Release(); }
 
-    // Late-bound calls tell their failures by themselves, and leave none behind that a script host
-    // could mistake for that of a later call.
+    // Late-bound calls tell their failures by themselves.
     STDMETHODIMP InterfaceSupportsErrorInfo(REFIID iid) override {
         return iid != IID_IDispatch && findInterface(iid) ? S_OK : S_FALSE;
     }

@@ -11,24 +11,22 @@ com::ComPtr<IDispatch> NamedItem::standsFor() {
 }
 
 HRESULT NamedItem::GetTypeInfoCount(UINT* count) {
-    return com::guard(IID_IDispatch, nullptr, [&] { return standsFor()->GetTypeInfoCount(count); });
+    return com::guardLateBound([&] { return standsFor()->GetTypeInfoCount(count); });
 }
 
 HRESULT NamedItem::GetTypeInfo(UINT index, LCID locale, ITypeInfo** type) {
-    return com::guard(IID_IDispatch, nullptr,
-                      [&] { return standsFor()->GetTypeInfo(index, locale, type); });
+    return com::guardLateBound([&] { return standsFor()->GetTypeInfo(index, locale, type); });
 }
 
 HRESULT NamedItem::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale,
                                  DISPID* identifiers) {
-    return com::guard(IID_IDispatch, nullptr, [&] {
-        return standsFor()->GetIDsOfNames(iid, names, count, locale, identifiers);
-    });
+    return com::guardLateBound(
+        [&] { return standsFor()->GetIDsOfNames(iid, names, count, locale, identifiers); });
 }
 
 HRESULT NamedItem::Invoke(DISPID member, REFIID iid, LCID locale, WORD flags, DISPPARAMS* arguments,
                           VARIANT* result, EXCEPINFO* exception, UINT* badArgument) {
-    return com::guard(IID_IDispatch, nullptr, [&] {
+    return com::guardLateBound([&] {
         return standsFor()->Invoke(member, iid, locale, flags, arguments, result, exception,
                                    badArgument);
     });

@@ -229,6 +229,7 @@ TEST(Dispatch, RefusesWhatTheTypeLibraryDoesNotKnow) {
     EXPECT_EQ(link.port()->GetTypeInfo(0, 0, nullptr), E_POINTER);
     EXPECT_EQ(link.port()->GetTypeInfoCount(nullptr), E_POINTER);
     EXPECT_EQ(link.takeWork(), "");
+    EXPECT_FALSE(takeError());
 }
 
 TEST(Dispatch, FailuresOfAMemberFillTheException) {
