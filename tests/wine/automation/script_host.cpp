@@ -44,11 +44,12 @@ BOOL CALLBACK lookForWindow(HWND window, LPARAM parameter) {
     return search.found == nullptr;
 }
 
-// Cancels the window once it is there.
-bool cancel(DWORD process, const AwaitedWindow& window) {
+// Cancels the window once it is there, and gives it.
+HWND cancel(DWORD process, const AwaitedWindow& window) {
     Search search{process, window};
     EnumWindows(lookForWindow, reinterpret_cast<LPARAM>(&search));
-    return search.found && PostMessageW(search.found, WM_COMMAND, IDCANCEL, 0);
+    if (search.found) PostMessageW(search.found, WM_COMMAND, IDCANCEL, 0);
+    return search.found;
 }
 
 com::FileHandle open(const std::wstring& path, DWORD access) {
@@ -79,9 +80,14 @@ std::string runScriptHost(const std::string& script, const wchar_t* extension,
             throw com::lastError();
     }
     const com::FileHandle process(started.hProcess), thread(started.hThread);
+    HWND cancelled = nullptr;
     const ULONGLONG end = GetTickCount64() + kPatience;
     while (WaitForSingleObject(process.get(), 20) == WAIT_TIMEOUT) {
-        if (!windows.empty() && cancel(started.dwProcessId, windows.front())) windows.pop_front();
+        // The next one may look like the one that is about to go.
+        if (!windows.empty() && !IsWindow(cancelled)) {
+            cancelled = cancel(started.dwProcessId, windows.front());
+            if (cancelled) windows.pop_front();
+        }
         if (GetTickCount64() < end) continue;
         ADD_FAILURE() << "the script does not end";
         TerminateProcess(process.get(), 1);
