@@ -35,23 +35,38 @@ UINT functionCount(ITypeInfo* type) {
     return count;
 }
 
-// True when a parameter takes an object.
-bool takesObject(ITypeInfo* type, const TYPEDESC& parameter) {
-    if (parameter.vt == VT_DISPATCH || parameter.vt == VT_UNKNOWN) return true;
-    if (parameter.vt != VT_PTR || parameter.lptdesc->vt != VT_USERDEFINED) return false;
-
+// True when a named type is an interface, or another name of one, as that of the fonts.
+bool isInterface(ITypeInfo* type, const TYPEDESC& named) {
     ComPtr<ITypeInfo> target;
-    if (FAILED(type->GetRefTypeInfo(parameter.lptdesc->hreftype, &target))) return false;
+    if (named.vt != VT_USERDEFINED || FAILED(type->GetRefTypeInfo(named.hreftype, &target)))
+        return false;
     TYPEATTR* attributes = nullptr;
     if (FAILED(target->GetTypeAttr(&attributes))) return false;
     const TYPEKIND kind = attributes->typekind;
+    const bool is = kind == TKIND_DISPATCH || kind == TKIND_INTERFACE ||
+                    (kind == TKIND_ALIAS && isInterface(target.Get(), attributes->tdescAlias));
     target->ReleaseTypeAttr(attributes);
-    return kind == TKIND_DISPATCH || kind == TKIND_INTERFACE;
+    return is;
+}
+
+// True when a parameter or a result is an object.
+bool isObject(ITypeInfo* type, const TYPEDESC& parameter) {
+    if (parameter.vt == VT_DISPATCH || parameter.vt == VT_UNKNOWN) return true;
+    return parameter.vt == VT_PTR && isInterface(type, *parameter.lptdesc);
 }
 
 bool isNothing(const VARIANT& value) {
     return value.vt == VT_EMPTY || value.vt == VT_NULL ||
            (value.vt == VT_ERROR && value.scode == DISP_E_PARAMNOTFOUND);
+}
+
+// True for a property without parameters whose value is an object.
+bool givesObject(ITypeInfo* type, const FUNCDESC& function) {
+    if (function.invkind != INVOKE_PROPERTYGET) return false;
+    if (function.cParams == 0) return isObject(type, function.elemdescFunc.tdesc);
+    const ELEMDESC& result = function.lprgelemdescParam[0];
+    return function.cParams == 1 && (result.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) &&
+           isObject(type, *result.tdesc.lptdesc);
 }
 
 // More arguments than a function has parameters; platforms differ in whether they tell.
@@ -125,7 +140,7 @@ private:
             originals_[i] = Variant(values_[i]);
             values_[i] = originals_[i].get();
         }
-        if (!takesObject(type, parameter.tdesc)) return;
+        if (!isObject(type, parameter.tdesc)) return;
         if (isNothing(values_[i])) {
             values_[i].vt = VT_DISPATCH;
             values_[i].pdispVal = nullptr;
@@ -190,6 +205,22 @@ bool findTarget(ITypeInfo* type, DISPID member, WORD flags, Target& target) {
     return found;
 }
 
+// Arguments that a property does not take are meant for the default member of its value: scripts
+// write list.Items(0).
+HRESULT invokeDefault(ITypeInfo* type, void* object, DISPID member, const DISPPARAMS& arguments,
+                      VARIANT* result, EXCEPINFO* exception, UINT* badArgument) {
+    DISPPARAMS none = {};
+    Variant value;
+    const HRESULT code = type->Invoke(object, member, DISPATCH_PROPERTYGET, &none, value.put(),
+                                      exception, badArgument);
+    if (FAILED(code)) return code;
+    if (value.type() != VT_DISPATCH || !value.get().pdispVal) return DISP_E_BADPARAMCOUNT;
+    DISPPARAMS given = arguments;
+    return value.get().pdispVal->Invoke(DISPID_VALUE, IID_NULL, LOCALE_USER_DEFAULT,
+                                        DISPATCH_METHOD | DISPATCH_PROPERTYGET, &given, result,
+                                        exception, badArgument);
+}
+
 }  // namespace
 
 HRESULT invoke(ITypeInfo* type, void* object, DISPID member, WORD flags,
@@ -199,7 +230,10 @@ HRESULT invoke(ITypeInfo* type, void* object, DISPID member, WORD flags,
     if (!findTarget(type, member, flags, target)) return DISP_E_MEMBERNOTFOUND;
 
     const FunctionDescription function(type, target.function);
-    if (hasTooMany(*function.operator->(), arguments)) return DISP_E_BADPARAMCOUNT;
+    if (hasTooMany(*function.operator->(), arguments)) {
+        if (!givesObject(type, *function.operator->())) return DISP_E_BADPARAMCOUNT;
+        return invokeDefault(type, object, member, arguments, result, exception, badArgument);
+    }
     Arguments adapted(type, *function.operator->(), arguments);
     DISPPARAMS parameters = adapted.parameters();
     const HRESULT code =

@@ -4,6 +4,7 @@
 
 #include "com/variant.h"
 #include "tests/wine/support/fake_link.h"
+#include "tests/wine/support/library.h"
 
 namespace kel::test {
 namespace {
@@ -66,7 +67,14 @@ TEST(Dispatch, PutsAcceptWhatCanBeConverted) {
         {kBaudRate, kPut, Variant(L"fast"), ""},
         {kIdleProcessing, kPut, Variant(true), "IdleProcessing = -1\n"},
         {kIdleProcessing, kPut, Variant(1L), "IdleProcessing = -1\n"},
+        {kIdleProcessing, kPut, Variant(2L).convertedTo(VT_UI1), "IdleProcessing = -1\n"},
+        {kIdleProcessing, kPut, Variant(-1L).convertedTo(VT_I2), "IdleProcessing = -1\n"},
+        {kIdleProcessing, kPut, Variant(256L).convertedTo(VT_R8), "IdleProcessing = -1\n"},
+        {kIdleProcessing, kPut, Variant(L"True"), "IdleProcessing = -1\n"},
+        {kIdleProcessing, kPut, Variant(L"0"), "IdleProcessing = 0\n"},
         {kIdleProcessing, kPut, Variant(0L), "IdleProcessing = 0\n"},
+        {kIdleProcessing, kPut, Variant(), "IdleProcessing = 0\n"},
+        {kIdleProcessing, kPut, Variant(L"maybe"), ""},
         {kLogFile, kPut, Variant(L"a b"), "LogFile = \"a b\"\n"},
         {kLogFile, kPut, Variant(12L), "LogFile = \"12\"\n"},
     };
@@ -151,6 +159,55 @@ TEST(Dispatch, OutParametersTakeAVariantOrTheirOwnType) {
     VariantClear(&target);
 }
 
+TEST(Dispatch, ArgumentsMayBeNamed) {
+    FakeLink link;
+    std::wstring words[] = {L"waitforstring", L"sStopText", L"NTIMEOUT"};
+    LPOLESTR names[] = {words[0].data(), words[1].data(), words[2].data()};
+    DISPID identifiers[3];
+    ASSERT_EQ(link.port()->GetIDsOfNames(IID_NULL, names, 3, 0, identifiers), S_OK);
+    EXPECT_EQ(identifiers[0], kWaitForString);
+    const Variant stop(L"stop");
+    const Variant text(L"text");
+    com::Bstr reply;
+    // The named ones first, then the others from the last to the first.
+    VARIANT arguments[] = {stop.get(), kRate.get(), raw(VT_BSTR | VT_BYREF, reply.put()),
+                           text.get()};
+    DISPID named[] = {identifiers[1], identifiers[2], 3};
+    std::swap(arguments[0], arguments[2]);
+    std::swap(named[0], named[2]);
+    DISPPARAMS parameters = {arguments, named, 4, 3};
+    EXPECT_EQ(link.port()->Invoke(kWaitForString, IID_NULL, 0, DISPATCH_METHOD, &parameters,
+                                  nullptr, nullptr, nullptr),
+              S_OK);
+    EXPECT_EQ(link.takeWork(), "WaitForString \"text\" 9600 \"stop\"\n");
+    std::wstring unknown = L"sNothing";
+    LPOLESTR wrong[] = {names[0], unknown.data()};
+    EXPECT_EQ(link.port()->GetIDsOfNames(IID_NULL, wrong, 2, 0, identifiers), DISP_E_UNKNOWNNAME);
+}
+
+TEST(Dispatch, SurplusArgumentsGoToTheDefaultMemberOfAnObject) {
+    const auto preprocessor = kelUtils().create<IPreprocessorControl>(CLSID_Preprocessor);
+    com::check(preprocessor->put_Variable(com::Bstr(L"a").get(), com::Bstr(L"5").get()));
+    constexpr DISPID kVariables = 1010;
+    for (const Variant& index : {Variant(0L), Variant(L"A")}) {
+        Variant value;
+        EXPECT_EQ(call(preprocessor.Get(), kVariables, DISPATCH_PROPERTYGET | DISPATCH_METHOD,
+                       {index.get()}, value.put()),
+                  S_OK);
+        EXPECT_EQ(value.toText(), "5");
+    }
+    EXCEPINFO exception = {};
+    EXPECT_EQ(call(preprocessor.Get(), kVariables, DISPATCH_PROPERTYGET, {Variant(1L).get()},
+                   nullptr, &exception),
+              DISP_E_EXCEPTION);
+    EXPECT_EQ(com::view(exception.bstrDescription), L"There is no value with this index");
+    for (const BSTR text : {exception.bstrDescription, exception.bstrSource})
+        SysFreeString(text);
+    constexpr DISPID kCommunicator = 1;
+    EXPECT_EQ(call(preprocessor.Get(), kCommunicator, DISPATCH_PROPERTYGET, {kRate.get()}),
+              DISP_E_BADPARAMCOUNT);
+}
+
 TEST(Dispatch, RefusesWhatTheTypeLibraryDoesNotKnow) {
     FakeLink link;
     const VARIANT& number = kRate.get();
@@ -172,6 +229,7 @@ TEST(Dispatch, RefusesWhatTheTypeLibraryDoesNotKnow) {
     EXPECT_EQ(link.port()->GetTypeInfo(0, 0, nullptr), E_POINTER);
     EXPECT_EQ(link.port()->GetTypeInfoCount(nullptr), E_POINTER);
     EXPECT_EQ(link.takeWork(), "");
+    EXPECT_FALSE(takeError());
 }
 
 TEST(Dispatch, FailuresOfAMemberFillTheException) {

@@ -1,6 +1,6 @@
 #include "com/variant.h"
 #include "tests/wine/link/connected_stream.h"
-#include "tests/wine/null_pointers.h"
+#include "tests/wine/support/refusals.h"
 
 namespace kel::bench::test {
 namespace {

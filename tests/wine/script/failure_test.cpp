@@ -2,9 +2,9 @@
 
 #include <cstdlib>
 
-#include "tests/wine/null_pointers.h"
 #include "tests/wine/script/preprocessor_fixture.h"
 #include "tests/wine/support/import_patch.h"
+#include "tests/wine/support/refusals.h"
 
 namespace kel::test {
 namespace {
