@@ -7,10 +7,10 @@
 
 #include <optional>
 
+#include "dialogs/connect/form.h"
 #include "dialogs/connect/model/connection_list.h"
 #include "dialogs/connect/network_link.h"
 #include "dialogs/connect/password_dialog.h"
-#include "dialogs/connect/form.h"
 
 namespace kel::connect {
 

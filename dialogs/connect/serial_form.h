@@ -4,9 +4,9 @@
 #include <array>
 #include <string>
 
+#include "dialogs/connect/form.h"
 #include "dialogs/connect/model/serial_ports.h"
 #include "dialogs/connect/serial_link.h"
-#include "dialogs/connect/form.h"
 
 namespace kel::connect {
 

@@ -17,8 +17,8 @@ using namespace host;
 struct Options {
     std::string script;
     Target target;
-    bool last = false;              // to the same instrument as the last time
-    std::string application;        // whose last time; empty for kelrun's own
+    bool last = false;        // to the same instrument as the last time
+    std::string application;  // whose last time; empty for kelrun's own
     std::string link = "BenchLink.Communicator";
     std::vector<NamedText> variables;
     std::vector<NamedText> answers;
