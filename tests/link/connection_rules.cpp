@@ -170,15 +170,6 @@ void wantsNoPasswordUnasked(const Link& link) {
            "PasswordRequired to be false where no gateway asked for one", "it is true");
 }
 
-void refusesNullPlaces(const Link& link) {
-    const Bstr text(L"0");
-    const HRESULT code = link.kind() == Kind::kSerial
-                             ? link.serialStream()->OpenPort(text.get(), 9600, nullptr)
-                             : link.networkStream()->ConnectTo(text.get(), text.get(), nullptr);
-    expect(code == E_POINTER, "E_POINTER without a place for the result",
-           "it is " + codeText(code));
-}
-
 constexpr Rule kConnectionRules[] = {
     {"PortExists tells which ports there are", Scope::kSerial, knowsWhichPortsThereAre},
     {"OpenPort takes a name with and without a colon", Scope::kSerial, opensWithAndWithoutColon},
@@ -189,8 +180,6 @@ constexpr Rule kConnectionRules[] = {
     {"ConnectTo where nobody listens is false and keeps the present connection", Scope::kNetwork,
      keepsThePresentConnection},
     {"PasswordRequired is about passwords only", Scope::kNetwork, wantsNoPasswordUnasked},
-    {"connecting without a place for the result is E_POINTER", Scope::kEachStream,
-     refusesNullPlaces},
 };
 
 }  // namespace

@@ -2,8 +2,10 @@
 
 #include <cstdio>
 
+#include "com/module.h"
 #include "com/variant.h"
 #include "interfaces/link_classes.h"
+#include "tests/support/null_pointers.h"
 
 namespace kel::conformance {
 namespace {
@@ -57,6 +59,12 @@ bool flag(VARIANT_BOOL value, const std::string& call) {
     expect(value == VARIANT_TRUE || value == VARIANT_FALSE, "0 or -1 from " + call,
            "it answered " + std::to_string(value));
     return value == VARIANT_TRUE;
+}
+
+void refusesNothing(IUnknown* object, const IID& interfaceId) {
+    const std::string faults = test::acceptedNullPointers(object, com::typeInfo(interfaceId));
+    expect(faults.empty(), "E_POINTER without a place for a result",
+           "it is something else (member, parameter): " + faults);
 }
 
 std::string bytesOf(const VARIANT& array, const std::string& call) {

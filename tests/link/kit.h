@@ -44,6 +44,9 @@ void failsWithReason(HRESULT code, const std::string& call);
 // A code as programmers write it, such as 0x80004005.
 std::string codeText(HRESULT code);
 
+// Expects E_POINTER of each member of a dual interface that has no place for one of its results.
+void refusesNothing(IUnknown* object, const IID& interfaceId);
+
 // The value of a boolean result, which has to be 0 or -1.
 bool flag(VARIANT_BOOL value, const std::string& call);
 
