@@ -33,6 +33,11 @@ std::string_view functionName(const Call& call) {
     return call.name.empty() ? std::string_view("input") : call.name;
 }
 
+const Call* controlCall(const Expression& item) {
+    const auto* call = std::get_if<Call>(&item.value);
+    return call != nullptr && controlKind(functionName(*call)) ? call : nullptr;
+}
+
 std::optional<std::string> Evaluator::evaluate(const Expression& expression) const {
     const auto* callee = std::get_if<Call>(&expression.value);
     auto value = callee != nullptr ? call(*callee, expression.target)

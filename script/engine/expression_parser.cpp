@@ -1,7 +1,6 @@
 #include "script/engine/expression_parser.h"
 
 #include <string>
-#include <utility>
 
 namespace kel::script {
 namespace {
@@ -110,9 +109,9 @@ std::optional<ParsedExpression> parseExpression(Parse& parse, std::string_view t
         }
     }
     const std::string_view valueText = target ? text.substr(target->size() + 1) : text;
-    auto value = parseValue(parse, valueText);
+    const auto value = parseValue(parse, valueText);
     if (!value) return std::nullopt;
-    return ParsedExpression{{target, std::move(value->value)}, value->rest};
+    return ParsedExpression{{target, value->value}, value->rest};
 }
 
 std::optional<ExpressionIndex> parseWholeExpression(Parse& parse, std::string_view text) {
