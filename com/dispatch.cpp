@@ -20,6 +20,7 @@ public:
     FunctionDescription(const FunctionDescription&) = delete;
     FunctionDescription& operator=(const FunctionDescription&) = delete;
 
+    const FUNCDESC& operator*() const { return *description_; }
     const FUNCDESC* operator->() const { return description_; }
 
 private:
@@ -100,19 +101,15 @@ public:
 
     // Puts the results of out parameters back into the caller's variants.
     void giveBack() {
-        for (const OutParameter& out : outs_) {
-            VARIANT& target = *given_.rgvarg[out.argument].pvarVal;
-            const VARIANT value = originals_[out.argument].release();
+        for (const UINT argument : outs_) {
+            VARIANT& target = *given_.rgvarg[argument].pvarVal;
+            const VARIANT value = originals_[argument].release();
             VariantClear(&target);
             target = value;
         }
     }
 
 private:
-    struct OutParameter {
-        UINT argument;
-    };
-
     // Arguments stand in reverse order; named ones (the value of a put is one) come first.
     const ELEMDESC* parameterOf(const FUNCDESC& function, UINT argument) const {
         if (argument < given_.cNamedArgs) {
@@ -167,12 +164,12 @@ private:
         value->llVal = 0;
         values_[i].vt = VT_BYREF | target;
         values_[i].byref = &value->llVal;
-        outs_.push_back({i});
+        outs_.push_back(i);
     }
 
     std::vector<VARIANT> values_;
     std::vector<Variant> originals_;
-    std::vector<OutParameter> outs_;
+    std::vector<UINT> outs_;  // arguments that receive a result
     const DISPPARAMS& given_;
 };
 
@@ -230,11 +227,11 @@ HRESULT invoke(ITypeInfo* type, void* object, DISPID member, WORD flags,
     if (!findTarget(type, member, flags, target)) return DISP_E_MEMBERNOTFOUND;
 
     const FunctionDescription function(type, target.function);
-    if (hasTooMany(*function.operator->(), arguments)) {
-        if (!givesObject(type, *function.operator->())) return DISP_E_BADPARAMCOUNT;
+    if (hasTooMany(*function, arguments)) {
+        if (!givesObject(type, *function)) return DISP_E_BADPARAMCOUNT;
         return invokeDefault(type, object, member, arguments, result, exception, badArgument);
     }
-    Arguments adapted(type, *function.operator->(), arguments);
+    Arguments adapted(type, *function, arguments);
     DISPPARAMS parameters = adapted.parameters();
     const HRESULT code =
         type->Invoke(object, member, target.flags, &parameters, result, exception, badArgument);

@@ -53,7 +53,7 @@ class Control : public IOleObject,
                 public ISpecifyPropertyPages,
                 public PropertyEvents {
 public:
-    // The object of the control, and its parts for containers (IOleObject).
+    // IOleObject.
     STDMETHODIMP SetClientSite(IOleClientSite* site) override;
     STDMETHODIMP GetClientSite(IOleClientSite** site) override;
     STDMETHODIMP SetHostNames(LPCOLESTR, LPCOLESTR) override { return S_OK; }
@@ -126,7 +126,7 @@ public:
     STDMETHODIMP GetNaturalExtent(DWORD aspect, LONG index, DVTARGETDEVICE* target, HDC device,
                                   DVEXTENTINFO* information, LPSIZEL size) override;
 
-    // The persistence interfaces.
+    // IPersistStreamInit, IPersistPropertyBag, IPersistStorage.
     STDMETHODIMP GetClassID(CLSID* identifier) override;
     STDMETHODIMP IsDirty() override { return isDirty_ ? S_OK : S_FALSE; }
     STDMETHODIMP InitNew() override;
@@ -141,6 +141,7 @@ public:
     STDMETHODIMP SaveCompleted(IStorage* storage) override;
     STDMETHODIMP HandsOffStorage() override { return S_OK; }
 
+    // IQuickActivate, ISpecifyPropertyPages.
     STDMETHODIMP QuickActivate(QACONTAINER* container, QACONTROL* control) override;
     STDMETHODIMP SetContentExtent(LPSIZEL extent) override;
     STDMETHODIMP GetContentExtent(LPSIZEL extent) override;
@@ -157,6 +158,7 @@ protected:
     // What the component does. May throw.
     virtual void createWindow(HWND parent, const RECT& place) = 0;
     virtual void destroyWindow() = 0;
+    // Null while there is none.
     virtual HWND windowOfControl() const = 0;
     // In pixels.
     virtual SIZE naturalSize() const = 0;

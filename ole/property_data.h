@@ -24,9 +24,9 @@ struct NamedProperty {
 // Throws com::Error when the stream does not take them.
 void writeProperties(IStream& stream, const std::vector<NamedProperty>& properties);
 
-// Leaves the stream behind what was written there. Throws com::Error when the stream ends early or
-// holds something else. Of properties whose kind or value is none that a control can have, nothing
-// is given.
+// Leaves the stream behind what was written there. Leaves out properties whose kind or value is
+// none that a control can have. Throws com::Error when the stream ends early or holds something
+// else.
 std::vector<NamedProperty> readProperties(IStream& stream);
 
 // The greatest size that a stream can take for them, in bytes.

@@ -64,7 +64,7 @@ std::u16string SourceText::line(std::size_t number) {
 std::string SourceText::excerpt(std::size_t number, std::size_t column, const ByteCount& bytesOf) {
     if (!moveTo(number) || end_ == start_ || end_ - start_ > kLongestShown) return {};
     const std::u16string text = line(number);
-    return oneLine(hosts::toUtf8(text)) + '\n' + caretLine(text, column, bytesOf) + '\n';
+    return host::oneLine(hosts::toUtf8(text)) + '\n' + caretLine(text, column, bytesOf) + '\n';
 }
 
 bool SourceText::moveTo(std::size_t number) {

@@ -18,17 +18,6 @@ TEST_F(WaitingTest, AWaitRunsTheMessageLoopAndSeesWhatComesInPieces) {
     EXPECT_EQ(waitFor(L"OK", 3600000), (Outcome{true, "OK"}));
 }
 
-TEST_F(WaitingTest, WithoutIdleProcessingNoMessageRuns) {
-    ASSERT_EQ(stream->put_IdleProcessing(VARIANT_FALSE), S_OK);
-    bool ran = false;
-    window.post([&] { ran = true; });
-    EXPECT_EQ(stream->Sleep(20), S_OK);
-    EXPECT_FALSE(ran);
-    ASSERT_EQ(stream->put_IdleProcessing(1), S_OK);
-    EXPECT_EQ(stream->Sleep(0), S_OK);
-    EXPECT_TRUE(ran);
-}
-
 TEST_F(WaitingTest, TheEndOfTheProgramEndsTheWait) {
     PostQuitMessage(7);
     EXPECT_EQ(waitFor(L"never", 3600000), (Outcome{false, ""}));
