@@ -82,12 +82,12 @@ constexpr Option kOptions[] = {
          options.variables.push_back(readNamed("--var", value));
      },
      true},
-    {"--answer", "NAME=VALUE", "answers a question; msgbox=ok answers message boxes",
+    {"--answer", "NAME=VALUE", "answers a question, or msgbox; --interactive: asks",
      [](Options& options, std::string_view value) {
          options.answers.push_back(readNamed("--answer", value));
      },
      true},
-    {"--interactive", "", "asks the user instead", setFlag<&Options::interactive>},
+    {"--interactive", "", "", setFlag<&Options::interactive>},
     {"--host", "FILE", "a JScript that adds words and watches; -- ARGS",
      setText<&Options::hostScript>},
     {"--script-path", "P", "where scripts look for scripts; else SCRIPT's folder",
@@ -104,8 +104,9 @@ constexpr Option kOptions[] = {
     {"--transcript", "FILE", "writes what happens to a file, as JSON Lines",
      setText<&Options::transcript>},
     {"--record", "FILE", "writes all calls on the link to a file", setText<&Options::record>},
-    {"--replay", "FILE", "runs on such a file, without an instrument", setText<&Options::replay>},
-    {"--speed", "FACTOR", "how much faster than recorded; 0: without waiting", setSpeed},
+    {"--replay", "FILE", "runs on it, no instrument; --speed FACTOR: faster",
+     setText<&Options::replay>},
+    {"--speed", "FACTOR", "", setSpeed},
     {"--quiet", "", "shows errors only", setFlag<&Options::quiet>},
     {"--help", "", "this text; --version: the version", setFlag<&Options::help>},
     {"--version", "", "", setFlag<&Options::version>},
