@@ -10,8 +10,9 @@
 #include "com/apartment.h"
 #include "hosts/kelrun/check.h"
 #include "hosts/kelrun/preprocessor.h"
+#include "hosts/kelrun/run_log.h"
 #include "hosts/kelrun/session.h"
-#include "hosts/kelrun/transcript_file.h"
+#include "hosts/model/unicode.h"
 #include "hosts/shared/error_text.h"
 #include "hosts/shared/model/visible_text.h"
 #include "hosts/shared/script_file.h"
@@ -105,15 +106,12 @@ void closeTrace(Trace& trace, Ending& ending) {
 }
 
 ExitCode runToEnd(const Options& options, const ScriptFile& script,
-                  const Preprocessor& preprocessor, Transcript* transcript, ConsoleOutput& errors) {
+                  const Preprocessor& preprocessor, RunLog& log, ConsoleOutput& errors) {
     Trace trace(options);
-    Ending ending = runConnected(options, script, preprocessor, trace, transcript, errors);
+    Ending ending = runConnected(options, script, preprocessor, trace, log.transcript(), errors);
     closeTrace(trace, ending);
 
-    if (transcript) {
-        transcript->ended(static_cast<int>(ending.code),
-                          ending.reasons.empty() ? ending.words : ending.reasons.front());
-    }
+    log.ended(ending.code, ending.reasons.empty() ? ending.words : ending.reasons.front());
     if (options.printVariables) printVariables(preprocessor, errors);
     for (const std::string& reason : ending.reasons)
         say(errors, reason);
@@ -121,20 +119,32 @@ ExitCode runToEnd(const Options& options, const ScriptFile& script,
     return ending.code;
 }
 
-ExitCode runWithTranscript(const Options& options, const ScriptFile& script,
-                           const Preprocessor& preprocessor, ConsoleOutput& errors) {
-    if (options.transcript.empty()) {
-        return runToEnd(options, script, preprocessor, nullptr, errors);
-    }
-    TranscriptFile file(options.transcript, preprocessor.scriptName(), script.text);
+ExitCode runLogged(const Options& options, const ScriptFile& script,
+                   const Preprocessor& preprocessor, RunLog& log, ConsoleOutput& errors) {
     try {
-        const ExitCode code = runToEnd(options, script, preprocessor, &file.transcript(), errors);
-        if (file.isIncomplete()) say(errors, "the transcript could not be written to its end");
-        return code;
+        return runToEnd(options, script, preprocessor, log, errors);
     } catch (const Failure& failure) {
-        file.transcript().ended(static_cast<int>(failure.code()), failure.what());
+        log.ended(failure.code(), failure.what());
+        throw;
+    } catch (const com::Error& error) {
+        log.ended(ExitCode::kScriptFailed, describe(error));
         throw;
     }
+}
+
+// A script with errors.
+ExitCode refuse(const ScriptFile& script, const std::string& name,
+                const std::vector<Diagnostic>& wrong, RunLog& log, ConsoleOutput& errors) {
+    for (const Diagnostic& one : wrong) {
+        if (!log.transcript()) break;
+        log.transcript()->errorFound(name, one.line, one.column, hosts::toUtf16(one.message));
+    }
+    const std::string words = script.name + " was not started: it has " +
+                              std::to_string(wrong.size()) +
+                              (wrong.size() == 1 ? " error" : " errors");
+    log.ended(ExitCode::kScriptFailed, words);
+    say(errors, words + " (--keep-going runs it anyway)");
+    return ExitCode::kScriptFailed;
 }
 
 }  // namespace
@@ -149,13 +159,15 @@ ExitCode run(const Options& options, ConsoleOutput& errors) {
     const Preprocessor preprocessor(options, script.folder);
     if (options.check) return showCheck(options, script, preprocessor, errors);
 
-    const std::size_t count = showErrors(script, preprocessor, errors);
-    if (count > 0 && !options.keepGoing) {
-        say(errors, script.name + " was not started: it has " + std::to_string(count) +
-                        (count == 1 ? " error" : " errors") + " (--keep-going runs it anyway)");
-        return ExitCode::kScriptFailed;
-    }
-    return runWithTranscript(options, script, preprocessor, errors);
+    const std::vector<Diagnostic> wrong = showErrors(script, preprocessor, errors);
+    const std::string name = preprocessor.scriptName();
+    RunLog log(options, name, script.text);
+    const ExitCode code = wrong.empty() || options.keepGoing
+                              ? runLogged(options, script, preprocessor, log, errors)
+                              : refuse(script, name, wrong, log, errors);
+    for (const std::string& one : log.incomplete())
+        say(errors, "the " + one + " could not be written to its end");
+    return code;
 }
 
 }  // namespace kel::kelrun

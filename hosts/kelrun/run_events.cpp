@@ -36,7 +36,7 @@ void RunEvents::tell(ScriptEvent event, const EventArguments& arguments) const {
             break;
         case host::kErrorFound: {
             const std::wstring message = arguments.text(3);
-            transcript_->errorFound(arguments.utf8(0), arguments.number(1),
+            transcript_->errorFound(arguments.utf8(0), arguments.number(1), arguments.number(2),
                                     std::u16string(message.begin(), message.end()));
             break;
         }

@@ -97,8 +97,9 @@ constexpr Option kOptions[] = {
     {"--keep-going", "", "runs a script in spite of its errors", setFlag<&Options::keepGoing>},
     {"--print-variables", "", "shows all variables after the run",
      setFlag<&Options::printVariables>},
-    {"--transcript", "FILE", "writes what happens to a file, as JSON Lines",
+    {"--transcript", "FILE", "writes what happens as JSON Lines; --report FILE: a page",
      setText<&Options::transcript>},
+    {"--report", "FILE", "", setText<&Options::report>},
     {"--record", "FILE", "writes all calls on the link to a file", setText<&Options::record>},
     {"--replay", "FILE", "runs on such a file, without an instrument", setText<&Options::replay>},
     {"--speed", "FACTOR", "how much faster than recorded; 0: without waiting", setSpeed},
@@ -193,6 +194,17 @@ Options parseOptions(std::span<const std::string> arguments) {
         refuse("--record and --replay exclude each other");
     if (options.json && !options.check) refuse("--json goes with --check");
     return options;
+}
+
+std::string connectionText(const Options& options) {
+    if (!options.replay.empty()) return "replay of " + options.replay;
+    if (options.last) {
+        return options.application.empty() ? "the last one"
+                                           : "the last one of " + options.application;
+    }
+    if (!options.target.tcp.empty()) return options.target.tcp;
+    if (options.target.port.empty()) return "none";
+    return options.target.port + ", " + std::to_string(options.target.baudRate) + " baud";
 }
 
 std::string helpText() {

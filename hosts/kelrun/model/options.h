@@ -17,14 +17,15 @@ using namespace host;
 struct Options {
     std::string script;
     Target target;
-    bool last = false;              // to the same instrument as the last time
-    std::string application;        // whose last time; empty for kelrun's own
+    bool last = false;        // to the same instrument as the last time
+    std::string application;  // whose last time; empty for kelrun's own
     std::string link = "BenchLink.Communicator";
     std::vector<NamedText> variables;
     std::vector<NamedText> answers;
     std::optional<std::string> scriptPath;
     std::string systemPath;
     std::string transcript;  // path; empty for none
+    std::string report;      // path; empty for none
     std::string record;      // path; empty for none
     std::string replay;      // path; empty for none
     double speed = 1;        // of a replay; 0 for without waiting
@@ -43,6 +44,9 @@ struct Options {
 
 // Reads the arguments that follow the program's name. Throws Failure (usage).
 Options parseOptions(std::span<const std::string> arguments);
+
+// What a run is connected to, in words.
+std::string connectionText(const Options& options);
 
 // What --help prints; fits a screen of 24 lines of 80 characters.
 std::string helpText();

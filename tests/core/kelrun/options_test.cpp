@@ -31,10 +31,10 @@ Arguments split(const std::string& line) {
 }
 
 TEST(KelrunOptions, ReadsEveryOption) {
-    const auto options = parseOptions(
-        split("--port COM3 --baud=115200 a.kel --link Some.Link --var a=1 --var=b=x=y --answer q= "
-              "--script-path C:\\s --system-path D:\\ --transcript t --record r --speed 0.5 "
-              "--check --json --keep-going --interactive --print-variables --quiet"));
+    const auto options = parseOptions(split(
+        "--port COM3 --baud=115200 a.kel --link Some.Link --var a=1 --var=b=x=y --answer q= "
+        "--script-path C:\\s --system-path D:\\ --transcript t --report p --record r --speed 0.5 "
+        "--check --json --keep-going --interactive --print-variables --quiet"));
     EXPECT_EQ(options.script, "a.kel");
     EXPECT_EQ(options.target.port, "COM3");
     EXPECT_EQ(options.target.baudRate, 115200);
@@ -46,7 +46,7 @@ TEST(KelrunOptions, ReadsEveryOption) {
     EXPECT_EQ(options.systemPath, "D:\\");
     ASSERT_EQ(options.answers.size(), 1u);
     EXPECT_EQ(options.answers[0].name + options.answers[0].value, "q");
-    EXPECT_EQ(options.transcript + options.record, "tr");
+    EXPECT_EQ(options.transcript + options.report + options.record, "tpr");
     EXPECT_EQ(options.speed, 0.5);
     EXPECT_TRUE(options.check && options.json && options.keepGoing && options.interactive);
     EXPECT_TRUE(options.printVariables && options.quiet);
@@ -88,6 +88,17 @@ TEST(KelrunOptions, RefusesWrongUsageWithItsReason) {
         const std::string failure = failureOf([&] { parseOptions(row.arguments); });
         EXPECT_EQ(failure, std::string(row.reason) + " (--help shows the options)");
     }
+}
+
+TEST(KelrunOptions, TellsTheConnection) {
+    const char* const cases[][2] = {{"--port COM3", "COM3, 9600 baud"},
+                                    {"--tcp h:1", "h:1"},
+                                    {"--last", "the last one"},
+                                    {"--last --app x", "the last one of x"},
+                                    {"--tcp h:1 --replay r", "replay of r"},
+                                    {"", "none"}};
+    for (const auto& [line, text] : cases)
+        EXPECT_EQ(connectionText(parseOptions(split(std::string("a.kel ") + line))), text);
 }
 
 TEST(KelrunOptions, HelpFitsAScreenAndNamesEveryExitCode) {
