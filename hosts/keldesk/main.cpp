@@ -10,6 +10,7 @@
 #include "com/text.h"
 #include "hosts/keldesk/main_window.h"
 #include "hosts/shared/error_text.h"
+#include "hosts/shared/library_search.h"
 #include "hosts/shared/model/failure.h"
 
 namespace {
@@ -48,6 +49,7 @@ int runDesk() {
 }  // namespace
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int) {
+    host::leaveOutCurrentFolder();
     // The control is dropped into the window by services that need more than COM.
     if (FAILED(OleInitialize(nullptr))) return 70;
     const int code = runDesk();

@@ -8,6 +8,7 @@
 #include "com/text.h"
 #include "hosts/kelrun/run.h"
 #include "hosts/shared/error_text.h"
+#include "hosts/shared/library_search.h"
 
 namespace {
 
@@ -42,6 +43,7 @@ ExitCode runReportingFailure(const std::vector<std::string>& arguments) {
 }  // namespace
 
 int wmain(int count, wchar_t** arguments) {
+    leaveOutCurrentFolder();
     std::vector<std::string> texts;
     for (int i = 1; i < count; ++i)
         texts.push_back(com::narrow(arguments[i], CP_UTF8));

@@ -2,6 +2,7 @@
 
 #include "com/text.h"
 #include "hosts/shared/error_text.h"
+#include "hosts/shared/library_search.h"
 #include "hosts/shared/model/failure.h"
 
 namespace kel::kelrun {
@@ -9,15 +10,13 @@ namespace {
 
 constexpr wchar_t kLibraryName[] = L"KelTrace.dll";
 
-// The library beside this program. It stays loaded: its objects may be used to the very end.
+// It stays loaded: its objects may be used to the very end.
 HMODULE loadLibrary() {
-    std::wstring path(MAX_PATH, L'\0');
-    path.resize(GetModuleFileNameW(nullptr, path.data(), MAX_PATH));
-    path = path.substr(0, path.rfind(L'\\') + 1) + kLibraryName;
-    if (const HMODULE library = LoadLibraryW(path.c_str())) return library;
+    if (const HMODULE library = loadFromProgramFolder(kLibraryName)) return library;
     const DWORD error = GetLastError();
     throw Failure(ExitCode::kNotRegistered,
-                  com::narrow(path, CP_UTF8) + " cannot be loaded: " + systemText(error));
+                  com::narrow(std::wstring_view(kLibraryName), CP_UTF8) +
+                      " beside kelrun cannot be loaded: " + systemText(error));
 }
 
 com::ComPtr<ITraceSession> createSession() {

@@ -149,6 +149,23 @@ test_writes_a_report() {
     grep -qF '<td>1:9<td>error<td>Unterminated string</tr>' "$report" || give_up "no error of the check"
 }
 
+# Libraries stand in the current folder under the names of those that are wanted.
+test_takes_no_library_from_the_current_folder() {
+    local name here=$folder/here path
+    mkdir -- "$here" "$folder/alone"
+    for name in KelTrace atl comctl32 comdlg32 gdiplus msvcrt oleaut32 uxtheme version winspool; do
+        cp -- "$KEL_LINK" "$here/$name.dll"
+    done
+    cp -- "$KEL_RUN" "$folder/alone"
+    path=$(script empty.kel '@x="1"\n')
+    cd -- "$here"
+    WINEDEBUG=+loaddll kelrun 0 "$path"
+    grep -qiF '\KelUtils.dll' "$errors" || give_up "what is loaded is not told"
+    ! grep -iF '\here\' "$errors" || give_up "a library of the current folder was loaded"
+    KEL_RUN=$folder/alone/kelrun.exe kelrun 5 "$path" --record "$(windows_path "$folder/recording")"
+    expect_only_error 'kelrun: KelTrace.dll beside kelrun cannot be loaded: ...'
+}
+
 # A replay needs no instrument; a changed script is told where it leaves the recording.
 test_records_and_replays() {
     local path recording dialogue=$folder/dialogue

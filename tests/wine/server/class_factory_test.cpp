@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <objsafe.h>
 
 #include <set>
 
@@ -105,6 +106,9 @@ TEST(ClassFactory, BuiltClassesKeepTheManners) {
         ASSERT_EQ(type->GetTypeAttr(&attributes), S_OK);
         EXPECT_EQ(attributes->guid, row.identifier);
         type->ReleaseTypeAttr(attributes);
+        // A page or a document that is not trusted must not get it.
+        ComPtr<IObjectSafety> safety;
+        EXPECT_EQ(object.As(&safety), E_NOINTERFACE);
 
         const auto outer = com::makeObject<Outer>();
         ASSERT_EQ(factoryOf(row.identifier)
