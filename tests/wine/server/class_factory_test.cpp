@@ -107,8 +107,8 @@ TEST(ClassFactory, BuiltClassesKeepTheManners) {
         EXPECT_EQ(attributes->guid, row.identifier);
         type->ReleaseTypeAttr(attributes);
         // A page or a document that is not trusted must not get it.
-        ComPtr<IObjectSafety> safety;
-        EXPECT_EQ(object.As(&safety), E_NOINTERFACE);
+        void* safety = nullptr;
+        EXPECT_EQ(object->QueryInterface(IID_IObjectSafety, &safety), E_NOINTERFACE);
 
         const auto outer = com::makeObject<Outer>();
         ASSERT_EQ(factoryOf(row.identifier)
