@@ -1,5 +1,5 @@
 #pragma once
-// The persisted properties of a control as bytes of a stream.
+// The persisted properties of a control in a stream.
 
 #include <windows.h>
 
@@ -9,10 +9,9 @@
 #include <vector>
 
 #include "com/variant.h"
+#include "ole/model/property_bytes.h"
 
 namespace kel::ole {
-
-enum class PropertyKind : WORD { Flag = 1, Colour = 2, Font = 3 };
 
 struct NamedProperty {
     std::wstring name;
@@ -28,8 +27,5 @@ void writeProperties(IStream& stream, const std::vector<NamedProperty>& properti
 // none that a control can have. Throws com::Error when the stream ends early or holds something
 // else.
 std::vector<NamedProperty> readProperties(IStream& stream);
-
-// The greatest size that a stream can take for them, in bytes.
-constexpr ULONG kLargestPropertyData = 0x10000;
 
 }  // namespace kel::ole

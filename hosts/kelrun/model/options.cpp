@@ -101,8 +101,9 @@ constexpr Option kOptions[] = {
     {"--keep-going", "", "runs a script in spite of its errors", setFlag<&Options::keepGoing>},
     {"--print-variables", "", "shows all variables after the run",
      setFlag<&Options::printVariables>},
-    {"--transcript", "FILE", "writes what happens to a file, as JSON Lines",
+    {"--transcript", "FILE", "writes what happens as JSON Lines; --report FILE: a page",
      setText<&Options::transcript>},
+    {"--report", "FILE", "", setText<&Options::report>},
     {"--record", "FILE", "writes all calls on the link to a file", setText<&Options::record>},
     {"--replay", "FILE", "runs on it, no instrument; --speed FACTOR: faster",
      setText<&Options::replay>},
@@ -208,6 +209,17 @@ Options parseOptions(std::span<const std::string> arguments) {
     if (!options.arguments.empty() && options.hostScript.empty())
         refuse("'" + options.arguments.front() + "' is for a host script: --host");
     return options;
+}
+
+std::string connectionText(const Options& options) {
+    if (!options.replay.empty()) return "replay of " + options.replay;
+    if (options.last) {
+        return options.application.empty() ? "the last one"
+                                           : "the last one of " + options.application;
+    }
+    if (!options.target.tcp.empty()) return options.target.tcp;
+    if (options.target.port.empty()) return "none";
+    return options.target.port + ", " + std::to_string(options.target.baudRate) + " baud";
 }
 
 std::string helpText() {

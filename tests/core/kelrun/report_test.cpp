@@ -55,8 +55,9 @@ protected:
 
     Transcript transcript{
         [] { return 7; },
-        [this](std::string_view line) {
-            const std::string entry(line);
+        [this](const Entry& told) {
+            const std::string entry = jsonLine(told);
+            if (entry.empty()) return;
             const auto kind = entry.find("kind") + 7;
             const auto end = entry.find("\",\"file");
             entries_ += entry.substr(kind, entry.find('"', kind) - kind) + " " +
@@ -92,8 +93,8 @@ TEST_F(KelrunTranscript, TellsWhatHappensAndWhere) {
 TEST_F(KelrunTranscript, TellsErrorsFromTheInstrumentsText) {
     const std::u16string shown = u">\r\n\r\nERROR: Not found: x\r\n>\r\nERROR: Not found: x";
     for (std::size_t size = 1; size <= shown.size(); ++size) {
-        transcript.errorFound("a.kel", 3, u"The line could not be sent");  // never shown
-        transcript.errorFound("a.kel", 4, u"Not found: x");
+        transcript.errorFound("a.kel", 3, 1, u"The line could not be sent");  // never shown
+        transcript.errorFound("a.kel", 4, 1, u"Not found: x");
         for (std::size_t i = 0; i < shown.size(); i += size)
             transcript.shown(std::u16string_view(shown).substr(i, size));
         transcript.ended(0, "");

@@ -46,7 +46,8 @@ const Subject kOptions("options of kelrun", [](Words& words) {
             shown += named("answer", name + "=" + value);
         shown += named("scripts", options.scriptPath.value_or("")) +
                  named("system", options.systemPath) + named("transcript", options.transcript) +
-                 named("record", options.record) + named("host", options.hostScript);
+                 named("report", options.report) + named("record", options.record) +
+                 named("host", options.hostScript);
         for (const std::string& argument : options.arguments)
             shown += "argument " + argument + "; ";
         if (options.speed != 1) shown += "speed " + std::to_string(options.speed) + "; ";
@@ -59,6 +60,10 @@ const Subject kOptions("options of kelrun", [](Words& words) {
             if (isSet) shown += std::string(name) + "; ";
         return shown + "end";
     });
+});
+
+const Subject kConnection("connection that a report tells", [](Words& words) {
+    return kelrun::connectionText(kelrun::parseOptions(words.all()));
 });
 
 const Subject kDeskOptions("options of keldesk", [](Words& words) {
