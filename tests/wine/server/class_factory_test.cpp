@@ -1,13 +1,16 @@
 #include <gtest/gtest.h>
 #include <objsafe.h>
 
+#include <cstdlib>
 #include <set>
 
 #include "com/object.h"
 #include "interfaces/KelUtils.h"
 #include "tests/wine/server/expected.h"
+#include "tests/wine/support/import_patch.h"
 #include "tests/wine/support/library.h"
 #include "tests/wine/support/refusals.h"
+#include "tests/wine/support/resource_counts.h"
 #include "tests/wine/support/type_library.h"
 
 namespace kel::test {
@@ -163,6 +166,59 @@ TEST(ClassFactory, BuiltClassesKeepTheManners) {
         ASSERT_EQ(outer->QueryInterface(IID_PPV_ARGS(&part)), S_OK);
         ASSERT_EQ(part.As(&identity), S_OK);
         EXPECT_EQ(identity.Get(), outer->controlling());
+    }
+}
+
+// More often where somebody has the time.
+TEST(ClassFactory, ComponentsMadeAgainAndAgainLeaveNothing) {
+    const char* wanted = std::getenv("KEL_OPENING_ROUNDS");
+    const int rounds = wanted ? std::atoi(wanted) : 20;
+    for (const ExpectedClass& row : expectedClasses()) {
+        if (!isBuilt(row)) continue;
+        SCOPED_TRACE(row.name);
+        const auto make = [&](int times) {
+            for (int i = 0; i < times; ++i)
+                kelUtils().create<IDispatch>(row.identifier);
+        };
+        make(4);
+        ResourceCounts before, after;
+        // What the platform keeps for good comes once.
+        for (int attempt = 0; attempt < 3 && (attempt == 0 || after != before); ++attempt) {
+            before = countResources();
+            make(rounds);
+            after = countResources();
+        }
+        EXPECT_EQ(after, before);
+    }
+}
+
+int allocationsThatGoWell = 0;
+
+void* allocateFew(std::size_t size) {
+    return allocationsThatGoWell-- == 0 ? nullptr : std::malloc(size);
+}
+
+TEST(ClassFactory, AnyFailingAllocationIsTold) {
+    const ImportPatch patch(kelUtils().module(), "malloc", reinterpret_cast<void*>(allocateFew));
+    for (const ExpectedClass& row : expectedClasses()) {
+        if (!isBuilt(row)) continue;
+        for (int allocation = 0;; ++allocation) {
+            SCOPED_TRACE(row.name + (" " + std::to_string(allocation)));
+            allocationsThatGoWell = allocation;
+            ComPtr<IDispatch> object;
+            const HRESULT code =
+                factoryOf(row.identifier)->CreateInstance(nullptr, IID_PPV_ARGS(&object));
+            const bool hasFailed = allocationsThatGoWell < 0;
+            // What is not needed at once may be made later.
+            if (FAILED(code)) {
+                EXPECT_EQ(code, E_OUTOFMEMORY);
+            }
+            EXPECT_EQ(FAILED(code), !object);
+            object.Reset();
+            EXPECT_EQ(kelUtils().canUnloadNow(), S_OK);
+            if (!hasFailed) break;
+            EXPECT_TRUE(allocation > 0 || FAILED(code));
+        }
     }
 }
 

@@ -2,17 +2,15 @@
 // beside a terminal that is alive, and with every call failing.
 #include <algorithm>
 #include <atomic>
-#include <thread>
 
 #include "bench/instrument/card.h"
-#include "com/message_loop.h"
 #include "hosts/trace/KelTrace.h"
 #include "resources/resource_ids.h"
 #include "tests/wine/link/access_test.h"
+#include "tests/wine/service/live_terminal.h"
 #include "tests/wine/support/dialog_driver.h"
 #include "tests/wine/support/registry_sandbox.h"
 #include "tests/wine/support/temporary_folder.h"
-#include "tests/wine/terminal/container.h"
 
 namespace kel::test {
 namespace {
@@ -87,60 +85,6 @@ constexpr const wchar_t* kOrdinary[] = {
     L"Click", L"Loading",     L"The firmware is",          L"Verifying", L"Comparing", L"Reading",
     L"Begin", L"Compass ini", L"The download is complete", L"Horizontal"};
 
-std::wstring contentOf(HWND window) {
-    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
-    text.resize(static_cast<std::size_t>(
-        GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
-    return text;
-}
-
-// A terminal that has nothing else to do: one tick after the other reaches whoever runs messages.
-class LiveTerminal {
-public:
-    explicit LiveTerminal(IKelCommunicator* link) {
-        com::ComPtr<IOleObject> object;
-        com::check(terminal_.As(&object));
-        com::check(object->SetClientSite(container_.site()));
-        com::check(object->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, container_.site(), 0,
-                                  container_.window(), nullptr));
-        com::check(terminal_->put_Communicator(link));
-        long window = 0;
-        com::check(terminal_->get_hwnd(&window));
-        window_ = static_cast<HWND>(LongToHandle(window));
-        ticker_ = std::thread([this] {
-            DWORD_PTR result = 0;
-            while (!isOver_)
-                SendMessageTimeoutW(window_, WM_TIMER, 1, 0, SMTO_NORMAL, 50, &result);
-        });
-    }
-    ~LiveTerminal() {
-        isOver_ = true;
-        ticker_.join();
-        com::ComPtr<IOleObject> object;
-        terminal_.As(&object);
-        object->Close(OLECLOSE_NOSAVE);
-        object->SetClientSite(nullptr);
-    }
-
-    HWND pane() const { return GetDlgItem(window_, 201); }
-    std::wstring text() const { return contentOf(pane()); }
-    // Runs messages until it shows a prompt behind a text.
-    void runUntilPromptAfter(const std::wstring& shown) const {
-        for (int i = 0; i < 500 && !(text().size() > shown.size() && text().ends_with(L"\r\n>"));
-             ++i) {
-            com::sleepUntilMessage(std::chrono::milliseconds(10));
-            com::runWaitingMessages();
-        }
-    }
-
-private:
-    Container container_;
-    com::ComPtr<IKelTerminal3> terminal_ = kelUtils().create<IKelTerminal3>(CLSID_KelTerminal);
-    HWND window_ = nullptr;
-    std::atomic<bool> isOver_ = false;
-    std::thread ticker_;
-};
-
 class BenchServicesTest : public bench::test::AccessTest,
                           public testing::WithParamInterface<Service> {
 protected:
@@ -187,22 +131,22 @@ protected:
 
     void use(DialogDriver& driver, const std::atomic<bool>& hasReturned) {
         const Service& service = GetParam();
-        HWND window = nullptr;
+        HWND shownWindow = nullptr;
         isTold_ = false;
         const auto isGone = [&] {
             for (const HWND each : driver.dialogs()) {
                 if (contentOfDialog(each) == service.caption) {
-                    window = each;
+                    shownWindow = each;
                 } else {
                     isTold_ = true;
                     PostMessageW(each, WM_COMMAND, IDYES, 0);
                 }
             }
-            return hasReturned || (window && !IsWindow(window));
+            return hasReturned || (shownWindow && !IsWindow(shownWindow));
         };
         const auto shown = [&](int control) {
             wchar_t text[300] = L"";
-            GetDlgItemTextW(window, control, text, 300);
+            GetDlgItemTextW(shownWindow, control, text, 300);
             return std::wstring(text);
         };
         const auto hasFailed = [&] {
@@ -212,21 +156,22 @@ protected:
                                    }));
             return isTold_.load();
         };
-        driver.waitUntil("it is shown", [&] { return isGone() || window; });
+        driver.waitUntil("it is shown", [&] { return isGone() || shownWindow; });
         for (const UserStep& step : service.steps) {
             driver.waitUntil("the next step", [&] {
                 return isGone() || hasFailed() ||
-                       ((step.button == 0 || IsWindowEnabled(GetDlgItem(window, step.button))) &&
+                       ((step.button == 0 ||
+                         IsWindowEnabled(GetDlgItem(shownWindow, step.button))) &&
                         (step.control == 0 || (!shown(step.control).empty() &&
                                                shown(step.control).starts_with(step.text))));
             });
             if (isGone()) return;
             // What is shown together is read one by one.
             hasFailed();
-            PostMessageW(GetDlgItem(window, step.button), BM_CLICK, 0, 0);
+            PostMessageW(GetDlgItem(shownWindow, step.button), BM_CLICK, 0, 0);
         }
         driver.waitUntil("it is closed", [&] {
-            if (!isGone()) PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
+            if (!isGone()) PostMessageW(shownWindow, WM_COMMAND, IDCANCEL, 0);
             return isGone();
         });
     }
@@ -351,7 +296,9 @@ TEST_P(BenchServicesTest, TheInstrumentMayFail) {
             setUp(options, L"10");
             HRESULT code = E_FAIL;
             isDone = serve(link.Get(), &code);
-            if (code != S_OK) EXPECT_NE(takeError().value().description, L"");
+            if (code != S_OK) {
+                EXPECT_NE(takeError().value().description, L"");
+            }
             expectNothingLeft();
             EXPECT_TRUE(isDone || isTold_ || code != S_OK);
             EXPECT_TRUE(isRestored(stream.Get()));

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <ostream>
+#include <utility>
 
 #include "com/text.h"
 #include "com/variant.h"
@@ -67,6 +69,50 @@ com::ComPtr<FakeRecorder> makeRecorder() {
     return recorder;
 }
 
+// What a component finds around it.
+class Scene {
+public:
+    explicit Scene(const Opening& opening) : opening_(opening) {
+        for (const std::string& line : opening.remembered)
+            rememberLine(line);
+        link_.hasPort = opening.hasPort;
+        link_.connectionString = L"COM3:";
+        link_.absentPorts = {{L"COM5", 0}, {L"COM6", 0}, {L"COM8", 0}};
+        link_.busyPorts = {{L"COM4", ERROR_ACCESS_DENIED}};
+        link_.gatewayPassword = L"sea";
+        link_.access = recorder_->controlling();
+        link_.onCall = compassAccess_->onCall = pressureAccess_->onCall =
+            recorder_->onCall = [&](const std::string& call) {
+                if (!opening_.failingCall.empty() && call.starts_with(opening_.failingCall))
+                    throw com::Error(E_FAIL, kFailure);
+            };
+    }
+
+    // The component, with a link where it wants one. Throws com::Error.
+    com::ComPtr<IDispatch> create() const {
+        CLSID component{};
+        com::check(CLSIDFromProgID(opening_.component.c_str(), &component));
+        const auto object = kelUtils().create<IDispatch>(component);
+        com::ComPtr<IKelModalDialog> dialog;
+        if (SUCCEEDED(object.As(&dialog)))
+            com::check(dialog->put_Communicator(link_.communicator()));
+        return object;
+    }
+
+private:
+    const Opening& opening_;
+    const RegistrySandbox settings_{HKEY_CURRENT_USER};
+    FakeLink link_;
+    const ClassObject serial_{link::kSerialStreamClass, link_.port()};
+    const ClassObject network_{link::kNetworkStreamClass, link_.network()};
+    const com::ComPtr<FakeCompass> compassAccess_ = com::makeObject<FakeCompass>();
+    const com::ComPtr<FakePressure> pressureAccess_ = com::makeObject<FakePressure>();
+    const com::ComPtr<FakeRecorder> recorder_ = makeRecorder();
+    const ClassObject compass_{link::kCompassAccessClass, compassAccess_->controlling()};
+    const ClassObject pressure_{link::kPressureAccessClass, pressureAccess_->controlling()};
+    const ClassObject collections_{link::kCollectionClass, [] { return makeCollection(false); }};
+};
+
 }  // namespace
 
 std::vector<Opening> readOpenings() {
@@ -104,34 +150,8 @@ void PrintTo(const Opening& opening, std::ostream* stream) {
 }
 
 void open(const Opening& opening, const std::function<void(HWND)>& look) {
-    CLSID component{};
-    com::check(CLSIDFromProgID(opening.component.c_str(), &component));
-    const RegistrySandbox settings(HKEY_CURRENT_USER);
-    for (const std::string& line : opening.remembered)
-        rememberLine(line);
-    FakeLink link;
-    link.hasPort = opening.hasPort;
-    link.connectionString = L"COM3:";
-    link.absentPorts = {{L"COM5", 0}, {L"COM6", 0}, {L"COM8", 0}};
-    link.busyPorts = {{L"COM4", ERROR_ACCESS_DENIED}};
-    link.gatewayPassword = L"sea";
-    const ClassObject serial(link::kSerialStreamClass, link.port());
-    const ClassObject network(link::kNetworkStreamClass, link.network());
-    const auto compassAccess = com::makeObject<FakeCompass>();
-    const auto pressureAccess = com::makeObject<FakePressure>();
-    const auto recorder = makeRecorder();
-    link.onCall = compassAccess->onCall = pressureAccess->onCall =
-        recorder->onCall = [&](const std::string& call) {
-            if (!opening.failingCall.empty() && call.starts_with(opening.failingCall))
-                throw com::Error(E_FAIL, kFailure);
-        };
-    const ClassObject compass(link::kCompassAccessClass, compassAccess->controlling());
-    const ClassObject pressure(link::kPressureAccessClass, pressureAccess->controlling());
-    link.access = recorder->controlling();
-    const ClassObject collections(link::kCollectionClass, [] { return makeCollection(false); });
-    const auto object = kelUtils().create<IDispatch>(component);
-    com::ComPtr<IKelModalDialog> dialog;
-    if (SUCCEEDED(object.As(&dialog))) com::check(dialog->put_Communicator(link.communicator()));
+    const Scene scene(opening);
+    const auto object = scene.create();
     DialogDriver user([&](DialogDriver& driver) {
         const HWND window = driver.waitFor(opening.caption);
         if (opening.button != 0) {
@@ -152,6 +172,32 @@ void open(const Opening& opening, const std::function<void(HWND)>& look) {
     for (const std::string& line : opening.calls)
         EXPECT_EQ(call(object.Get(), line), line.starts_with("ShowModal") ? "False" : "") << line;
     if (!opening.script.empty()) runScript(object.Get(), opening.script);
+    user.runMessageLoop();
+}
+
+void openOrNot(const Opening& opening) {
+    const Scene scene(opening);
+    std::atomic<bool> isOver = false;
+    DialogDriver user([&](DialogDriver& driver) {
+        int button = opening.button != 0 ? opening.button : IDCANCEL;
+        for (; !isOver; Sleep(2)) {
+            for (const HWND window : driver.dialogs())
+                PostMessageW(window, WM_COMMAND,
+                             static_cast<WPARAM>(std::exchange(button, IDCANCEL)), 0);
+        }
+    });
+    try {
+        const auto object = scene.create();
+        for (const std::string& line : opening.calls)
+            invoke(object.Get(), line);
+        com::ComPtr<IPreprocessor> preprocessor;
+        VARIANT_BOOL ran = VARIANT_FALSE;
+        if (!opening.script.empty() && SUCCEEDED(object.As(&preprocessor)))
+            preprocessor->PreprocessAndRun(com::Bstr(opening.script).get(), &ran);
+    } catch (const com::Error&) {
+        // It cannot even be made.
+    }
+    isOver = true;
     user.runMessageLoop();
 }
 

@@ -1,0 +1,67 @@
+#pragma once
+// A terminal beside what is tested, ticking all the time.
+
+#include <atomic>
+#include <string>
+#include <thread>
+
+#include "com/message_loop.h"
+#include "tests/wine/support/library.h"
+#include "tests/wine/terminal/container.h"
+
+namespace kel::test {
+
+// A terminal that has nothing else to do: one tick after the other reaches whoever runs messages.
+class LiveTerminal {
+public:
+    explicit LiveTerminal(IKelCommunicator* link) {
+        com::ComPtr<IOleObject> object;
+        com::check(terminal_.As(&object));
+        com::check(object->SetClientSite(container_.site()));
+        com::check(object->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, container_.site(), 0,
+                                  container_.window(), nullptr));
+        com::check(terminal_->put_Communicator(link));
+        long window = 0;
+        com::check(terminal_->get_hwnd(&window));
+        window_ = static_cast<HWND>(LongToHandle(window));
+        ticker_ = std::thread([this] {
+            DWORD_PTR result = 0;
+            while (!isOver_)
+                SendMessageTimeoutW(window_, WM_TIMER, 1, 0, SMTO_NORMAL, 50, &result);
+        });
+    }
+    ~LiveTerminal() {
+        isOver_ = true;
+        ticker_.join();
+        com::ComPtr<IOleObject> object;
+        terminal_.As(&object);
+        object->Close(OLECLOSE_NOSAVE);
+        object->SetClientSite(nullptr);
+    }
+
+    HWND pane() const { return GetDlgItem(window_, 201); }
+    std::wstring text() const {
+        std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(pane())) + 1, L'\0');
+        text.resize(static_cast<std::size_t>(
+            GetWindowTextW(pane(), text.data(), static_cast<int>(text.size()))));
+        return text;
+    }
+    void limit(long characters) { com::check(terminal_->put_OutputLimit(characters)); }
+    // Runs messages until it shows a prompt behind a text.
+    void runUntilPromptAfter(const std::wstring& shown) const {
+        for (int i = 0; i < 500 && !(text().size() > shown.size() && text().ends_with(L"\r\n>"));
+             ++i) {
+            com::sleepUntilMessage(std::chrono::milliseconds(10));
+            com::runWaitingMessages();
+        }
+    }
+
+private:
+    Container container_;
+    com::ComPtr<IKelTerminal3> terminal_ = kelUtils().create<IKelTerminal3>(CLSID_KelTerminal);
+    HWND window_ = nullptr;
+    std::atomic<bool> isOver_ = false;
+    std::thread ticker_;
+};
+
+}  // namespace kel::test
