@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include "com/error.h"
+#include "hosts/keldesk/scaled.h"
 
 namespace kel::keldesk {
 namespace {
@@ -10,13 +11,6 @@ namespace {
 constexpr wchar_t kListClass[] = L"KelDeskList";
 constexpr int kMargin = 40;  // beside the columns: frame and scroll bar
 constexpr int kListHeight = 260;
-
-int scaled(int pixels) {
-    const HDC screen = GetDC(nullptr);
-    const int resolution = GetDeviceCaps(screen, LOGPIXELSX);
-    ReleaseDC(nullptr, screen);
-    return MulDiv(pixels, resolution, 96);
-}
 
 LPWSTR changeable(const std::wstring& text) {
     return const_cast<LPWSTR>(text.c_str());
@@ -109,6 +103,8 @@ void ListWindow::setRows(const std::vector<Row>& rows) {
     int index = 0;
     for (const Row& row : rows)
         insert(index++, row);
+    // The keys begin somewhere, and a screen reader has something to read.
+    ListView_SetItemState(list_, 0, LVIS_FOCUSED | LVIS_SELECTED, LVIS_FOCUSED | LVIS_SELECTED);
     SendMessageW(list_, WM_SETREDRAW, TRUE, 0);
     InvalidateRect(list_, nullptr, TRUE);
 }

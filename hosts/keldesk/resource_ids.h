@@ -34,5 +34,6 @@
 #define IDM_TIME_STAMPS 166
 #define IDM_CLEAR 167
 #define IDM_FIND 168
+#define IDM_COPY_OUTPUT 169
 // Help.
 #define IDM_ABOUT 180
