@@ -26,8 +26,19 @@ using Clock = std::chrono::steady_clock;
 // How the script ended, and why: nothing when there is no more to tell, or more than one line.
 struct Ending {
     ExitCode code;
-    std::vector<std::string> reasons;
+    std::vector<Diagnostic> reasons;  // without a file: of no place in a script
     std::string words = {};
+};
+
+// What a run is made of; all of it outlives the run.
+struct Task {
+    const Options& options;
+    const ScriptFile& script;
+    const Preprocessor& preprocessor;
+    const std::vector<Diagnostic>& found;  // by the check
+    HostScript* hostScript;                // may be null
+    FindingWriter& writer;
+    ConsoleOutput& errors;
 };
 
 void say(ConsoleOutput& errors, const std::string& text) {
@@ -41,19 +52,18 @@ std::string seconds(Clock::duration time) {
 }
 
 // All that went wrong on the line on which a run ended; the first is the cause of the others.
-std::vector<std::string> endOfRun(const std::vector<Diagnostic>& wrong) {
-    std::vector<std::string> texts;
-    for (const Diagnostic& one : wrong) {
-        const Diagnostic& last = wrong.back();
-        if (one.line == last.line && one.file == last.file) texts.push_back(placeAndMessage(one));
-    }
-    return texts;
+std::vector<Diagnostic> endOfRun(std::vector<Diagnostic> wrong) {
+    if (wrong.empty()) return wrong;
+    const Diagnostic last = wrong.back();
+    std::erase_if(wrong, [&](const Diagnostic& one) {
+        return one.line != last.line || one.file != last.file;
+    });
+    return wrong;
 }
 
 // A failure of a component, which the preprocessor does not list among its errors.
-std::string reasonOf(const com::Error& error, const ScriptPlace& place) {
-    if (place.line == 0) return describe(error);
-    return placeAndMessage({place.file, place.line, 0, true, describe(error)});
+Diagnostic reasonOf(const com::Error& error, const ScriptPlace& place) {
+    return {place.line > 0 ? place.file : std::string(), place.line, 0, true, describe(error)};
 }
 
 // A link that fails because its wait was interrupted has still been cancelled.
@@ -79,7 +89,7 @@ Ending runScript(Session& session, const Preprocessor& preprocessor, const std::
     hostScript->runEnded(ending.code == ExitCode::kRan);
     if (!hostScript->error()) return ending;
     if (ending.code == ExitCode::kCancelled) ending.code = ExitCode::kScriptFailed;
-    ending.reasons.insert(ending.reasons.begin(), placeAndMessage(*hostScript->error()));
+    ending.reasons.insert(ending.reasons.begin(), *hostScript->error());
     return ending;
 }
 
@@ -98,59 +108,67 @@ void printVariables(const Preprocessor& preprocessor, ConsoleOutput& errors) {
     if (output.isBroken()) say(errors, "the variables could not be shown to their end");
 }
 
-Ending runConnected(const Options& options, const ScriptFile& script,
-                    const Preprocessor& preprocessor, const Trace& trace, Transcript* transcript,
-                    HostScript* hostScript, ConsoleOutput& errors) {
-    Session session(options, preprocessor, trace, transcript, hostScript);
+Ending runConnected(const Task& task, const Trace& trace, Transcript* transcript) {
+    Session session(task.options, task.preprocessor, trace, transcript, task.hostScript);
     const auto start = Clock::now();
-    Ending ending = runScript(session, preprocessor, script.text, hostScript);
-    ending.words = endText(ending.code, options, script.name, Clock::now() - start);
-    if (hostScript && hostScript->error()) ending.code = ExitCode::kScriptFailed;
-    if (!session.finishDialogue()) say(errors, "the dialogue could not be shown to its end");
+    Ending ending = runScript(session, task.preprocessor, task.script.text, task.hostScript);
+    ending.words = endText(ending.code, task.options, task.script.name, Clock::now() - start);
+    if (task.hostScript && task.hostScript->error()) ending.code = ExitCode::kScriptFailed;
+    if (!session.finishDialogue()) say(task.errors, "the dialogue could not be shown to its end");
     return ending;
 }
 
 // A run that is not the recorded one has failed, also when the script has not noticed.
 void closeTrace(Trace& trace, Ending& ending) {
     for (const std::string& word : trace.close()) {
-        const bool isTold = std::ranges::any_of(ending.reasons, [&](const std::string& reason) {
-            return reason.find(word) != std::string::npos;
+        const bool isTold = std::ranges::any_of(ending.reasons, [&](const Diagnostic& reason) {
+            return reason.message.find(word) != std::string::npos;
         });
-        if (!isTold) ending.reasons.push_back(word);
+        if (!isTold) ending.reasons.push_back({{}, 0, 0, true, word});
         if (ending.code == ExitCode::kRan) ending.code = ExitCode::kScriptFailed;
     }
 }
 
-ExitCode runToEnd(const Options& options, const ScriptFile& script,
-                  const Preprocessor& preprocessor, Transcript* transcript, HostScript* hostScript,
-                  ConsoleOutput& errors) {
-    Trace trace(options);
-    Ending ending =
-        runConnected(options, script, preprocessor, trace, transcript, hostScript, errors);
+void tellReasons(const Task& task, const Ending& ending) {
+    for (const Diagnostic& reason : ending.reasons) {
+        if (reason.file.empty()) {
+            say(task.errors, reason.message);
+        } else {
+            task.errors.write(task.writer.text(reason));
+        }
+    }
+}
+
+std::string shortWords(const Diagnostic& reason) {
+    return reason.file.empty() ? reason.message : placeAndMessage(reason);
+}
+
+ExitCode runToEnd(const Task& task, Transcript* transcript) {
+    Trace trace(task.options);
+    Ending ending = runConnected(task, trace, transcript);
     closeTrace(trace, ending);
 
     if (transcript) {
-        transcript->ended(static_cast<int>(ending.code),
-                          ending.reasons.empty() ? ending.words : ending.reasons.front());
+        transcript->ended(static_cast<int>(ending.code), ending.reasons.empty()
+                                                             ? ending.words
+                                                             : shortWords(ending.reasons.front()));
     }
-    if (options.printVariables) printVariables(preprocessor, errors);
-    for (const std::string& reason : ending.reasons)
-        say(errors, reason);
-    if (ending.code != ExitCode::kRan || !options.quiet) say(errors, ending.words);
+    if (task.options.printVariables) printVariables(task.preprocessor, task.errors);
+    tellReasons(task, ending);
+    if (ending.code != ExitCode::kRan || !task.options.quiet) say(task.errors, ending.words);
+    if (ending.code == ExitCode::kScriptFailed) {
+        const std::string more = tellOfWarnings(task.found, ending.reasons);
+        if (!more.empty()) say(task.errors, more);
+    }
     return ending.code;
 }
 
-ExitCode runWithTranscript(const Options& options, const ScriptFile& script,
-                           const Preprocessor& preprocessor, HostScript* hostScript,
-                           ConsoleOutput& errors) {
-    if (options.transcript.empty()) {
-        return runToEnd(options, script, preprocessor, nullptr, hostScript, errors);
-    }
-    TranscriptFile file(options.transcript, preprocessor.scriptName(), script.text);
+ExitCode runWithTranscript(const Task& task) {
+    if (task.options.transcript.empty()) return runToEnd(task, nullptr);
+    TranscriptFile file(task.options.transcript, task.preprocessor.scriptName(), task.script.text);
     try {
-        const ExitCode code =
-            runToEnd(options, script, preprocessor, &file.transcript(), hostScript, errors);
-        if (file.isIncomplete()) say(errors, "the transcript could not be written to its end");
+        const ExitCode code = runToEnd(task, &file.transcript());
+        if (file.isIncomplete()) say(task.errors, "the transcript could not be written to its end");
         return code;
     } catch (const Failure& failure) {
         file.transcript().ended(static_cast<int>(failure.code()), failure.what());
@@ -178,21 +196,29 @@ ExitCode run(const Options& options, ConsoleOutput& errors) {
 
     const com::Apartment apartment;
     const Preprocessor preprocessor(options, script.folder);
+    FindingWriter writer(script, options.script, preprocessor.scriptName());
     std::optional<HostScript> hostScript;
-    if (!options.hostScript.empty()) {
-        hostScript.emplace(options.hostScript, options.arguments, preprocessor.control(),
-                           printBeforehand(options, errors));
+    try {
+        if (!options.hostScript.empty()) {
+            hostScript.emplace(options.hostScript, options.arguments, preprocessor.control(),
+                               printBeforehand(options, errors));
+        }
+    } catch (const HostScriptFailure& failure) {
+        errors.write(writer.text(failure.finding()));
+        return failure.code();
     }
-    if (options.check) return showCheck(options, script, preprocessor, errors);
+    const std::vector<Diagnostic> found = preprocessor.check(script.text);
+    if (options.check) return showCheck(options, found, writer, errors);
 
-    const std::size_t count = showErrors(script, preprocessor, errors);
+    const std::size_t count = showErrors(found, writer, errors);
     if (count > 0 && !options.keepGoing) {
         say(errors, script.name + " was not started: it has " + std::to_string(count) +
                         (count == 1 ? " error" : " errors") + " (--keep-going runs it anyway)");
+        if (const std::string more = tellOfWarnings(found, {}); !more.empty()) say(errors, more);
         return ExitCode::kScriptFailed;
     }
-    return runWithTranscript(options, script, preprocessor, hostScript ? &*hostScript : nullptr,
-                             errors);
+    return runWithTranscript({options, script, preprocessor, found,
+                              hostScript ? &*hostScript : nullptr, writer, errors});
 }
 
 }  // namespace kel::kelrun

@@ -23,7 +23,7 @@ TranscriptFile::TranscriptFile(const std::string& path, std::string scriptName,
                                std::wstring_view source)
     : file_(create(path)),
       transcript_([this] { return milliseconds(); }, [this](std::string_view line) { write(line); },
-                  std::move(scriptName), SourceText(source)) {}
+                  std::move(scriptName), host::SourceText(source)) {}
 
 void TranscriptFile::write(std::string_view line) {
     if (broken_) return;

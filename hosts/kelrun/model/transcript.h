@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "hosts/kelrun/model/source_text.h"
 #include "hosts/model/json.h"
+#include "hosts/shared/model/source_text.h"
 
 namespace kel::kelrun {
 
@@ -20,7 +20,7 @@ public:
     using Write = std::function<void(std::string_view line)>;
 
     // `script` is the name under which the events tell of the lines of `source`.
-    Transcript(Milliseconds now, Write write, std::string script, SourceText source)
+    Transcript(Milliseconds now, Write write, std::string script, host::SourceText source)
         : now_(std::move(now)),
           write_(std::move(write)),
           script_(std::move(script)),
@@ -51,7 +51,7 @@ private:
     Milliseconds now_;
     Write write_;
     std::string script_;
-    SourceText source_;
+    host::SourceText source_;
     std::string file_;
     std::size_t line_ = 0;
     std::deque<std::u16string> expected_;  // messages that may be shown, in their order
