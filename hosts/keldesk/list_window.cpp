@@ -27,14 +27,16 @@ ListWindow::ListWindow(HWND owner, const wchar_t* title, const std::vector<Colum
     description.lpszClassName = kListClass;
     RegisterClassW(&description);
 
-    int width = scaled(kMargin);
+    int width = kMargin;
     for (const Column& column : columns)
-        width += scaled(column.width);
+        width += column.width;
+    const SIZE size = scaledToFit(width, kListHeight);
     RECT beside{};
     GetWindowRect(owner, &beside);
-    window_ = CreateWindowExW(WS_EX_TOOLWINDOW, kListClass, title, WS_OVERLAPPEDWINDOW,
-                              beside.left + scaled(60), beside.top + scaled(90), width,
-                              scaled(kListHeight), owner, nullptr, description.hInstance, nullptr);
+    const POINT place = inWorkArea({beside.left + scaled(60), beside.top + scaled(90)}, size);
+    window_ =
+        CreateWindowExW(WS_EX_TOOLWINDOW, kListClass, title, WS_OVERLAPPEDWINDOW, place.x, place.y,
+                        size.cx, size.cy, owner, nullptr, description.hInstance, nullptr);
     if (!window_) throw com::lastError();
     list_ = CreateWindowExW(0, WC_LISTVIEWW, title,
                             WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_NOSORTHEADER |

@@ -97,10 +97,16 @@ MainWindow::MainWindow(const DeskOptions& options) : recent_(com::sameName, read
     description.lpszClassName = kMainClass;
     description.lpszMenuName = MAKEINTRESOURCEW(IDR_DESK);
     RegisterClassW(&description);
+    const SIZE size = scaledToFit(kMainWidth, kMainHeight);
     window_ = CreateWindowExW(0, kMainClass, L"KelDesk", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
-                              CW_USEDEFAULT, CW_USEDEFAULT, scaled(kMainWidth), scaled(kMainHeight),
-                              nullptr, nullptr, module, nullptr);
+                              CW_USEDEFAULT, CW_USEDEFAULT, size.cx, size.cy, nullptr, nullptr,
+                              module, nullptr);
     if (!window_) throw com::lastError();
+    RECT frame{};
+    GetWindowRect(window_, &frame);
+    const POINT place = inWorkArea({frame.left, frame.top}, size);
+    SetWindowPos(window_, nullptr, place.x, place.y, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     status_ = CreateWindowExW(0, STATUSCLASSNAMEW, nullptr, WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP,
                               0, 0, 0, 0, window_, nullptr, module, nullptr);
     int parts[std::size(kStatusParts)];
@@ -254,6 +260,8 @@ void MainWindow::command(int command) {
             return;
         case IDM_VARIABLES:
             return showVariables();
+        case IDM_FINDINGS:
+            return runner_->showFindings();
         case IDM_ABOUT:
             MessageBoxW(window_,
                         L"KelDesk " KEL_VERSION

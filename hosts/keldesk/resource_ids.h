@@ -24,6 +24,7 @@
 // Script.
 #define IDM_CANCEL_SCRIPT 150
 #define IDM_VARIABLES 151
+#define IDM_FINDINGS 152
 // View.
 #define IDM_OUTPUT_TEXT 160
 #define IDM_OUTPUT_BACKGROUND 161

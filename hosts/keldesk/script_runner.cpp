@@ -38,7 +38,7 @@ ScriptRunner::ScriptRunner(Instrument& instrument, HWND owner,
       say_(std::move(say)),
       findings_(
           owner, L"Errors and warnings",
-          {{L"Line", 50}, {L"Column", 60}, {L"Kind", 70}, {L"Message", 420}, {L"Script", 160}}) {}
+          {{L"Line", 50}, {L"Column", 60}, {L"Kind", 70}, {L"Message", 470}, {L"Script", 160}}) {}
 
 void ScriptRunner::list(const std::vector<host::Diagnostic>& found, const std::wstring& path,
                         const host::ScriptFile& script) {
@@ -73,6 +73,7 @@ void ScriptRunner::run(const std::wstring& path) {
             name + L" has " + counted(errors, L"error", L"errors") + L". Run it in spite of that?";
         if (MessageBoxW(owner_, question.c_str(), L"KelDesk",
                         MB_YESNO | MB_DEFBUTTON2 | MB_ICONWARNING) != IDYES) {
+            findings_.show();  // the question was before it
             return say_(name + L" was not started");
         }
     }

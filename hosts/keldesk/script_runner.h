@@ -23,6 +23,9 @@ public:
     void run(const std::wstring& path);
     void check(const std::wstring& path);
 
+    // Shows the list of the last check or run again.
+    void showFindings() { findings_.show(); }
+
 private:
     std::wstring runToEnd(const std::wstring& path, const host::ScriptFile& script);
     void list(const std::vector<host::Diagnostic>& found, const std::wstring& path,

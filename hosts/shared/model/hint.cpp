@@ -47,8 +47,7 @@ std::string inQuotes(std::string_view word, std::string_view line) {
 
 std::string hint(std::string_view message, std::string_view line) {
     if (message.starts_with(kNotFound)) return inQuotes(message.substr(kNotFound.size()), line);
-    if (message.starts_with(kNoCondition))
-        return "write a == \"b\" or a != \"b\", with blanks around the sign";
+    if (message.starts_with(kNoCondition)) return "as in a == \"b\" or a != \"b\", blanks included";
     const bool isNoFunction = message.starts_with(kNoFunction);
     if (!isNoFunction && !message.starts_with(kNoExpression)) return {};
     if (hasBlanksBesideSign(line)) return "no blanks beside the = of an assignment";

@@ -75,7 +75,7 @@ TEST(KelrunDiagnostic, IsWrittenForUsersAndForEditors) {
 }
 
 TEST(KelrunHint, HelpsWhereItIsSureTo) {
-    constexpr char kCondition[] = "write a == \"b\" or a != \"b\", with blanks around the sign";
+    constexpr char kCondition[] = "as in a == \"b\" or a != \"b\", blanks included";
     constexpr char kBlanks[] = "no blanks beside the = of an assignment";
     const struct {
         const char* message;

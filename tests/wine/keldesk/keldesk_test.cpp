@@ -194,7 +194,11 @@ TEST_F(KeldeskTest, StaysLiveWhileAScriptWaitsAndAsksBeforeItStopsIt) {
 
 TEST_F(KeldeskTest, ListsWhatIsWrong) {
     start(script("@x=nosuch()\n"));
-    waitForWindow(L"KelDeskList", L"Errors and warnings");
+    const HWND list = waitForWindow(L"KelDeskList", L"Errors and warnings");
+    PostMessageW(list, WM_CLOSE, 0, 0);
+    EXPECT_TRUE(waitUntil([&] { return !IsWindowVisible(list); }));
+    PostMessageW(window_, WM_COMMAND, IDM_FINDINGS, 0);
+    EXPECT_EQ(waitForWindow(L"KelDeskList", L"Errors and warnings"), list);
     PostMessageW(window_, WM_CLOSE, 0, 0);
     expectExit(0);
 }
