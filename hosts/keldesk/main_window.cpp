@@ -347,6 +347,9 @@ void MainWindow::updateRecentMenu() {
 
 void MainWindow::connect(const host::Target& target) {
     say(L"Connecting to " + wide(nameOf(target)));
+    // It may take a while in which nothing else is drawn.
+    UpdateWindow(status_);
+    SetCursor(LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_WAIT)));
     try {
         instrument_->connect(target);
     } catch (...) {
