@@ -96,6 +96,12 @@ TEST(KelrunHint, HelpsWhereItIsSureTo) {
         {"Invalid expression 'b =\"1\"'", "@b =\"1\"", kBlanks},
         {"Invalid expression 'b'", "@b", ""},
         {"Invalid syntax in #IF statement", "#IF a = b", kCondition},
+        {"Unknown preprocessor directive: WIAT", "#WIAT 5", "did you mean #WAIT?"},
+        {"Unknown preprocessor directive: elsif", "#elsif", "did you mean #ELSEIF?"},
+        {"Unknown preprocessor directive: SETBUADRAT", "", "did you mean #SETBAUDRATE?"},
+        {"Unknown preprocessor directive: TIDE", "#TIDE", ""},
+        {"Unknown function: DAET", "@x=DAET()", "did you mean DATE?"},
+        {"Unknown function: TODAY", "@x=TODAY()", ""},
         {"Unterminated string", "@a=\"x", ""},
     };
     for (const auto& row : cases)
