@@ -1,10 +1,10 @@
 # Runs an instrument script through kelrun, against the virtual instrument or a real one.
 
-# Reads the arguments of `run`; sets script, diagnose, device, port, tcp, needs_line, options and, for
-# what stands after `--`, arguments. Only what this machine sees differently from Windows programs is
-# looked at, the rest is kelrun's affair.
+# Reads the arguments of `run`; sets script, diagnose, device, port, tcp, needs_line, options, for what
+# stands after `--`, arguments, and last_flag, the last option that was taken as one without a value. Only
+# what this machine sees differently from Windows programs is looked at, the rest is kelrun's affair.
 read_run_arguments() {
-    script='' diagnose='' device='' port='' tcp='' needs_line=yes options=() arguments=()
+    script='' diagnose='' last_flag='' device='' port='' tcp='' needs_line=yes options=() arguments=()
     while (($# > 0)); do
         if [[ $1 == -- ]]; then
             shift
@@ -24,7 +24,7 @@ read_run_arguments() {
             --last) needs_line=last options+=("$1") ;;
             --diagnose) needs_line=no diagnose=yes options+=("$1") ;;
             --check | --help | --version) needs_line=no options+=("$1") ;;
-            -*) options+=("$1") ;;
+            -*) options+=("$1") last_flag=$1 ;;
             *)
                 [[ -z $script ]] || usage_error "one script at a time: $script or $1"
                 script=$1
@@ -63,14 +63,15 @@ read_run_option() {
 
 # Tells what cannot work before anything is built.
 check_run_arguments() {
-    [[ $script == [A-Za-z]:* || -f $script && -r $script ]] || usage_error "cannot read $script"
+    [[ $script == [A-Za-z]:* || -f $script && -r $script ]] ||
+        usage_error "cannot read the script $script${last_flag:+; ./kel run --help tells whether $last_flag takes a value}"
     [[ -z $device || -c $device ]] || { say "no such device: $device"; exit 3; }
     [[ -z $device || -r $device && -w $device ]] || { say "no permission to use $device"; exit 3; }
 }
 
 # Sets up and builds what a run needs, then runs; ends with the exit code of kelrun.
 run_script() {
-    local script diagnose device port tcp needs_line options arguments program=$kel_build/win32/hosts/kelrun/kelrun.exe
+    local script diagnose last_flag device port tcp needs_line options arguments program=$kel_build/win32/hosts/kelrun/kelrun.exe
     read_run_arguments "$@"
     check_run_arguments
 
@@ -85,7 +86,7 @@ run_script() {
 
     [[ -z $diagnose ]] || run_program "$program" "${options[@]}"
     if [[ $needs_line == no || $needs_line == last ]]; then
-        run_program "$program" "$(windows_path "$script")" "${options[@]}" -- "${arguments[@]}"
+        run_program "$program" "$(script_name)" "${options[@]}" -- "${arguments[@]}"
     fi
     if [[ -n $tcp ]]; then
         options+=(--tcp "$tcp")
@@ -98,7 +99,16 @@ run_script() {
         options+=(--port "$port")
     fi
     say "running ${script#"$kel_root/"} on ${tcp:-$port${device:+ ($device)}}"
-    run_program "$program" "$(windows_path "$script")" "${options[@]}" -- "${arguments[@]}"
+    run_program "$program" "$(script_name)" "${options[@]}" -- "${arguments[@]}"
+}
+
+# Prints the script's name for kelrun, which tells of mistakes by it: a relative one stays as the user
+# and his editor know it.
+script_name() {
+    case $script in
+        /* | -* | *\\* | [A-Za-z]:*) windows_path "$script" ;;
+        *) printf '%s' "$script" ;;
+    esac
 }
 
 # Uses the prefix together with other runs; the last one to leave ends the Wine server.

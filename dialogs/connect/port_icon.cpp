@@ -24,11 +24,17 @@ private:
     HGDIOBJ before_;
 };
 
-constexpr COLORREF kOutline = RGB(64, 64, 64);
-constexpr COLORREF kShell = RGB(224, 224, 232);
-constexpr COLORREF kChosen = RGB(0, 128, 0);
-constexpr COLORREF kForbidden = RGB(192, 0, 0);
-constexpr COLORREF kMissing = RGB(144, 144, 144);
+// Of the two the one that stands out from the face of a button; schemes of high contrast have dark
+// ones.
+COLORREF onButton(COLORREF forLight, COLORREF forDark) {
+    const COLORREF face = GetSysColor(COLOR_BTNFACE);
+    const int brightness = 3 * GetRValue(face) + 6 * GetGValue(face) + GetBValue(face);
+    return brightness >= 10 * 128 ? forLight : forDark;
+}
+
+COLORREF outline() {
+    return GetSysColor(COLOR_BTNTEXT);
+}
 
 // A connector seen from the front: broad above, narrow below.
 void drawShell(HDC device, int left, int top, int size) {
@@ -54,7 +60,8 @@ void drawPins(HDC device, int left, int top, int size, COLORREF colour) {
 }
 
 void drawTick(HDC device, int left, int top, int size) {
-    const Selected pen(device, CreatePen(PS_SOLID, std::max(2, size / 8), kChosen));
+    const Selected pen(device, CreatePen(PS_SOLID, std::max(2, size / 8),
+                                         onButton(RGB(0, 128, 0), RGB(0, 255, 0))));
     const POINT stroke[] = {{left + size / 4, top + size / 2},
                             {left + size * 7 / 16, top + size * 3 / 4},
                             {left + size * 7 / 8, top + size / 8}};
@@ -62,7 +69,8 @@ void drawTick(HDC device, int left, int top, int size) {
 }
 
 void drawBar(HDC device, int left, int top, int size) {
-    const Selected pen(device, CreatePen(PS_SOLID, std::max(2, size / 8), kForbidden));
+    const Selected pen(device, CreatePen(PS_SOLID, std::max(2, size / 8),
+                                         onButton(RGB(192, 0, 0), RGB(255, 128, 128))));
     const int radius = size / 4;
     const int right = left + size - 1;
     const int bottom = top + size - 1;
@@ -79,18 +87,18 @@ void drawPortIcon(HDC device, int left, int top, int size, PortState state) {
     const bool isAbsent = state == PortState::Absent;
     SetBkMode(device, TRANSPARENT);
     {
-        const Selected pen(
-            device, CreatePen(isAbsent ? PS_DOT : PS_SOLID, 1, isAbsent ? kMissing : kOutline));
+        const Selected pen(device, CreatePen(isAbsent ? PS_DOT : PS_SOLID, 1,
+                                             isAbsent ? GetSysColor(COLOR_GRAYTEXT) : outline()));
         if (isAbsent) {
             const HGDIOBJ before = SelectObject(device, GetStockObject(NULL_BRUSH));
             drawShell(device, left, top, size);
             SelectObject(device, before);
             return;
         }
-        const Selected brush(device, CreateSolidBrush(kShell));
+        const Selected brush(device, CreateSolidBrush(GetSysColor(COLOR_WINDOW)));
         drawShell(device, left, top, size);
     }
-    drawPins(device, left, top, size, kOutline);
+    drawPins(device, left, top, size, outline());
     if (state == PortState::Selected) drawTick(device, left, top, size);
     if (state == PortState::Busy) drawBar(device, left, top, size);
 }

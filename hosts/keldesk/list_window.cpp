@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include "com/error.h"
+#include "hosts/keldesk/scaled.h"
 
 namespace kel::keldesk {
 namespace {
@@ -10,13 +11,6 @@ namespace {
 constexpr wchar_t kListClass[] = L"KelDeskList";
 constexpr int kMargin = 40;  // beside the columns: frame and scroll bar
 constexpr int kListHeight = 260;
-
-int scaled(int pixels) {
-    const HDC screen = GetDC(nullptr);
-    const int resolution = GetDeviceCaps(screen, LOGPIXELSX);
-    ReleaseDC(nullptr, screen);
-    return MulDiv(pixels, resolution, 96);
-}
 
 LPWSTR changeable(const std::wstring& text) {
     return const_cast<LPWSTR>(text.c_str());
@@ -33,14 +27,16 @@ ListWindow::ListWindow(HWND owner, const wchar_t* title, const std::vector<Colum
     description.lpszClassName = kListClass;
     RegisterClassW(&description);
 
-    int width = scaled(kMargin);
+    int width = kMargin;
     for (const Column& column : columns)
-        width += scaled(column.width);
+        width += column.width;
+    const SIZE size = scaledToFit(width, kListHeight);
     RECT beside{};
     GetWindowRect(owner, &beside);
-    window_ = CreateWindowExW(WS_EX_TOOLWINDOW, kListClass, title, WS_OVERLAPPEDWINDOW,
-                              beside.left + scaled(60), beside.top + scaled(90), width,
-                              scaled(kListHeight), owner, nullptr, description.hInstance, nullptr);
+    const POINT place = inWorkArea({beside.left + scaled(60), beside.top + scaled(90)}, size);
+    window_ =
+        CreateWindowExW(WS_EX_TOOLWINDOW, kListClass, title, WS_OVERLAPPEDWINDOW, place.x, place.y,
+                        size.cx, size.cy, owner, nullptr, description.hInstance, nullptr);
     if (!window_) throw com::lastError();
     list_ = CreateWindowExW(0, WC_LISTVIEWW, title,
                             WS_CHILD | WS_VISIBLE | WS_TABSTOP | LVS_REPORT | LVS_NOSORTHEADER |
@@ -109,6 +105,8 @@ void ListWindow::setRows(const std::vector<Row>& rows) {
     int index = 0;
     for (const Row& row : rows)
         insert(index++, row);
+    // The keys begin somewhere, and a screen reader has something to read.
+    ListView_SetItemState(list_, 0, LVIS_FOCUSED | LVIS_SELECTED, LVIS_FOCUSED | LVIS_SELECTED);
     SendMessageW(list_, WM_SETREDRAW, TRUE, 0);
     InvalidateRect(list_, nullptr, TRUE);
 }

@@ -3,11 +3,15 @@
 #include <commctrl.h>
 #include <commdlg.h>
 
+#include <algorithm>
+#include <cwchar>
+
 #include "com/scoped.h"
 #include "com/variant.h"
 #include "hosts/keldesk/look.h"
 #include "hosts/keldesk/model/recent_menu.h"
 #include "hosts/keldesk/resource_ids.h"
+#include "hosts/keldesk/scaled.h"
 #include "hosts/keldesk/services.h"
 #include "hosts/keldesk/sessions.h"
 #include "hosts/keldesk/settings.h"
@@ -26,7 +30,7 @@ constexpr UINT kWatchInterval = 1000;
 constexpr int kMainWidth = 900;
 constexpr int kMainHeight = 600;
 constexpr int kRecentMenu = 3;                  // its place in the first menu
-constexpr int kStatusParts[] = {220, 480, -1};  // their right edges
+constexpr int kStatusParts[] = {200, 500, -1};  // their right edges
 
 constexpr TerminalColour kColours[] = {
     {&IKelTerminal::get_ForeColor, &IKelTerminal::put_ForeColor},
@@ -62,6 +66,23 @@ std::wstring askForFile(HWND owner, const wchar_t* title, const wchar_t* filter,
     return chosen ? path : L"";
 }
 
+std::optional<Wait> waitOf(const std::wstring& directive,
+                           const com::ComPtr<IFlatCollection>& parameters) {
+    const bool isPlain = com::sameName(directive, L"WAIT");
+    if (!isPlain && !com::sameName(directive, L"WAIT_OK") &&
+        !com::sameName(directive, L"WAIT_PROMPT")) {
+        return std::nullopt;
+    }
+    long count = 0;
+    com::check(parameters->get_Count(&count), parameters);
+    if (count == 0) return std::nullopt;
+    com::Variant seconds;
+    com::check(parameters->get_Item(com::Variant(0L).get(), seconds.put()), parameters);
+    const com::Variant text = seconds.convertedTo(VT_BSTR);
+    return Wait{std::wcstol(std::wstring(com::view(text.get().bstrVal)).c_str(), nullptr, 10),
+                !isPlain};
+}
+
 }  // namespace
 
 MainWindow::MainWindow(const DeskOptions& options) : recent_(com::sameName, readRecentScripts()) {
@@ -76,14 +97,22 @@ MainWindow::MainWindow(const DeskOptions& options) : recent_(com::sameName, read
     description.lpszClassName = kMainClass;
     description.lpszMenuName = MAKEINTRESOURCEW(IDR_DESK);
     RegisterClassW(&description);
+    const SIZE size = scaledToFit(kMainWidth, kMainHeight);
     window_ = CreateWindowExW(0, kMainClass, L"KelDesk", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
-                              CW_USEDEFAULT, CW_USEDEFAULT, kMainWidth, kMainHeight, nullptr,
-                              nullptr, module, nullptr);
+                              CW_USEDEFAULT, CW_USEDEFAULT, size.cx, size.cy, nullptr, nullptr,
+                              module, nullptr);
     if (!window_) throw com::lastError();
+    RECT frame{};
+    GetWindowRect(window_, &frame);
+    const POINT place = inWorkArea({frame.left, frame.top}, size);
+    SetWindowPos(window_, nullptr, place.x, place.y, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
     status_ = CreateWindowExW(0, STATUSCLASSNAMEW, nullptr, WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP,
                               0, 0, 0, 0, window_, nullptr, module, nullptr);
-    SendMessageW(status_, SB_SETPARTS, std::size(kStatusParts),
-                 reinterpret_cast<LPARAM>(kStatusParts));
+    int parts[std::size(kStatusParts)];
+    std::ranges::transform(kStatusParts, parts,
+                           [](int edge) { return edge < 0 ? edge : scaled(edge); });
+    SendMessageW(status_, SB_SETPARTS, std::size(parts), reinterpret_cast<LPARAM>(parts));
 
     host_ = std::make_unique<TerminalHost>(window_);
     instrument_ = std::make_unique<Instrument>(
@@ -169,6 +198,7 @@ LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM longer) {
             return 0;
         case WM_TIMER:
             attempt([&] { watchConnection(); });
+            if (isRunning()) showLine();
             return 0;
         case WM_CLOSE:
             attempt([&] { close(); });
@@ -230,6 +260,8 @@ void MainWindow::command(int command) {
             return;
         case IDM_VARIABLES:
             return showVariables();
+        case IDM_FINDINGS:
+            return runner_->showFindings();
         case IDM_ABOUT:
             MessageBoxW(window_,
                         L"KelDesk " KEL_VERSION
@@ -260,6 +292,8 @@ void MainWindow::change(int command) {
             return toggle(&IKelTerminal3::get_TimeStamps, &IKelTerminal3::put_TimeStamps);
         case IDM_CLEAR:
             return com::check(terminal->Clear(), terminal);
+        case IDM_COPY_OUTPUT:
+            return copyOutput();
         case IDM_FIND:
             return com::check(terminal->ShowSearch(), terminal);
     }
@@ -313,6 +347,9 @@ void MainWindow::updateRecentMenu() {
 
 void MainWindow::connect(const host::Target& target) {
     say(L"Connecting to " + wide(nameOf(target)));
+    // It may take a while in which nothing else is drawn.
+    UpdateWindow(status_);
+    SetCursor(LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_WAIT)));
     try {
         instrument_->connect(target);
     } catch (...) {
@@ -355,14 +392,31 @@ void MainWindow::service(const std::function<bool()>& dialog) {
     say(dialog() ? L"Done" : L"");
 }
 
+HWND MainWindow::outputWindow() const {
+    const auto& terminal = host_->terminal();
+    long number = 0;
+    com::check(terminal->get_OutputWindow(&number), terminal);
+    return static_cast<HWND>(LongToHandle(number));
+}
+
+// For those who have no mouse to select it with.
+void MainWindow::copyOutput() {
+    const HWND output = outputWindow();
+    DWORD begin = 0;
+    DWORD end = 0;
+    SendMessageW(output, EM_GETSEL, reinterpret_cast<WPARAM>(&begin),
+                 reinterpret_cast<LPARAM>(&end));
+    if (begin == end) SendMessageW(output, EM_SETSEL, 0, -1);
+    SendMessageW(output, WM_COPY, 0, 0);
+    say(begin == end ? L"All of the output is copied" : L"What is selected is copied");
+}
+
 // In the terminal, in the place of what is there.
 void MainWindow::showFile(const std::wstring& path) {
     const host::ScriptFile file = host::readScript(com::narrow(path, CP_UTF8));
     const auto& terminal = host_->terminal();
     com::check(terminal->Clear(), terminal);
-    long number = 0;
-    com::check(terminal->get_OutputWindow(&number), terminal);
-    const HWND output = static_cast<HWND>(LongToHandle(number));
+    const HWND output = outputWindow();
     const auto end = static_cast<WPARAM>(SendMessageW(output, WM_GETTEXTLENGTH, 0, 0));
     SendMessageW(output, EM_SETSEL, end, static_cast<LPARAM>(end));
     SendMessageW(output, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(file.text.c_str()));
@@ -418,13 +472,27 @@ void MainWindow::runScript(const std::wstring& path) {
 }
 
 void MainWindow::followScript(host::ScriptEvent event, const host::EventArguments& arguments) {
-    if (event == host::kLineStarted) {
-        std::wstring name = arguments.text(0);
-        name.erase(0, name.find_last_of(L"\\/") + 1);
-        setPart(1, name + L", line " + std::to_wstring(arguments.number(1)));
-    } else if (event == host::kVariableSet) {
-        variables_->setRow({arguments.text(0), arguments.text(1)});
+    switch (event) {
+        case host::kLineStarted:
+            runningScript_ = arguments.text(0);
+            runningLine_ = arguments.number(1);
+            lineStart_ = std::chrono::steady_clock::now();
+            wait_.reset();
+            return showLine();
+        case host::kDirectiveStarted:
+            wait_ = waitOf(arguments.text(0), arguments.collection(1));
+            return showLine();
+        case host::kVariableSet:
+            return variables_->setRow({arguments.text(0), arguments.text(1)});
+        default:
+            return;
     }
+}
+
+void MainWindow::showLine() {
+    const auto elapsed = std::chrono::duration_cast<std::chrono::seconds>(
+        std::chrono::steady_clock::now() - lineStart_);
+    setPart(1, lineStatus(runningScript_, runningLine_, static_cast<long>(elapsed.count()), wait_));
 }
 
 void MainWindow::toggleLog() {

@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -12,6 +13,7 @@
 #include "hosts/keldesk/instrument.h"
 #include "hosts/keldesk/list_window.h"
 #include "hosts/keldesk/model/desk_options.h"
+#include "hosts/keldesk/model/line_status.h"
 #include "hosts/keldesk/script_runner.h"
 #include "hosts/keldesk/terminal_host.h"
 #include "ui/model/recent_paths.h"
@@ -56,6 +58,9 @@ private:
     void toggle(HRESULT (STDMETHODCALLTYPE IKelTerminal3::*get)(VARIANT_BOOL*),
                 HRESULT (STDMETHODCALLTYPE IKelTerminal3::*put)(VARIANT_BOOL));
     void followScript(host::ScriptEvent event, const host::EventArguments& arguments);
+    void showLine();
+    HWND outputWindow() const;
+    void copyOutput();
     void close();
     void keepSettings();
 
@@ -72,6 +77,11 @@ private:
     std::unique_ptr<ListWindow> variables_;
     std::optional<Accelerators> accelerators_;
     ui::RecentPaths recent_;
+    // What runs, since when, and the wait that it asks for.
+    std::wstring runningScript_;
+    std::size_t runningLine_ = 0;
+    std::chrono::steady_clock::time_point lineStart_;
+    std::optional<Wait> wait_;
     // A dialog of the library works with the instrument.
     bool isInDialog_ = false;
     // The user has closed the window while a script ran.

@@ -24,6 +24,7 @@
 // Script.
 #define IDM_CANCEL_SCRIPT 150
 #define IDM_VARIABLES 151
+#define IDM_FINDINGS 152
 // View.
 #define IDM_OUTPUT_TEXT 160
 #define IDM_OUTPUT_BACKGROUND 161
@@ -34,5 +35,6 @@
 #define IDM_TIME_STAMPS 166
 #define IDM_CLEAR 167
 #define IDM_FIND 168
+#define IDM_COPY_OUTPUT 169
 // Help.
 #define IDM_ABOUT 180

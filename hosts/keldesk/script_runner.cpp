@@ -6,7 +6,7 @@
 
 #include "hosts/keldesk/wide.h"
 #include "hosts/shared/error_text.h"
-#include "hosts/shared/script_file.h"
+#include "hosts/shared/finding_writer.h"
 
 namespace kel::keldesk {
 namespace {
@@ -38,13 +38,17 @@ ScriptRunner::ScriptRunner(Instrument& instrument, HWND owner,
       say_(std::move(say)),
       findings_(
           owner, L"Errors and warnings",
-          {{L"Line", 50}, {L"Column", 60}, {L"Kind", 70}, {L"Message", 380}, {L"Script", 160}}) {}
+          {{L"Line", 50}, {L"Column", 60}, {L"Kind", 70}, {L"Message", 470}, {L"Script", 160}}) {}
 
-void ScriptRunner::list(const std::vector<host::Diagnostic>& found) {
+void ScriptRunner::list(const std::vector<host::Diagnostic>& found, const std::wstring& path,
+                        const host::ScriptFile& script) {
+    const std::string name = com::narrow(path, CP_UTF8);
+    host::FindingWriter writer(script, name, name);
     std::vector<ListWindow::Row> rows;
     for (const host::Diagnostic& one : found) {
         rows.push_back({numberOrNothing(one.line), numberOrNothing(one.column),
-                        one.isError ? L"Error" : L"Warning", wide(one.message), wide(one.file)});
+                        one.isError ? L"Error" : L"Warning", wide(writer.message(one)),
+                        wide(one.file)});
     }
     findings_.setRows(rows);
     if (!rows.empty()) findings_.show();
@@ -53,7 +57,7 @@ void ScriptRunner::list(const std::vector<host::Diagnostic>& found) {
 void ScriptRunner::check(const std::wstring& path) {
     const host::ScriptFile script = host::readScript(com::narrow(path, CP_UTF8));
     const auto found = instrument_.check(path, script.text);
-    list(found);
+    list(found, path, script);
     const std::size_t errors = errorsAmong(found);
     say_(wide(script.name) + L": " + counted(errors, L"error", L"errors") + L", " +
          counted(found.size() - errors, L"warning", L"warnings"));
@@ -64,23 +68,24 @@ void ScriptRunner::run(const std::wstring& path) {
     const std::wstring name = wide(script.name);
     const auto found = instrument_.check(path, script.text);
     if (const std::size_t errors = errorsAmong(found)) {
-        list(found);
+        list(found, path, script);
         const std::wstring question =
             name + L" has " + counted(errors, L"error", L"errors") + L". Run it in spite of that?";
         if (MessageBoxW(owner_, question.c_str(), L"KelDesk",
                         MB_YESNO | MB_DEFBUTTON2 | MB_ICONWARNING) != IDYES) {
+            findings_.show();  // the question was before it
             return say_(name + L" was not started");
         }
     }
-    say_(runToEnd(path, name, script.folder, script.text));
+    say_(runToEnd(path, script));
 }
 
-std::wstring ScriptRunner::runToEnd(const std::wstring& path, const std::wstring& name,
-                                    const std::wstring& folder, const std::wstring& text) {
+std::wstring ScriptRunner::runToEnd(const std::wstring& path, const host::ScriptFile& script) {
+    const std::wstring name = wide(script.name);
     const auto begin = std::chrono::steady_clock::now();
     std::string reason;
     try {
-        if (instrument_.run(path, folder, text))
+        if (instrument_.run(path, script.folder, script.text))
             return name + L" ran to its end (" + seconds(std::chrono::steady_clock::now() - begin) +
                    L")";
     } catch (const com::Error& error) {
@@ -90,7 +95,7 @@ std::wstring ScriptRunner::runToEnd(const std::wstring& path, const std::wstring
         return name + L" was cancelled after " + seconds(std::chrono::steady_clock::now() - begin);
     auto wrong = instrument_.lastRun();
     if (!reason.empty()) wrong.push_back({com::narrow(path, CP_UTF8), 0, 0, true, reason});
-    list(wrong);
+    list(wrong, path, script);
     return name + L" stopped on an error";
 }
 

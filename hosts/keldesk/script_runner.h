@@ -8,6 +8,7 @@
 
 #include "hosts/keldesk/instrument.h"
 #include "hosts/keldesk/list_window.h"
+#include "hosts/shared/script_file.h"
 
 namespace kel::keldesk {
 
@@ -22,10 +23,13 @@ public:
     void run(const std::wstring& path);
     void check(const std::wstring& path);
 
+    // Shows the list of the last check or run again.
+    void showFindings() { findings_.show(); }
+
 private:
-    std::wstring runToEnd(const std::wstring& path, const std::wstring& name,
-                          const std::wstring& folder, const std::wstring& text);
-    void list(const std::vector<host::Diagnostic>& found);
+    std::wstring runToEnd(const std::wstring& path, const host::ScriptFile& script);
+    void list(const std::vector<host::Diagnostic>& found, const std::wstring& path,
+              const host::ScriptFile& script);
 
     Instrument& instrument_;
     HWND owner_;

@@ -10,6 +10,7 @@
 
 #include "com/late_bound.h"
 #include "hosts/shared/model/diagnostic.h"
+#include "hosts/shared/model/failure.h"
 #include "interfaces/KelUtils.h"
 
 namespace kel::kelrun {
@@ -17,12 +18,24 @@ namespace kel::kelrun {
 // Where texts that the script prints go. What it throws is an exception of the script.
 using Print = std::function<void(std::wstring_view text)>;
 
+// An error in the outermost code.
+class HostScriptFailure : public host::Failure {
+public:
+    explicit HostScriptFailure(const host::Diagnostic& finding)
+        : Failure(host::ExitCode::kFailed, placeAndMessage(finding)), finding_(finding) {}
+
+    const host::Diagnostic& finding() const { return finding_; }
+
+private:
+    host::Diagnostic finding_;
+};
+
 // Is run once, when this is made; its functions are called later. The first error of one of them
 // cancels the run, and none is called any more. All members are called on one thread.
 class HostScript {
 public:
-    // `path` and `arguments` are UTF-8. Throws Failure (unreadable, not registered, an error in
-    // the script), com::Error.
+    // `path` and `arguments` are UTF-8. Throws HostScriptFailure, Failure (unreadable, not
+    // registered), com::Error.
     HostScript(const std::string& path, const std::vector<std::string>& arguments,
                const com::ComPtr<IPreprocessorControl>& preprocessor, Print print);
     ~HostScript();

@@ -28,8 +28,20 @@ using Clock = std::chrono::steady_clock;
 // How the script ended, and why: nothing when there is no more to tell, or more than one line.
 struct Ending {
     ExitCode code;
-    std::vector<std::string> reasons;
+    std::vector<Diagnostic> reasons;  // without a file: of no place in a script
     std::string words = {};
+};
+
+// What a run is made of; all of it outlives the run.
+struct Task {
+    const Options& options;
+    const ScriptFile& script;
+    const Preprocessor& preprocessor;
+    const std::vector<Diagnostic>& found;  // by the check
+    HostScript* hostScript;                // may be null
+    FindingWriter& writer;
+    RunLog& log;
+    ConsoleOutput& errors;
 };
 
 void say(ConsoleOutput& errors, const std::string& text) {
@@ -43,19 +55,18 @@ std::string seconds(Clock::duration time) {
 }
 
 // All that went wrong on the line on which a run ended; the first is the cause of the others.
-std::vector<std::string> endOfRun(const std::vector<Diagnostic>& wrong) {
-    std::vector<std::string> texts;
-    for (const Diagnostic& one : wrong) {
-        const Diagnostic& last = wrong.back();
-        if (one.line == last.line && one.file == last.file) texts.push_back(placeAndMessage(one));
-    }
-    return texts;
+std::vector<Diagnostic> endOfRun(std::vector<Diagnostic> wrong) {
+    if (wrong.empty()) return wrong;
+    const Diagnostic last = wrong.back();
+    std::erase_if(wrong, [&](const Diagnostic& one) {
+        return one.line != last.line || one.file != last.file;
+    });
+    return wrong;
 }
 
 // A failure of a component, which the preprocessor does not list among its errors.
-std::string reasonOf(const com::Error& error, const ScriptPlace& place) {
-    if (place.line == 0) return describe(error);
-    return placeAndMessage({place.file, place.line, 0, true, describe(error)});
+Diagnostic reasonOf(const com::Error& error, const ScriptPlace& place) {
+    return {place.line > 0 ? place.file : std::string(), place.line, 0, true, describe(error)};
 }
 
 // A link that fails because its wait was interrupted has still been cancelled.
@@ -81,7 +92,7 @@ Ending runScript(Session& session, const Preprocessor& preprocessor, const std::
     hostScript->runEnded(ending.code == ExitCode::kRan);
     if (!hostScript->error()) return ending;
     if (ending.code == ExitCode::kCancelled) ending.code = ExitCode::kFailed;
-    ending.reasons.insert(ending.reasons.begin(), placeAndMessage(*hostScript->error()));
+    ending.reasons.insert(ending.reasons.begin(), *hostScript->error());
     return ending;
 }
 
@@ -100,57 +111,84 @@ void printVariables(const Preprocessor& preprocessor, ConsoleOutput& errors) {
     if (output.isBroken()) say(errors, "the variables could not be shown to their end");
 }
 
-Ending runConnected(const Options& options, const ScriptFile& script,
-                    const Preprocessor& preprocessor, const Trace& trace, Transcript* transcript,
-                    HostScript* hostScript, ConsoleOutput& errors) {
-    Session session(options, preprocessor, trace, transcript, hostScript);
+Ending runConnected(const Task& task, const Trace& trace) {
+    Session session(task.options, task.preprocessor, trace, task.log.transcript(), task.hostScript);
     const auto start = Clock::now();
-    Ending ending = runScript(session, preprocessor, script.text, hostScript);
-    ending.words = endText(ending.code, options, script.name, Clock::now() - start);
-    if (hostScript && hostScript->error()) ending.code = ExitCode::kFailed;
-    if (!session.finishDialogue()) say(errors, "the dialogue could not be shown to its end");
+    Ending ending = runScript(session, task.preprocessor, task.script.text, task.hostScript);
+    ending.words = endText(ending.code, task.options, task.script.name, Clock::now() - start);
+    if (task.hostScript && task.hostScript->error()) ending.code = ExitCode::kFailed;
+    if (!session.finishDialogue()) say(task.errors, "the dialogue could not be shown to its end");
     return ending;
 }
 
 // A run that is not the recorded one has failed, also when the script has not noticed.
 void closeTrace(Trace& trace, Ending& ending) {
     for (const std::string& word : trace.close()) {
-        const bool isTold = std::ranges::any_of(ending.reasons, [&](const std::string& reason) {
-            return reason.find(word) != std::string::npos;
+        const bool isTold = std::ranges::any_of(ending.reasons, [&](const Diagnostic& reason) {
+            return reason.message.find(word) != std::string::npos;
         });
-        if (!isTold) ending.reasons.push_back(word);
+        if (!isTold) ending.reasons.push_back({{}, 0, 0, true, word});
         if (ending.code == ExitCode::kRan) ending.code = ExitCode::kFailed;
     }
 }
 
-ExitCode runToEnd(const Options& options, const ScriptFile& script,
-                  const Preprocessor& preprocessor, RunLog& log, HostScript* hostScript,
-                  ConsoleOutput& errors) {
-    Trace trace(options);
-    Ending ending =
-        runConnected(options, script, preprocessor, trace, log.transcript(), hostScript, errors);
+void tellReasons(const Task& task, const Ending& ending) {
+    for (const Diagnostic& reason : ending.reasons) {
+        if (reason.file.empty()) {
+            say(task.errors, reason.message);
+        } else {
+            task.errors.write(task.writer.text(reason));
+        }
+    }
+}
+
+std::string shortWords(const Diagnostic& reason) {
+    return reason.file.empty() ? reason.message : placeAndMessage(reason);
+}
+
+ExitCode runToEnd(const Task& task) {
+    Trace trace(task.options);
+    Ending ending = runConnected(task, trace);
     closeTrace(trace, ending);
 
-    log.ended(ending.code, ending.reasons.empty() ? ending.words : ending.reasons.front());
-    if (options.printVariables) printVariables(preprocessor, errors);
-    for (const std::string& reason : ending.reasons)
-        say(errors, reason);
-    if (ending.code != ExitCode::kRan || !options.quiet) say(errors, ending.words);
+    task.log.ended(ending.code,
+                   ending.reasons.empty() ? ending.words : shortWords(ending.reasons.front()));
+    if (task.options.printVariables) printVariables(task.preprocessor, task.errors);
+    tellReasons(task, ending);
+    if (ending.code != ExitCode::kRan || !task.options.quiet) say(task.errors, ending.words);
+    if (ending.code == ExitCode::kFailed) {
+        const std::string more = tellOfWarnings(task.found, ending.reasons);
+        if (!more.empty()) say(task.errors, more);
+    }
     return ending.code;
 }
 
-ExitCode runLogged(const Options& options, const ScriptFile& script,
-                   const Preprocessor& preprocessor, RunLog& log, HostScript* hostScript,
-                   ConsoleOutput& errors) {
+ExitCode runLogged(const Task& task) {
     try {
-        return runToEnd(options, script, preprocessor, log, hostScript, errors);
+        return runToEnd(task);
     } catch (const Failure& failure) {
-        log.ended(failure.code(), failure.what());
+        task.log.ended(failure.code(), failure.what());
         throw;
     } catch (const com::Error& error) {
-        log.ended(ExitCode::kFailed, describe(error));
+        task.log.ended(ExitCode::kFailed, describe(error));
         throw;
     }
+}
+
+// A script with errors.
+ExitCode refuse(const Task& task, std::size_t count) {
+    const std::string name = task.preprocessor.scriptName();
+    for (const Diagnostic& one : task.found) {
+        if (!one.isError || !task.log.transcript()) continue;
+        task.log.transcript()->errorFound(name, one.line, one.column, hosts::toUtf16(one.message));
+    }
+    const std::string words = task.script.name + " was not started: it has " +
+                              std::to_string(count) + (count == 1 ? " error" : " errors");
+    task.log.ended(ExitCode::kFailed, words);
+    say(task.errors, words + " (--keep-going runs it anyway)");
+    if (const std::string more = tellOfWarnings(task.found, {}); !more.empty())
+        say(task.errors, more);
+    return ExitCode::kFailed;
 }
 
 // Where a host script prints before there is a dialogue: a check has the output for itself.
@@ -161,21 +199,6 @@ Print printBeforehand(const Options& options, ConsoleOutput& errors) {
         ConsoleOutput output(STD_OUTPUT_HANDLE);
         (options.check ? errors : output).write(DialogueText().next(line + u"\n"));
     };
-}
-
-// A script with errors.
-ExitCode refuse(const ScriptFile& script, const std::string& name,
-                const std::vector<Diagnostic>& wrong, RunLog& log, ConsoleOutput& errors) {
-    for (const Diagnostic& one : wrong) {
-        if (!log.transcript()) break;
-        log.transcript()->errorFound(name, one.line, one.column, hosts::toUtf16(one.message));
-    }
-    const std::string words = script.name + " was not started: it has " +
-                              std::to_string(wrong.size()) +
-                              (wrong.size() == 1 ? " error" : " errors");
-    log.ended(ExitCode::kFailed, words);
-    say(errors, words + " (--keep-going runs it anyway)");
-    return ExitCode::kFailed;
 }
 
 }  // namespace
@@ -189,20 +212,25 @@ ExitCode run(const Options& options, ConsoleOutput& errors) {
     const com::Apartment apartment;
     const auto manifest = manifestBesideProgram();
     const Preprocessor preprocessor(options, script.folder);
+    FindingWriter writer(script, options.script, preprocessor.scriptName());
     std::optional<HostScript> hostScript;
-    if (!options.hostScript.empty()) {
-        hostScript.emplace(options.hostScript, options.arguments, preprocessor.control(),
-                           printBeforehand(options, errors));
+    try {
+        if (!options.hostScript.empty()) {
+            hostScript.emplace(options.hostScript, options.arguments, preprocessor.control(),
+                               printBeforehand(options, errors));
+        }
+    } catch (const HostScriptFailure& failure) {
+        errors.write(writer.text(failure.finding()));
+        return failure.code();
     }
-    if (options.check) return showCheck(options, script, preprocessor, errors);
+    const std::vector<Diagnostic> found = preprocessor.check(script.text);
+    if (options.check) return showCheck(options, found, writer, errors);
 
-    const std::vector<Diagnostic> wrong = showErrors(script, preprocessor, errors);
-    const std::string name = preprocessor.scriptName();
-    RunLog log(options, name, script.text);
-    const ExitCode code = wrong.empty() || options.keepGoing
-                              ? runLogged(options, script, preprocessor, log,
-                                          hostScript ? &*hostScript : nullptr, errors)
-                              : refuse(script, name, wrong, log, errors);
+    const std::size_t count = showErrors(found, writer, errors);
+    RunLog log(options, preprocessor.scriptName(), script.text);
+    const Task task{options, script, preprocessor, found, hostScript ? &*hostScript : nullptr,
+                    writer,  log,    errors};
+    const ExitCode code = count == 0 || options.keepGoing ? runLogged(task) : refuse(task, count);
     for (const std::string& one : log.incomplete())
         say(errors, "the " + one + " could not be written to its end");
     return code;

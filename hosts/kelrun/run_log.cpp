@@ -65,7 +65,7 @@ RunLog::RunLog(const Options& options, std::string scriptName, std::wstring_view
     if (!transcriptFile_ && !report_) return;
     transcript_.emplace([this] { return milliseconds(); },
                         [this](const Entry& entry) { tell(entry); }, std::move(scriptName),
-                        SourceText(source));
+                        host::SourceText(source));
 }
 
 void RunLog::ended(ExitCode code, std::string_view words) {

@@ -55,6 +55,14 @@ std::size_t EventArguments::number(UINT index) const {
     return static_cast<std::size_t>(com::Variant(at(index)).convertedTo(VT_I4).get().lVal);
 }
 
+com::ComPtr<IFlatCollection> EventArguments::collection(UINT index) const {
+    const VARIANT& value = at(index);
+    com::ComPtr<IFlatCollection> items;
+    if (value.vt != VT_DISPATCH || !value.pdispVal) throw com::Error(DISP_E_TYPEMISMATCH);
+    com::check(value.pdispVal->QueryInterface(IID_PPV_ARGS(&items)));
+    return items;
+}
+
 ScriptEvents::ScriptEvents(const com::ComPtr<IPreprocessorControl>& preprocessor,
                            Listener listener) {
     com::ComPtr<IConnectionPointContainer> container;

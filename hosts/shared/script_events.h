@@ -34,6 +34,7 @@ public:
     std::wstring text(UINT index) const;
     std::string utf8(UINT index) const;
     std::size_t number(UINT index) const;
+    com::ComPtr<IFlatCollection> collection(UINT index) const;
 
 private:
     const VARIANT& at(UINT index) const;

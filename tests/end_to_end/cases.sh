@@ -43,21 +43,28 @@ test_connects_as_the_last_time() {
 }
 
 test_stops_failing_scripts() {
-    local text place message path
+    local text place message caret path
     instrument tcp
-    while IFS='|' read -r text place message; do
+    while IFS='|' read -r text place message caret; do
         path=$(script fails.kel "$text")
         kelrun 1 "$path" "${connection[@]}"
         expect "$output" "ERROR: $message"
-        expect "$errors" "kelrun: $path:$place: $message" 'kelrun: fails.kel stopped on an error'
+        expect "$errors" "$path:$place: error: $message" "$caret" 'kelrun: fails.kel stopped on an error'
         kelrun 1 "$path" "${connection[@]}" --quiet
         [[ ! -s $output ]] || give_up "a dialogue in spite of --quiet"
         expect "$errors" "ERROR: $message" 'kelrun: fails.kel stopped on an error'
     done <<'ROWS'
-ver\n%nosuch|2:2|Variable not found: nosuch
-@x=nosuch()|1:4|Unknown function: nosuch
-#NOSUCH|1:1|Unknown preprocessor directive: NOSUCH
+ver\n%nosuch|2:2|Variable not found: nosuch| ^
+@x=nosuch()|1:4|Unknown function: nosuch|   ^
+@x=no|1:4|Variable not found: no|   ^ a text needs double quotes: "no"
+#NOSUCH|1:1|Unknown preprocessor directive: NOSUCH|^
 ROWS
+    # Of a further script; and what else is to be found.
+    script inner.kel 'ver\n@x=no\n' >/dev/null
+    kelrun 1 "$(script fails.kel '#RUNSCRIPT inner.kel\nset %depth\n')" "${connection[@]}"
+    expect "$errors" "$(windows_path "$folder/inner.kel"):2:4: error: Variable not found: no" '@x=no' \
+        '   ^ a text needs double quotes: "no"' 'kelrun: fails.kel stopped on an error' \
+        'kelrun: --check shows 1 warning besides'
 }
 
 test_checks_scripts_without_running_them() {
@@ -86,8 +93,8 @@ test_does_not_start_scripts_with_errors() {
     path=$(script wrong.kel 'ver\n#MSGBOX "x\n%nosuch\n')
     kelrun 1 "$path" "${connection[@]}"
     expect "$errors" "$path:2:9: error: Unterminated string" '#MSGBOX "x' '        ^' \
-        'kelrun: wrong.kel was not started: it has 1 error (...'
-    ! grep -q warning "$errors" && [[ ! -s $output ]] || give_up "more than the error"
+        'kelrun: wrong.kel was not started: it has 1 error (...' 'kelrun: --check shows 1 warning besides'
+    ! grep -q 'warning:' "$errors" && [[ ! -s $output ]] || give_up "more than the error"
     kelrun 1 "$path" "${connection[@]}" --keep-going
     expect "$output" 'ERROR: Unterminated string' "$firmware" 'ERROR: Variable not found: nosuch'
 }
@@ -98,9 +105,9 @@ test_answers_questions() {
     kelrun 0 "$path" --answer msgbox=ok --answer 'depth=12' --answer 'Rig=b c' --print-variables
     expect "$output" depth=12 'rig=b c'
     kelrun 1 "$path" --answer msgbox=ok
-    expect "$errors" "kelrun: $path:2:1: No answer was set for depth"
+    expect "$errors" "$path:2:1: error: No answer was set for depth"
     kelrun 1 "$path"
-    expect "$errors" "kelrun: $path:1:1: No answer was set for msgbox"
+    expect "$errors" "$path:1:1: error: No answer was set for msgbox"
 }
 
 test_prints_variables_also_of_a_failed_run() {
@@ -179,8 +186,8 @@ test_records_and_replays() {
     kelrun 0 "$path" "${connection[@]}" --replay "$recording" --speed 0
     diff "$dialogue" "$output" >&2 || give_up "another dialogue"
     kelrun 1 "$(script ver.kel 'ver\n#WAIT 5\nstatus\n')" "${connection[@]}" --replay "$recording" --speed 0
-    expect "$errors" "kelrun: $path:3: The replay leaves its recording at $path, line 3: ..."
-    [[ $(wc -l <"$errors") == 2 ]] || give_up "the difference is told twice"
+    expect "$errors" "$path:3: error: The replay leaves its recording at $path, line 3: ..."
+    [[ $(grep -c 'leaves its recording' "$errors") == 1 ]] || give_up "the difference is told twice"
     kelrun 1 "$(script ver.kel 'ver\n')" "${connection[@]}" --replay "$recording" --speed 0
     expect "$errors" "kelrun: The replay leaves its recording at $path, line 1: ..."
     kelrun 2 "$path" --replay "$path"
@@ -343,16 +350,16 @@ test_tells_errors_of_a_host_script() {
     while IFS='|' read -r expected place text; do
         host=$(script host.js "function f(n) { return 1; }\nextender.SetHandlers(f, f);\nextender.InstallFunction('tide'); extender.InstallDirective('ODD');\n$text")
         kelrun "$expected" "$path" --host "$host" --print-variables
-        expect "$errors" "kelrun: ${place/#HOST/$host}"
+        expect "$errors" "${place/#HOST/$host}"
     done <<'ROWS'
-0|asks.kel ran to its end...|
-1|HOST:4:9: Syntax error|var a = ;
-1|HOST:5:3: Object expected|\n  noSuch();
-1|HOST:5:3: no tide|function onRunStarted() {\n  throw new Error('no tide');\n}
-1|HOST:4:53: no tide|function onLineStarted(file, line) { if (line == 3) throw new Error('no tide'); }
-1|HOST:4:34: Object expected|function onRunEnded(succeeded) { noSuch(); }
-1|HOST:4:19: 'nothing'...|f = function () { return nothing.here; };\nextender.SetHandlers(f, f);
-1|HOST:4:1: The command line has no argument 0|commandLine.Item(0);
+0|kelrun: asks.kel ran to its end...|
+1|HOST:4:9: error: Syntax error|var a = ;
+1|HOST:5:3: error: Object expected|\n  noSuch();
+1|HOST:5:3: error: no tide|function onRunStarted() {\n  throw new Error('no tide');\n}
+1|HOST:4:53: error: no tide|function onLineStarted(file, line) { if (line == 3) throw new Error('no tide'); }
+1|HOST:4:34: error: Object expected|function onRunEnded(succeeded) { noSuch(); }
+1|HOST:4:19: error: 'nothing'...|f = function () { return nothing.here; };\nextender.SetHandlers(f, f);
+1|HOST:4:1: error: The command line has no argument 0|commandLine.Item(0);
 ROWS
     ! grep -q . "$output" || give_up "ran in spite of the error"
     host=$(script host.js "dialogue.print('ready');")
@@ -376,7 +383,7 @@ test_replays_an_example() {
         give_up "another dialogue"
     changed=$(script offsets.kel "$(sed s/10.132/10.2/ "$kel_root/examples/offsets.kel")")
     kelrun 1 "$changed" --port COM3 --replay "$recording" --speed 0
-    expect "$errors" "kelrun: $changed:15: The replay leaves its recording..."
+    expect "$errors" "$changed:15: error: The replay leaves its recording..."
 }
 
 test_tells_which_component_is_not_registered() {
@@ -559,7 +566,7 @@ test_runs_without_a_connection() {
     kelrun 0 "$(script expressions.kel '@x="1"\n')" --quiet
     [[ ! -s $errors ]] || give_up "closing words in spite of --quiet"
     kelrun 1 "$(script ver.kel '@x="1"\nver\n')"
-    expect "$errors" "kelrun: $(windows_path "$folder/ver.kel"):2: The port is not open (IKelStream, 0x80004005)" \
+    expect "$errors" "$(windows_path "$folder/ver.kel"):2: error: The port is not open (IKelStream, 0x80004005)" ver \
         'kelrun: ver.kel stopped on an error (neither --port nor --tcp was given)'
 }
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "hosts/kelrun/model/source_text.h"
+#include "hosts/shared/model/source_text.h"
 
 namespace kel::kelrun {
 
@@ -34,7 +34,7 @@ public:
     using Tell = std::function<void(const Entry&)>;
 
     // `script` is the name under which the events tell of the lines of `source`.
-    Transcript(Milliseconds now, Tell tell, std::string script, SourceText source)
+    Transcript(Milliseconds now, Tell tell, std::string script, host::SourceText source)
         : now_(std::move(now)),
           tell_(std::move(tell)),
           script_(std::move(script)),
@@ -66,7 +66,7 @@ private:
     Milliseconds now_;
     Tell tell_;
     std::string script_;
-    SourceText source_;
+    host::SourceText source_;
     std::string file_;
     std::size_t line_ = 0;
     std::deque<std::u16string> expected_;  // messages that may be shown, in their order

@@ -27,7 +27,7 @@ protected:
                               report.tell(entry);
                               expectWholePage();
                           },
-                          "a<b>.kel", SourceText(L"ver\n#MSGBOX \"<b>\" & '\n%nosuch")};
+                          "a<b>.kel", host::SourceText(L"ver\n#MSGBOX \"<b>\" & '\n%nosuch")};
 
     void expectWholePage() const {
         EXPECT_TRUE(page.ends_with("</tr>\n</table>\n</body>\n</html>\n")) << page.substr(5000);

@@ -2,13 +2,14 @@
 #include <algorithm>
 
 #include "hosts/keldesk/model/desk_options.h"
+#include "hosts/keldesk/model/line_status.h"
 #include "hosts/keldesk/model/recent_menu.h"
 #include "hosts/kelrun/model/dialogue_text.h"
 #include "hosts/kelrun/model/options.h"
-#include "hosts/kelrun/model/source_text.h"
 #include "hosts/model/unicode.h"
 #include "hosts/shared/model/address.h"
 #include "hosts/shared/model/failure.h"
+#include "hosts/shared/model/source_text.h"
 #include "hosts/trace/model/speed.h"
 #include "hosts/trace/model/trace_text.h"
 #include "tests/core/models/subject.h"
@@ -85,11 +86,24 @@ const Subject kAddress("address", [](Words& words) {
 const Subject kCaret("caret in a script", [](Words& words) {
     static const std::wstring text =
         L"one\r\n\ttwo\r\x00FC\x6F22x\n\ne\x0301x\x1Bz\n\xD83C\xDF0Ax\n" + std::wstring(501, L'x');
-    static kelrun::SourceText source(text);
+    static host::SourceText source(text);
     const auto line = words.number<std::size_t>();
-    return source.excerpt(line, words.number<std::size_t>(), [](std::u16string_view character) {
+    const auto column = words.number<std::size_t>();
+    const auto bytesOf = [](std::u16string_view character) {
         return std::size_t{1} + (character[0] > 0xFF && character[0] != 0x0301);
-    });
+    };
+    const std::vector<std::string> hint = words.all();
+    return source.excerpt(line, column, bytesOf, hint.empty() ? "" : hint[0]);
+});
+
+// Line 7 of a script: the seconds that have gone, and those of a wait, or of one that may end
+// earlier.
+const Subject kLineStatus("line that runs", [](Words& words) {
+    const auto elapsed = words.number<long>();
+    const std::vector<std::string> wait = words.all();
+    std::optional<keldesk::Wait> waited;
+    if (!wait.empty()) waited = {std::stol(wait[0]), wait.size() > 1};
+    return narrow(keldesk::lineStatus(L"C:\\sea\\a.kel", 7, elapsed, waited));
 });
 
 // The readable text, which is the same however the text is cut. A tilde stands for U+0085.

@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 #include <winsock2.h>
 
+#include <commctrl.h>
+
 #include <filesystem>
 #include <fstream>
+#include <set>
 
 #include "com/handles.h"
 #include "com/text.h"
@@ -83,6 +86,18 @@ protected:
             << com::narrow(text) << " is not in: " << com::narrow(shown());
     }
 
+    // A part of the status bar, which writes it into the memory of its own process.
+    std::wstring status(WPARAM part) const {
+        wchar_t text[128] = L"";
+        void* const there =
+            VirtualAllocEx(process_.get(), nullptr, sizeof text, MEM_COMMIT, PAGE_READWRITE);
+        const HWND bar = FindWindowExW(window_, nullptr, STATUSCLASSNAMEW, nullptr);
+        SendMessageW(bar, SB_GETTEXTW, part, reinterpret_cast<LPARAM>(there));
+        ReadProcessMemory(process_.get(), there, text, sizeof text - sizeof *text, nullptr);
+        VirtualFreeEx(process_.get(), there, 0, MEM_RELEASE);
+        return text;
+    }
+
     void answer(const wchar_t* title, int button) const {
         const HWND question = waitForWindow(L"#32770", title);
         PostMessageW(question, WM_COMMAND, static_cast<WPARAM>(button), 0);
@@ -107,12 +122,53 @@ protected:
     HWND window_ = nullptr;
 };
 
+std::wstring clipboardText() {
+    if (!OpenClipboard(nullptr)) return {};
+    const HANDLE data = GetClipboardData(CF_UNICODETEXT);
+    const auto* text = data ? static_cast<const wchar_t*>(GlobalLock(data)) : nullptr;
+    const std::wstring copied = text ? text : L"";
+    if (text) GlobalUnlock(data);
+    CloseClipboard();
+    return copied;
+}
+
+// Adds what is wrong with the mnemonics of a menu, those below it included.
+void lookOver(HMENU menu, std::set<std::wstring>& faults) {
+    std::set<wchar_t> mnemonics;
+    for (int i = 0; i < GetMenuItemCount(menu); ++i) {
+        wchar_t text[100] = L"";
+        GetMenuStringW(menu, static_cast<UINT>(i), text, static_cast<int>(std::size(text)),
+                       MF_BYPOSITION);
+        const std::wstring_view item = text;
+        const auto mark = item.find(L'&');
+        const bool isEntry = !item.empty() && item != L"(none)";
+        if (isEntry && (mark == std::wstring_view::npos ||
+                        !mnemonics.insert(static_cast<wchar_t>(towlower(item[mark + 1]))).second))
+            faults.emplace(item);
+        if (const HMENU below = GetSubMenu(menu, i)) lookOver(below, faults);
+    }
+}
+
+TEST(KeldeskMenuTest, EveryEntryHasAKeyOfItsOwn) {
+    const HMODULE program =
+        LoadLibraryExW(com::widen(KEL_DESK).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    const HMENU menu = LoadMenuW(program, MAKEINTRESOURCEW(IDR_DESK));
+    ASSERT_GT(GetMenuItemCount(menu), 0);
+    std::set<std::wstring> faults;
+    lookOver(menu, faults);
+    EXPECT_EQ(faults, std::set<std::wstring>());
+    DestroyMenu(menu);
+    FreeLibrary(program);
+}
+
 TEST_F(KeldeskTest, SendsWhatIsTyped) {
     start();
     ASSERT_NE(part(kCommandLine), nullptr);
     SendMessageW(part(kCommandLine), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"sernum"));
     PostMessageW(GetWindow(part(kCommandLine), GW_CHILD), WM_KEYDOWN, VK_RETURN, 0);
     expectShown(L"Serial Number: D123");
+    PostMessageW(window_, WM_COMMAND, IDM_COPY_OUTPUT, 0);
+    EXPECT_TRUE(waitUntil([] { return clipboardText().find(L"D123") != std::wstring::npos; }));
     PostMessageW(window_, WM_COMMAND, IDM_DISCONNECT, 0);
     waitForWindow(L"KelDesk", L"KelDesk");
     PostMessageW(window_, WM_CLOSE, 0, 0);
@@ -122,6 +178,8 @@ TEST_F(KeldeskTest, SendsWhatIsTyped) {
 TEST_F(KeldeskTest, StaysLiveWhileAScriptWaitsAndAsksBeforeItStopsIt) {
     start(script("sernum\n#WAIT_OK 20\n#WAIT 600\n"));
     expectShown(L"Serial Number: D123");
+    EXPECT_TRUE(
+        waitUntil([&] { return status(1).starts_with(L"keldesk test.kel, line 2, at most 1"); }));
     // The window answers, and a second run is refused.
     PostMessageW(window_, WM_COMMAND, IDM_VARIABLES, 0);
     waitForWindow(L"KelDeskList", L"Variables");
@@ -136,7 +194,11 @@ TEST_F(KeldeskTest, StaysLiveWhileAScriptWaitsAndAsksBeforeItStopsIt) {
 
 TEST_F(KeldeskTest, ListsWhatIsWrong) {
     start(script("@x=nosuch()\n"));
-    waitForWindow(L"KelDeskList", L"Errors and warnings");
+    const HWND list = waitForWindow(L"KelDeskList", L"Errors and warnings");
+    PostMessageW(list, WM_CLOSE, 0, 0);
+    EXPECT_TRUE(waitUntil([&] { return !IsWindowVisible(list); }));
+    PostMessageW(window_, WM_COMMAND, IDM_FINDINGS, 0);
+    EXPECT_EQ(waitForWindow(L"KelDeskList", L"Errors and warnings"), list);
     PostMessageW(window_, WM_CLOSE, 0, 0);
     expectExit(0);
 }

@@ -1,9 +1,10 @@
-// Opens every window of the library and takes its picture.
+// Opens every window of the library, takes its picture, and looks it over at this resolution.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 
 #include "com/text.h"
+#include "tests/wine/support/dialog_faults.h"
 #include "tests/wine/support/openings.h"
 #include "tests/wine/support/picture.h"
 
@@ -17,7 +18,10 @@ TEST(Pictures, OfEveryWindow) {
     for (const Opening& opening : readOpenings()) {
         SCOPED_TRACE(opening.name);
         const std::wstring path = com::widen(std::string(folder) + "\\" + opening.name + ".png");
-        open(opening, [&](HWND window) { savePicture(window, path); });
+        open(opening, [&](HWND window) {
+            savePicture(window, path);
+            EXPECT_EQ(faultsOf(window), std::vector<std::string>());
+        });
     }
 }
 

@@ -24,8 +24,25 @@ struct Control {
     bool is(const wchar_t* name) const { return _wcsicmp(className.c_str(), name) == 0; }
     DWORD buttonKind() const { return is(L"Button") ? style & BS_TYPEMASK : ~0u; }
     bool isFrame() const { return buttonKind() == BS_GROUPBOX; }
-    bool needsLabel() const {
+    bool isField() const {
         return is(L"Edit") || is(L"ComboBox") || is(L"SysListView32") || is(L"SysTreeView32");
+    }
+    bool isPicture() const {
+        const DWORD kind = style & SS_TYPEMASK;
+        return is(L"Static") && (kind == SS_ICON || kind == SS_BITMAP || kind == SS_OWNERDRAW ||
+                                 kind == SS_ENHMETAFILE);
+    }
+    // A label stands in the place of a text of its own; the text of a field is its value.
+    bool isNamed(const Control* before) const {
+        if (!isField() && !text.empty()) return true;
+        return before && before->is(L"Static") && !before->isPicture() && !before->text.empty();
+    }
+    bool needsName() const {
+        return isField() || isPicture() || is(L"Button") || is(L"msctls_progress32");
+    }
+    bool isUsed() const {
+        if (is(L"Button")) return !isFrame();
+        return isField() && !(is(L"Edit") && (style & ES_READONLY));
     }
     std::string name() const {
         return com::narrow(className) + " " + std::to_string(GetDlgCtrlID(window)) + " '" +
@@ -100,6 +117,17 @@ bool isReadBefore(const Control& left, const Control& right) {
     return left.place.left < right.place.left;
 }
 
+// The arrow keys go on from a stop to the rest of its group.
+bool isReached(const std::vector<Control>& controls, const Control& control) {
+    const auto begins = [](const Control& one) { return (one.style & WS_GROUP) != 0; };
+    const auto place = controls.begin() + (&control - controls.data());
+    const auto before =
+        std::find_if(std::make_reverse_iterator(place + 1), controls.rend(), begins);
+    const auto begin = before == controls.rend() ? controls.begin() : before.base() - 1;
+    return std::any_of(begin, std::find_if(place + 1, controls.end(), begins),
+                       [](const Control& one) { return (one.style & WS_TABSTOP) != 0; });
+}
+
 }  // namespace
 
 std::vector<std::string> faultsOf(HWND dialog) {
@@ -129,9 +157,10 @@ std::vector<std::string> faultsOf(HWND dialog) {
             if (!isNew && !shareMnemonic(*known->second, control))
                 faults.push_back(control.name() + " has the mnemonic of " + known->second->name());
         }
-        if (control.needsLabel() &&
-            (!previous || !previous->is(L"Static") || previous->text.empty()))
+        if (control.needsName() && !control.isNamed(previous))
             faults.push_back(control.name() + " has no label");
+        if (control.isUsed() && control.isVisible && !isReached(controls, control))
+            faults.push_back(control.name() + " cannot be reached with the keys");
         if (control.style & WS_TABSTOP) {
             if (lastStop && !isReadBefore(*lastStop, control))
                 faults.push_back(control.name() + " is reached after " + lastStop->name());

@@ -9,8 +9,9 @@
 namespace kel::test {
 
 // What is wrong with the controls of a dialog: texts that do not fit, controls that overlap or
-// stick out, one mnemonic for two of them, a field without a label, a tab order that is not the
-// order of reading. Empty when all is well.
+// stick out, one mnemonic for two of them, a field, button, picture or bar that a screen reader
+// could not name, one that the keys do not reach, a tab order that is not the order of reading.
+// Empty when all is well.
 std::vector<std::string> faultsOf(HWND dialog);
 
 }  // namespace kel::test

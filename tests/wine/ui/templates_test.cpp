@@ -51,6 +51,8 @@ TEST(TemplatesTest, EveryFaultIsFound) {
     description.add({L"EDIT", L"", kStop, 0, {4, 40, 60, 12}, 3});
     description.add({L"BUTTON", L"&No && yes", kStop, 0, {4, 20, 50, 14}, 4});
     description.add({L"BUTTON", L"Near", kStop, 0, {180, 60, 40, 14}, 5});
+    description.add({L"STATIC", L"", kShown | SS_BITMAP, 0, {4, 60, 12, 12}, 6});
+    description.add({L"BUTTON", L"", kShown | WS_GROUP | BS_OWNERDRAW, 0, {20, 60, 30, 14}, 7});
     const HWND dialog = CreateDialogIndirectParamW(nullptr, description.get(), nullptr, ignore, 0);
     EXPECT_EQ(faultsOf(dialog),
               (std::vector<std::string>{
@@ -60,6 +62,9 @@ TEST(TemplatesTest, EveryFaultIsFound) {
                   "Button 4 '&No && yes' has the mnemonic of Static 1 '&Name of the instrument'",
                   "Button 4 '&No && yes' is reached after Edit 3 ''",
                   "Button 5 'Near' sticks out",
+                  "Static 6 '' has no label",
+                  "Button 7 '' has no label",
+                  "Button 7 '' cannot be reached with the keys",
               }));
 }
 

@@ -1,11 +1,11 @@
-#include "hosts/kelrun/model/source_text.h"
+#include "hosts/shared/model/source_text.h"
 
 #include <algorithm>
 
 #include "hosts/model/unicode.h"
 #include "hosts/shared/model/visible_text.h"
 
-namespace kel::kelrun {
+namespace kel::host {
 namespace {
 
 constexpr std::size_t kLongestShown = 500;
@@ -48,10 +48,15 @@ std::u16string SourceText::line(std::size_t number) {
     return {line.begin(), line.end()};
 }
 
-std::string SourceText::excerpt(std::size_t number, std::size_t column, const ByteCount& bytesOf) {
+std::string SourceText::excerpt(std::size_t number, std::size_t column, const ByteCount& bytesOf,
+                                std::string_view hint) {
     if (!moveTo(number) || end_ == start_ || end_ - start_ > kLongestShown) return {};
     const std::u16string text = line(number);
-    return host::oneLine(hosts::toUtf8(text)) + '\n' + caretLine(text, column, bytesOf) + '\n';
+    std::string excerpt = oneLine(hosts::toUtf8(text)) + '\n';
+    if (column == 0) return excerpt;
+    excerpt += caretLine(text, column, bytesOf);
+    if (!hint.empty()) excerpt.append(1, ' ').append(hint);
+    return excerpt + '\n';
 }
 
 bool SourceText::moveTo(std::size_t number) {
@@ -69,4 +74,4 @@ std::size_t SourceText::findEnd() const {
     return std::min(text_.find_first_of(kLineEnds, start_), text_.size());
 }
 
-}  // namespace kel::kelrun
+}  // namespace kel::host

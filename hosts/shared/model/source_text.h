@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace kel::kelrun {
+namespace kel::host {
 
 // How many bytes a character takes in the user's code page.
 using ByteCount = std::function<std::size_t(std::u16string_view character)>;
@@ -20,9 +20,11 @@ public:
     // A line without its end, counted from 1; empty when there is none. CR LF, LF and CR end lines.
     std::u16string line(std::size_t number);
 
-    // The line and, below it, a caret under the character to which the byte at `column` (from 1)
-    // belongs; each with a line feed. Empty when there is no such line, or it is too long to show.
-    std::string excerpt(std::size_t number, std::size_t column, const ByteCount& bytesOf);
+    // The line and, below it, a caret under the character to which the byte at `column` (from 1; 0:
+    // no caret) belongs, and behind that a hint, which may be empty; each line with a line feed.
+    // Empty when there is no such line, or it is too long to show.
+    std::string excerpt(std::size_t number, std::size_t column, const ByteCount& bytesOf,
+                        std::string_view hint = {});
 
 private:
     bool moveTo(std::size_t number);
@@ -34,4 +36,4 @@ private:
     std::size_t end_;
 };
 
-}  // namespace kel::kelrun
+}  // namespace kel::host
