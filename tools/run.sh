@@ -1,10 +1,10 @@
 # Runs an instrument script through kelrun, against the virtual instrument or a real one.
 
-# Reads the arguments of `run`; sets script, device, port, tcp, needs_line, options and, for what
-# stands after `--`, arguments. Only what this machine sees differently from Windows programs is
+# Reads the arguments of `run`; sets script, diagnose, device, port, tcp, needs_line, options and, for
+# what stands after `--`, arguments. Only what this machine sees differently from Windows programs is
 # looked at, the rest is kelrun's affair.
 read_run_arguments() {
-    script='' device='' port='' tcp='' needs_line=yes options=() arguments=()
+    script='' diagnose='' device='' port='' tcp='' needs_line=yes options=() arguments=()
     while (($# > 0)); do
         if [[ $1 == -- ]]; then
             shift
@@ -22,6 +22,7 @@ read_run_arguments() {
                 shift
                 ;;
             --last) needs_line=last options+=("$1") ;;
+            --diagnose) needs_line=no diagnose=yes options+=("$1") ;;
             --check | --help | --version) needs_line=no options+=("$1") ;;
             -*) options+=("$1") ;;
             *)
@@ -69,7 +70,7 @@ check_run_arguments() {
 
 # Sets up and builds what a run needs, then runs; ends with the exit code of kelrun.
 run_script() {
-    local script device port tcp needs_line options arguments program=$kel_build/win32/hosts/kelrun/kelrun.exe
+    local script diagnose device port tcp needs_line options arguments program=$kel_build/win32/hosts/kelrun/kelrun.exe
     read_run_arguments "$@"
     check_run_arguments
 
@@ -82,6 +83,7 @@ run_script() {
     register_libraries
     unlock_build
 
+    [[ -z $diagnose ]] || run_program "$program" "${options[@]}"
     if [[ $needs_line == no || $needs_line == last ]]; then
         run_program "$program" "$(windows_path "$script")" "${options[@]}" -- "${arguments[@]}"
     fi

@@ -9,6 +9,7 @@
 
 #include "com/text.h"
 #include "hosts/keldesk/main_window.h"
+#include "hosts/shared/activation_context.h"
 #include "hosts/shared/error_text.h"
 #include "hosts/shared/model/failure.h"
 
@@ -34,14 +35,15 @@ int fail(host::ExitCode code, const std::string& text) {
 int runDesk() {
     try {
         const keldesk::DeskOptions options = keldesk::parseDeskOptions(programArguments());
+        const auto manifest = host::manifestBesideProgram();
         keldesk::MainWindow(options).run(options);
         return 0;
     } catch (const host::Failure& failure) {
         return fail(failure.code(), failure.what());
     } catch (const com::Error& error) {
-        return fail(host::ExitCode::kScriptFailed, host::describe(error));
+        return fail(host::ExitCode::kFailed, host::describe(error));
     } catch (const std::exception& error) {
-        return fail(host::ExitCode::kScriptFailed, error.what());
+        return fail(host::ExitCode::kFailed, error.what());
     }
 }
 

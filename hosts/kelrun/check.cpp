@@ -31,8 +31,7 @@ ExitCode showCheck(const Options& options, const ScriptFile& script,
     ConsoleOutput output(STD_OUTPUT_HANDLE);
     output.write(options.json ? toJson(found) : compilerTexts(found, script));
     if (output.isBroken()) errors.write("kelrun: what was found could not be shown to its end\n");
-    return std::ranges::any_of(found, &Diagnostic::isError) ? ExitCode::kScriptFailed
-                                                            : ExitCode::kRan;
+    return std::ranges::any_of(found, &Diagnostic::isError) ? ExitCode::kFailed : ExitCode::kRan;
 }
 
 std::size_t showErrors(const ScriptFile& script, const Preprocessor& preprocessor,

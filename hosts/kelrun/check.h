@@ -1,9 +1,9 @@
 #pragma once
 // What is found in a script before it runs, shown as compilers do.
 
-#include "hosts/kelrun/console_output.h"
 #include "hosts/kelrun/model/options.h"
 #include "hosts/kelrun/preprocessor.h"
+#include "hosts/shared/console_output.h"
 #include "hosts/shared/model/failure.h"
 #include "hosts/shared/script_file.h"
 

@@ -4,10 +4,10 @@
 
 #include <string_view>
 
-#include "hosts/kelrun/console_output.h"
 #include "hosts/kelrun/message_window.h"
 #include "hosts/kelrun/model/dialogue_text.h"
 #include "hosts/kelrun/model/transcript.h"
+#include "hosts/shared/console_output.h"
 
 namespace kel::kelrun {
 

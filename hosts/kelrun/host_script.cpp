@@ -102,7 +102,7 @@ void HostScript::load() {
     } catch (const com::Error&) {
         noticeError();
         if (!error_) throw;
-        throw Failure(ExitCode::kScriptFailed, placeAndMessage(*error_));
+        throw Failure(ExitCode::kFailed, placeAndMessage(*error_));
     }
     if (!com::isTrue(isLoaded)) throw Failure(ExitCode::kUsage, path_ + " cannot be read");
 }

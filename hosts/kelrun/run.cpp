@@ -14,6 +14,7 @@
 #include "hosts/kelrun/preprocessor.h"
 #include "hosts/kelrun/session.h"
 #include "hosts/kelrun/transcript_file.h"
+#include "hosts/shared/activation_context.h"
 #include "hosts/shared/error_text.h"
 #include "hosts/shared/model/visible_text.h"
 #include "hosts/shared/script_file.h"
@@ -62,9 +63,9 @@ Ending runText(Session& session, const Preprocessor& preprocessor, const std::ws
         const bool ran = session.run(script);
         if (session.wasCancelled()) return {ExitCode::kCancelled, {}};
         if (ran) return {ExitCode::kRan, {}};
-        return {ExitCode::kScriptFailed, endOfRun(preprocessor.lastRun())};
+        return {ExitCode::kFailed, endOfRun(preprocessor.lastRun())};
     } catch (const com::Error& error) {
-        return {session.wasCancelled() ? ExitCode::kCancelled : ExitCode::kScriptFailed,
+        return {session.wasCancelled() ? ExitCode::kCancelled : ExitCode::kFailed,
                 {reasonOf(error, session.place())}};
     }
 }
@@ -73,12 +74,12 @@ Ending runText(Session& session, const Preprocessor& preprocessor, const std::ws
 Ending runScript(Session& session, const Preprocessor& preprocessor, const std::wstring& script,
                  HostScript* hostScript) {
     if (!hostScript) return runText(session, preprocessor, script);
-    Ending ending{ExitCode::kScriptFailed, {}};
+    Ending ending{ExitCode::kFailed, {}};
     hostScript->runStarted();
     if (!hostScript->error()) ending = runText(session, preprocessor, script);
     hostScript->runEnded(ending.code == ExitCode::kRan);
     if (!hostScript->error()) return ending;
-    if (ending.code == ExitCode::kCancelled) ending.code = ExitCode::kScriptFailed;
+    if (ending.code == ExitCode::kCancelled) ending.code = ExitCode::kFailed;
     ending.reasons.insert(ending.reasons.begin(), placeAndMessage(*hostScript->error()));
     return ending;
 }
@@ -105,7 +106,7 @@ Ending runConnected(const Options& options, const ScriptFile& script,
     const auto start = Clock::now();
     Ending ending = runScript(session, preprocessor, script.text, hostScript);
     ending.words = endText(ending.code, options, script.name, Clock::now() - start);
-    if (hostScript && hostScript->error()) ending.code = ExitCode::kScriptFailed;
+    if (hostScript && hostScript->error()) ending.code = ExitCode::kFailed;
     if (!session.finishDialogue()) say(errors, "the dialogue could not be shown to its end");
     return ending;
 }
@@ -117,7 +118,7 @@ void closeTrace(Trace& trace, Ending& ending) {
             return reason.find(word) != std::string::npos;
         });
         if (!isTold) ending.reasons.push_back(word);
-        if (ending.code == ExitCode::kRan) ending.code = ExitCode::kScriptFailed;
+        if (ending.code == ExitCode::kRan) ending.code = ExitCode::kFailed;
     }
 }
 
@@ -177,6 +178,7 @@ ExitCode run(const Options& options, ConsoleOutput& errors) {
     }
 
     const com::Apartment apartment;
+    const auto manifest = manifestBesideProgram();
     const Preprocessor preprocessor(options, script.folder);
     std::optional<HostScript> hostScript;
     if (!options.hostScript.empty()) {
@@ -189,7 +191,7 @@ ExitCode run(const Options& options, ConsoleOutput& errors) {
     if (count > 0 && !options.keepGoing) {
         say(errors, script.name + " was not started: it has " + std::to_string(count) +
                         (count == 1 ? " error" : " errors") + " (--keep-going runs it anyway)");
-        return ExitCode::kScriptFailed;
+        return ExitCode::kFailed;
     }
     return runWithTranscript(options, script, preprocessor, hostScript ? &*hostScript : nullptr,
                              errors);

@@ -1,8 +1,8 @@
 #pragma once
 // One run of the program, from its options to its exit code.
 
-#include "hosts/kelrun/console_output.h"
 #include "hosts/kelrun/model/options.h"
+#include "hosts/shared/console_output.h"
 #include "hosts/shared/model/failure.h"
 
 namespace kel::kelrun {

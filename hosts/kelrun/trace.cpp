@@ -3,6 +3,7 @@
 #include "com/text.h"
 #include "hosts/shared/error_text.h"
 #include "hosts/shared/model/failure.h"
+#include "hosts/shared/program_folder.h"
 
 namespace kel::kelrun {
 namespace {
@@ -11,9 +12,7 @@ constexpr wchar_t kLibraryName[] = L"KelTrace.dll";
 
 // The library beside this program. It stays loaded: its objects may be used to the very end.
 HMODULE loadLibrary() {
-    std::wstring path(MAX_PATH, L'\0');
-    path.resize(GetModuleFileNameW(nullptr, path.data(), MAX_PATH));
-    path = path.substr(0, path.rfind(L'\\') + 1) + kLibraryName;
+    const std::wstring path = programFolder() + kLibraryName;
     if (const HMODULE library = LoadLibraryW(path.c_str())) return library;
     const DWORD error = GetLastError();
     throw Failure(ExitCode::kNotRegistered,

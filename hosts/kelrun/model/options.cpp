@@ -96,6 +96,8 @@ constexpr Option kOptions[] = {
     {"--check", "", "shows errors and warnings, runs nothing; --json: as JSON",
      setFlag<&Options::check>},
     {"--json", "", "", setFlag<&Options::json>},
+    {"--diagnose", "", "tells how components are registered, and what is wrong",
+     setFlag<&Options::diagnose>},
     {"--keep-going", "", "runs a script in spite of its errors", setFlag<&Options::keepGoing>},
     {"--print-variables", "", "shows all variables after the run",
      setFlag<&Options::printVariables>},
@@ -187,6 +189,10 @@ private:
 Options parseOptions(std::span<const std::string> arguments) {
     Options options = ArgumentReader(arguments).read();
     if (options.help || options.version) return options;
+    if (options.diagnose) {
+        if (!options.script.empty()) refuse("--diagnose runs no script");
+        return options;
+    }
     if (options.script.empty()) refuse("which script?");
     if (!options.target.port.empty() && !options.target.tcp.empty())
         refuse("--port and --tcp exclude each other");

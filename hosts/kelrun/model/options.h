@@ -32,6 +32,7 @@ struct Options {
     double speed = 1;        // of a replay; 0 for without waiting
     bool check = false;      // nothing is run
     bool json = false;       // of a check
+    bool diagnose = false;   // nothing is run, there is no script
     bool keepGoing = false;
     bool interactive = false;
     bool printVariables = false;

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "hosts/shared/model/visible_text.h"
 #include "hosts/model/json.h"
+#include "hosts/shared/model/visible_text.h"
 
 namespace kel::host {
 namespace {

@@ -8,7 +8,7 @@ namespace kel::host {
 
 enum class ExitCode {
     kRan = 0,
-    kScriptFailed = 1,
+    kFailed = 1,
     kUsage = 2,
     kNoConnection = 3,
     kCancelled = 4,

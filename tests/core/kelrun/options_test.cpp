@@ -55,6 +55,7 @@ TEST(KelrunOptions, ReadsEveryOption) {
     EXPECT_EQ(hosted.hostScript + hosted.script, "h.js-odd.kel");
     EXPECT_EQ(hosted.arguments, (Arguments{"--x", ""}));
     EXPECT_TRUE(parseOptions(Arguments{"a.kel", "--help", "--nonsense"}).help);
+    EXPECT_TRUE(parseOptions(split("--diagnose --link L --port COM3")).diagnose);
 }
 
 TEST(KelrunOptions, RefusesWrongUsageWithItsReason) {
@@ -87,6 +88,7 @@ TEST(KelrunOptions, RefusesWrongUsageWithItsReason) {
         {{"a", "--app", "x"}, "2 --app goes with --last"},
         {{"a", "--", "b"}, "2 'b' is for a host script: --host"},
         {{"a", "--json"}, "2 --json goes with --check"},
+        {{"a", "--diagnose"}, "2 --diagnose runs no script"},
     };
     for (const auto& row : cases) {
         const std::string failure = failureOf([&] { parseOptions(row.arguments); });

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "hosts/shared/model/diagnostic.h"
 #include "hosts/kelrun/model/source_text.h"
 #include "hosts/kelrun/model/transcript.h"
+#include "hosts/shared/model/diagnostic.h"
 
 namespace kel::kelrun {
 namespace {

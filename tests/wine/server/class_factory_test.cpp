@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <set>
-
 #include "com/object.h"
 #include "interfaces/KelUtils.h"
 #include "tests/wine/null_pointers.h"
@@ -17,12 +15,6 @@ ComPtr<IClassFactory> factoryOf(REFCLSID identifier) {
     ComPtr<IClassFactory> factory;
     EXPECT_EQ(kelUtils().classObject(identifier, IID_PPV_ARGS(&factory)), S_OK);
     return factory;
-}
-
-bool isBuilt(const ExpectedClass& row) {
-    static const std::set<std::string> unbuilt{"DataGrid", "HTMLChildWindow", "HTMLPageData",
-                                               "HTMLWindow"};
-    return row.registryScript != 0 && !unbuilt.contains(row.name);
 }
 
 class Outer final : public com::Object<Outer> {

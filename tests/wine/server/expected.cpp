@@ -2,6 +2,7 @@
 
 #include <objbase.h>
 
+#include <set>
 #include <sstream>
 
 #include "com/error.h"
@@ -24,6 +25,12 @@ const std::vector<ExpectedClass>& expectedClasses() {
         return read;
     }();
     return classes;
+}
+
+bool isBuilt(const ExpectedClass& row) {
+    static const std::set<std::string> unbuilt{"DataGrid", "HTMLChildWindow", "HTMLPageData",
+                                               "HTMLWindow"};
+    return row.registryScript != 0 && !unbuilt.contains(row.name);
 }
 
 std::string toText(const GUID& identifier) {

@@ -20,6 +20,9 @@ struct ExpectedClass {
 };
 const std::vector<ExpectedClass>& expectedClasses();
 
+// False for those that are registered but refuse to be created, and for the pages.
+bool isBuilt(const ExpectedClass& row);
+
 // An identifier as text with braces, in upper case.
 std::string toText(const GUID& identifier);
 

@@ -1,10 +1,10 @@
-#include "hosts/kelrun/console_output.h"
+#include "hosts/shared/console_output.h"
 
 #include <string>
 
 #include "com/text.h"
 
-namespace kel::kelrun {
+namespace kel::host {
 namespace {
 
 bool isConsole(HANDLE handle) {
@@ -46,4 +46,4 @@ bool ConsoleOutput::writeCharacters(std::string_view text) const {
     return true;
 }
 
-}  // namespace kel::kelrun
+}  // namespace kel::host

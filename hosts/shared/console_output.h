@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-namespace kel::kelrun {
+namespace kel::host {
 
 // Writes UTF-8 to one of the standard handles at once: as it is into a pipe or file, as characters
 // onto a console, whatever its code page. A handle that takes no more (the reader of the pipe has
@@ -29,4 +29,4 @@ private:
     bool broken_ = false;
 };
 
-}  // namespace kel::kelrun
+}  // namespace kel::host

@@ -1,0 +1,93 @@
+// kelregister: registers libraries of components for one user.
+#include <windows.h>
+
+#include <ole2.h>
+
+#include "com/text.h"
+#include "hosts/kelregister/model/register_options.h"
+#include "hosts/kelregister/server_library.h"
+#include "hosts/kelregister/user_classes.h"
+#include "hosts/shared/console_program.h"
+#include "hosts/shared/program_folder.h"
+
+namespace {
+
+using namespace kel;
+using namespace kel::kelregister;
+using host::ConsoleOutput;
+using host::ExitCode;
+
+constexpr wchar_t kDefaultLibrary[] = L"KelUtils.dll";
+
+// What libraries may expect of a program that registers them.
+class Ole {
+public:
+    Ole() { com::check(OleInitialize(nullptr)); }
+    ~Ole() { OleUninitialize(); }
+    Ole(const Ole&) = delete;
+    Ole& operator=(const Ole&) = delete;
+};
+
+std::wstring fullPath(const std::string& name) {
+    const std::wstring given = com::widen(name, CP_UTF8);
+    std::wstring path(0x8000, L'\0');
+    const DWORD size =
+        GetFullPathNameW(given.c_str(), static_cast<DWORD>(path.size()), path.data(), nullptr);
+    return size == 0 || size >= path.size() ? given : path.substr(0, size);
+}
+
+std::vector<std::wstring> libraryPaths(const RegisterOptions& options) {
+    if (options.libraries.empty()) return {host::programFolder() + kDefaultLibrary};
+    std::vector<std::wstring> paths;
+    for (const std::string& name : options.libraries)
+        paths.push_back(fullPath(name));
+    return paths;
+}
+
+void change(const std::wstring& path, bool unregister) {
+    const ServerLibrary library(path);
+    const UserClasses classes;
+    if (!unregister) return library.registerClasses();
+    library.unregisterClasses();
+    classes.removeEmptyRoots();
+}
+
+// Tells of each library; the first failure is the program's.
+ExitCode changeAll(const RegisterOptions& options, ConsoleOutput& errors) {
+    const Ole ole;
+    ConsoleOutput output(STD_OUTPUT_HANDLE);
+    ExitCode first = ExitCode::kRan;
+    bool hasRegistered = false;
+    for (const std::wstring& path : libraryPaths(options)) {
+        try {
+            change(path, options.unregister);
+            hasRegistered |= !options.unregister;
+            output.write(com::narrow(std::wstring_view(path), CP_UTF8) +
+                         (options.unregister ? " is no longer registered for this user\n"
+                                             : " is registered for this user\n"));
+        } catch (const host::Failure& failure) {
+            errors.write(std::string("kelregister: ") + failure.what() + "\n");
+            if (first == ExitCode::kRan) first = failure.code();
+        }
+    }
+    if (hasRegistered && !systemReadsUserClasses()) {
+        errors.write(
+            "kelregister: this system does not look for the components of a user (older versions "
+            "of Wine do not): programs will not find them; regsvr32 registers for all users\n");
+    }
+    return first;
+}
+
+ExitCode runProgram(const std::vector<std::string>& arguments, ConsoleOutput& errors) {
+    const RegisterOptions options = parseRegisterOptions(arguments);
+    if (!options.help && !options.version) return changeAll(options, errors);
+    ConsoleOutput(STD_OUTPUT_HANDLE)
+        .write(options.help ? registerHelpText() : "kelregister " KEL_VERSION "\n");
+    return ExitCode::kRan;
+}
+
+}  // namespace
+
+int wmain(int count, wchar_t** arguments) {
+    return host::runConsoleProgram("kelregister", count, arguments, runProgram);
+}
