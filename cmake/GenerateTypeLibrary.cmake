@@ -5,6 +5,7 @@
 # an error here. It also comes, harmlessly, for the IUnknown that the page classes expose.
 set(harmless "warning: duplicate uuid {00000000-0000-0000-c000-000000000046}")
 
+# The library tells when it was generated: always the same, for the same bytes.
 foreach(kind "-t;tlb" "-h;h" "-u;_i.c")
     list(GET kind 0 option)
     list(GET kind 1 ending)
@@ -14,7 +15,7 @@ foreach(kind "-t;tlb" "-h;h" "-u;_i.c")
         set(file "${OUTPUT}.${ending}")
     endif()
     execute_process(
-        COMMAND "${WIDL}" --win32 -I . -I "${PLATFORM_IDL}" -L "${PLATFORM_TYPE_LIBRARIES}"
+        COMMAND "${CMAKE_COMMAND}" -E env SOURCE_DATE_EPOCH=0 "${WIDL}" --win32 -I . -I "${PLATFORM_IDL}" -L "${PLATFORM_TYPE_LIBRARIES}"
             ${option} -o "${file}" "${SOURCE}"
         RESULT_VARIABLE result
         OUTPUT_VARIABLE output

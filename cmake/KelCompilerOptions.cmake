@@ -37,6 +37,9 @@ if(WIN32)
     # a function that GCC 12 splits here are not caught by anybody.
     add_compile_options(-msse2 -mfpmath=sse -mstackrealign -ffunction-sections -fdata-sections
         -fno-reorder-blocks-and-partition)
+    # The same bytes wherever the folder is; enough about lines for a backtrace, which kel_ship takes
+    # out of what is shipped.
+    add_compile_options("-ffile-prefix-map=${PROJECT_SOURCE_DIR}=." "-ffile-prefix-map=${PROJECT_BINARY_DIR}=build" -g1)
     add_compile_definitions(_WIN32_WINNT=0x0601 WINVER=0x0601 NOMINMAX WIN32_LEAN_AND_MEAN)
     add_link_options(-static -static-libgcc -static-libstdc++ -Wl,--gc-sections
         -Wl,--dynamicbase -Wl,--nxcompat -Wl,--no-insert-timestamp)
