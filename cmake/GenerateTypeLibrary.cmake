@@ -5,7 +5,6 @@
 # an error here. It also comes, harmlessly, for the IUnknown that the page classes expose.
 set(harmless "warning: duplicate uuid {00000000-0000-0000-c000-000000000046}")
 
-# The library tells when it was generated: always the same, for the same bytes.
 foreach(kind "-t;tlb" "-h;h" "-u;_i.c")
     list(GET kind 0 option)
     list(GET kind 1 ending)
@@ -15,7 +14,7 @@ foreach(kind "-t;tlb" "-h;h" "-u;_i.c")
         set(file "${OUTPUT}.${ending}")
     endif()
     execute_process(
-        COMMAND "${CMAKE_COMMAND}" -E env SOURCE_DATE_EPOCH=0 "${WIDL}" --win32 -I . -I "${PLATFORM_IDL}" -L "${PLATFORM_TYPE_LIBRARIES}"
+        COMMAND "${WIDL}" --win32 -I . -I "${PLATFORM_IDL}" -L "${PLATFORM_TYPE_LIBRARIES}"
             ${option} -o "${file}" "${SOURCE}"
         RESULT_VARIABLE result
         OUTPUT_VARIABLE output
@@ -30,3 +29,16 @@ foreach(kind "-t;tlb" "-h;h" "-u;_i.c")
         message("${remarks}")
     endif()
 endforeach()
+
+# The library tells when it was generated, as a text and as a number behind it: here always the same,
+# so that the same sources give the same bytes. Perl is in every Debian.
+execute_process(
+    COMMAND perl -0777 -i -p -e
+        [[s/(Created by WIDL version \S+ at ).{24}(\nW*\x13\0).{4}(?=W)/$1Thu Jan  1 00:00:00 1970$2\0\0\0\0/s or die "no date"]]
+        "${OUTPUT}.tlb"
+    RESULT_VARIABLE result
+    ERROR_VARIABLE output)
+if(NOT result EQUAL 0)
+    file(REMOVE "${OUTPUT}.tlb")
+    message(FATAL_ERROR "The date could not be taken out of ${OUTPUT}.tlb: ${output}")
+endif()

@@ -40,11 +40,12 @@ endfunction()
 # An import library for a platform DLL that the tool chain has none for.
 function(kel_import_library name definition)
     set(output "${CMAKE_CURRENT_BINARY_DIR}/lib${name}.a")
+    # Its symbols bear the name of the file as it is given here, which is to be the same everywhere.
     add_custom_command(
         OUTPUT "${output}"
-        COMMAND "${CMAKE_DLLTOOL}" --deterministic-libraries --temp-prefix ${name} -k -d "${definition}" -l "${output}"
+        COMMAND "${CMAKE_DLLTOOL}" --deterministic-libraries --temp-prefix ${name} -k -d "${CMAKE_CURRENT_SOURCE_DIR}/${definition}" -l "lib${name}.a"
         DEPENDS "${definition}"
-        WORKING_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}"
+        WORKING_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}"
         COMMENT "Making the import library ${name}"
         VERBATIM)
     add_custom_target(${name}_import DEPENDS "${output}")
