@@ -33,8 +33,8 @@ struct Case {
     std::vector<Step> steps;
 };
 
-// Throws when there is no such file, or no case in it.
-std::vector<Case> readCases(const char* path);
+// The name is relative to the project. Throws when there is no such file, or no case in it.
+std::vector<Case> readCases(const char* name);
 
 // Names a case by its line.
 void PrintTo(const Case& row, std::ostream* stream);

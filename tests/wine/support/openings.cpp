@@ -76,7 +76,7 @@ com::ComPtr<FakeRecorder> makeRecorder() {
 
 std::vector<Opening> readOpenings() {
     std::vector<Opening> openings;
-    for (const Case& row : readCases(KEL_OPENINGS)) {
+    for (const Case& row : readCases("tests/wine/support/openings.txt")) {
         const Step& step = row.steps.at(0);
         Opening opening;
         opening.name = setting(step, "file");
