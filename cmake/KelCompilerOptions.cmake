@@ -40,8 +40,12 @@ if(WIN32)
     # The same bytes wherever the folder is; enough about lines for a backtrace, which kel_ship takes
     # out of what is shipped.
     add_compile_options("-ffile-prefix-map=${PROJECT_SOURCE_DIR}=." "-ffile-prefix-map=${PROJECT_BINARY_DIR}=build" -g1)
+    # Texts of instruments and files of others are read inside the host's process: what would write
+    # beyond an array ends the process at once. docs/security.md tells the whole.
+    add_compile_options(-fstack-protector-strong)
+    add_compile_definitions(_GLIBCXX_ASSERTIONS _FORTIFY_SOURCE=2)
     add_compile_definitions(_WIN32_WINNT=0x0601 WINVER=0x0601 NOMINMAX WIN32_LEAN_AND_MEAN)
-    add_link_options(-static -static-libgcc -static-libstdc++ -Wl,--gc-sections
+    add_link_options(-static -static-libgcc -static-libstdc++ -fstack-protector-strong -Wl,--gc-sections
         -Wl,--dynamicbase -Wl,--nxcompat -Wl,--no-insert-timestamp)
 endif()
 

@@ -20,6 +20,7 @@ public:
     FunctionDescription(const FunctionDescription&) = delete;
     FunctionDescription& operator=(const FunctionDescription&) = delete;
 
+    const FUNCDESC& operator*() const { return *description_; }
     const FUNCDESC* operator->() const { return description_; }
 
 private:
@@ -35,23 +36,38 @@ UINT functionCount(ITypeInfo* type) {
     return count;
 }
 
-// True when a parameter takes an object.
-bool takesObject(ITypeInfo* type, const TYPEDESC& parameter) {
-    if (parameter.vt == VT_DISPATCH || parameter.vt == VT_UNKNOWN) return true;
-    if (parameter.vt != VT_PTR || parameter.lptdesc->vt != VT_USERDEFINED) return false;
-
+// True when a named type is an interface, or another name of one, as that of the fonts.
+bool isInterface(ITypeInfo* type, const TYPEDESC& named) {
     ComPtr<ITypeInfo> target;
-    if (FAILED(type->GetRefTypeInfo(parameter.lptdesc->hreftype, &target))) return false;
+    if (named.vt != VT_USERDEFINED || FAILED(type->GetRefTypeInfo(named.hreftype, &target)))
+        return false;
     TYPEATTR* attributes = nullptr;
     if (FAILED(target->GetTypeAttr(&attributes))) return false;
     const TYPEKIND kind = attributes->typekind;
+    const bool is = kind == TKIND_DISPATCH || kind == TKIND_INTERFACE ||
+                    (kind == TKIND_ALIAS && isInterface(target.Get(), attributes->tdescAlias));
     target->ReleaseTypeAttr(attributes);
-    return kind == TKIND_DISPATCH || kind == TKIND_INTERFACE;
+    return is;
+}
+
+// True when a parameter or a result is an object.
+bool isObject(ITypeInfo* type, const TYPEDESC& parameter) {
+    if (parameter.vt == VT_DISPATCH || parameter.vt == VT_UNKNOWN) return true;
+    return parameter.vt == VT_PTR && isInterface(type, *parameter.lptdesc);
 }
 
 bool isNothing(const VARIANT& value) {
     return value.vt == VT_EMPTY || value.vt == VT_NULL ||
            (value.vt == VT_ERROR && value.scode == DISP_E_PARAMNOTFOUND);
+}
+
+// True for a property without parameters whose value is an object.
+bool givesObject(ITypeInfo* type, const FUNCDESC& function) {
+    if (function.invkind != INVOKE_PROPERTYGET) return false;
+    if (function.cParams == 0) return isObject(type, function.elemdescFunc.tdesc);
+    const ELEMDESC& result = function.lprgelemdescParam[0];
+    return function.cParams == 1 && (result.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) &&
+           isObject(type, *result.tdesc.lptdesc);
 }
 
 // More arguments than a function has parameters; platforms differ in whether they tell.
@@ -85,19 +101,15 @@ public:
 
     // Puts the results of out parameters back into the caller's variants.
     void giveBack() {
-        for (const OutParameter& out : outs_) {
-            VARIANT& target = *given_.rgvarg[out.argument].pvarVal;
-            const VARIANT value = originals_[out.argument].release();
+        for (const UINT argument : outs_) {
+            VARIANT& target = *given_.rgvarg[argument].pvarVal;
+            const VARIANT value = originals_[argument].release();
             VariantClear(&target);
             target = value;
         }
     }
 
 private:
-    struct OutParameter {
-        UINT argument;
-    };
-
     // Arguments stand in reverse order; named ones (the value of a put is one) come first.
     const ELEMDESC* parameterOf(const FUNCDESC& function, UINT argument) const {
         if (argument < given_.cNamedArgs) {
@@ -125,7 +137,7 @@ private:
             originals_[i] = Variant(values_[i]);
             values_[i] = originals_[i].get();
         }
-        if (!takesObject(type, parameter.tdesc)) return;
+        if (!isObject(type, parameter.tdesc)) return;
         if (isNothing(values_[i])) {
             values_[i].vt = VT_DISPATCH;
             values_[i].pdispVal = nullptr;
@@ -152,12 +164,12 @@ private:
         value->llVal = 0;
         values_[i].vt = VT_BYREF | target;
         values_[i].byref = &value->llVal;
-        outs_.push_back({i});
+        outs_.push_back(i);
     }
 
     std::vector<VARIANT> values_;
     std::vector<Variant> originals_;
-    std::vector<OutParameter> outs_;
+    std::vector<UINT> outs_;  // arguments that receive a result
     const DISPPARAMS& given_;
 };
 
@@ -190,6 +202,22 @@ bool findTarget(ITypeInfo* type, DISPID member, WORD flags, Target& target) {
     return found;
 }
 
+// Arguments that a property does not take are meant for the default member of its value: scripts
+// write list.Items(0).
+HRESULT invokeDefault(ITypeInfo* type, void* object, DISPID member, const DISPPARAMS& arguments,
+                      VARIANT* result, EXCEPINFO* exception, UINT* badArgument) {
+    DISPPARAMS none = {};
+    Variant value;
+    const HRESULT code = type->Invoke(object, member, DISPATCH_PROPERTYGET, &none, value.put(),
+                                      exception, badArgument);
+    if (FAILED(code)) return code;
+    if (value.type() != VT_DISPATCH || !value.get().pdispVal) return DISP_E_BADPARAMCOUNT;
+    DISPPARAMS given = arguments;
+    return value.get().pdispVal->Invoke(DISPID_VALUE, IID_NULL, LOCALE_USER_DEFAULT,
+                                        DISPATCH_METHOD | DISPATCH_PROPERTYGET, &given, result,
+                                        exception, badArgument);
+}
+
 }  // namespace
 
 HRESULT invoke(ITypeInfo* type, void* object, DISPID member, WORD flags,
@@ -199,8 +227,11 @@ HRESULT invoke(ITypeInfo* type, void* object, DISPID member, WORD flags,
     if (!findTarget(type, member, flags, target)) return DISP_E_MEMBERNOTFOUND;
 
     const FunctionDescription function(type, target.function);
-    if (hasTooMany(*function.operator->(), arguments)) return DISP_E_BADPARAMCOUNT;
-    Arguments adapted(type, *function.operator->(), arguments);
+    if (hasTooMany(*function, arguments)) {
+        if (!givesObject(type, *function)) return DISP_E_BADPARAMCOUNT;
+        return invokeDefault(type, object, member, arguments, result, exception, badArgument);
+    }
+    Arguments adapted(type, *function, arguments);
     DISPPARAMS parameters = adapted.parameters();
     const HRESULT code =
         type->Invoke(object, member, target.flags, &parameters, result, exception, badArgument);

@@ -12,7 +12,9 @@ namespace kel::com {
 // - null, Nothing, Empty and a missing value stand for a null object;
 // - arguments by reference are accepted where a value is expected, and a reference to a VARIANT
 //   where an out parameter is expected;
-// - the enumerator may be asked for as a method.
+// - the enumerator may be asked for as a method;
+// - arguments that a property without parameters does not take go to the default member of the
+//   object that it gives.
 // Throws for failures of its own; gives the failure of the member as HRESULT, with the exception
 // details filled.
 HRESULT invoke(ITypeInfo* type, void* object, DISPID member, WORD flags,

@@ -80,19 +80,35 @@ HRESULT publishCurrentException(const IID& interfaceId, const wchar_t* source) n
 HRESULT publish(HRESULT code, const std::wstring& description, const IID& interfaceId,
                 const wchar_t* source) noexcept;
 
+// What a body gives: an HRESULT, or nothing for S_OK. It may throw.
+template <class Body>
+HRESULT resultOf(Body&& body) {
+    if constexpr (std::is_void_v<std::invoke_result_t<Body>>) {
+        body();
+        return S_OK;
+    } else {
+        return body();
+    }
+}
+
 // The one border between exceptions and HRESULTs: runs the body of an interface method or export.
-// The body gives an HRESULT, or nothing for S_OK.
 template <class Body>
 HRESULT guard(const IID& interfaceId, const wchar_t* source, Body&& body) noexcept {
     try {
-        if constexpr (std::is_void_v<std::invoke_result_t<Body>>) {
-            body();
-            return S_OK;
-        } else {
-            return body();
-        }
+        return resultOf(std::forward<Body>(body));
     } catch (...) {
         return publishCurrentException(interfaceId, source);
+    }
+}
+
+// The same for late-bound calls, which tell their failures by themselves: nothing is published that
+// a script host could mistake for the failure of a later call.
+template <class Body>
+HRESULT guardLateBound(Body&& body) noexcept {
+    try {
+        return resultOf(std::forward<Body>(body));
+    } catch (...) {
+        return codeOfCurrentException();
     }
 }
 

@@ -74,4 +74,21 @@ HRESULT defaultSource(const ClassDescription& description, DWORD kind, GUID* ide
     });
 }
 
+HRESULT safetyOptions(const ClassDescription& description, bool isKnown, DWORD* supported,
+                      DWORD* enabled) {
+    return guard(IID_IObjectSafety, description.programIdentifier, [&] {
+        out(supported) = 0;
+        out(enabled) = 0;
+        if (!isKnown) throw Error(E_NOINTERFACE);
+    });
+}
+
+HRESULT refuseSafety(const ClassDescription& description, bool isKnown, DWORD wanted) {
+    return guard(IID_IObjectSafety, description.programIdentifier, [&] {
+        if (!isKnown) throw Error(E_NOINTERFACE);
+        if (wanted != 0)
+            throw Error(E_FAIL, L"The component is not safe for scripts that nobody trusts");
+    });
+}
+
 }  // namespace kel::com

@@ -14,6 +14,7 @@
 
 #include <windows.h>
 
+#include <objsafe.h>
 #include <ocidl.h>
 #include <oleauto.h>
 
@@ -26,7 +27,8 @@
 
 namespace kel::com {
 
-// What class information an object gives. Objects that no client creates have neither.
+// What class information an object gives. Objects that no client creates have no identifier; their
+// errors name the ProgID of the class that gives them out as their source.
 struct ClassDescription {
     const CLSID* identifier = nullptr;
     const wchar_t* programIdentifier = nullptr;
@@ -47,11 +49,11 @@ template <class Interface, class... Bases>
 class Dual : public Plain<Interface, Bases..., IDispatch> {
 public:
     STDMETHODIMP GetTypeInfoCount(UINT* count) override {
-        return guard(IID_IDispatch, nullptr, [&] { out(count) = 1; });
+        return guardLateBound([&] { out(count) = 1; });
     }
 
     STDMETHODIMP GetTypeInfo(UINT index, LCID, ITypeInfo** type) override {
-        return guard(IID_IDispatch, nullptr, [&] {
+        return guardLateBound([&] {
             out(type) = nullptr;
             if (index != 0) throw Error(DISP_E_BADINDEX);
             *type = typeInfo(__uuidof(Interface)).Detach();
@@ -60,7 +62,7 @@ public:
 
     STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID,
                                DISPID* identifiers) override {
-        return guard(IID_IDispatch, nullptr, [&] {
+        return guardLateBound([&] {
             if (!names || !identifiers || count == 0) return E_INVALIDARG;
             return DispGetIDsOfNames(typeInfo(__uuidof(Interface)).Get(), names, count,
                                      identifiers);
@@ -69,7 +71,7 @@ public:
 
     STDMETHODIMP Invoke(DISPID member, REFIID iid, LCID, WORD flags, DISPPARAMS* arguments,
                         VARIANT* result, EXCEPINFO* exception, UINT* badArgument) override {
-        return guard(IID_IDispatch, nullptr, [&] {
+        return guardLateBound([&] {
             if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
             if (!arguments) return E_INVALIDARG;
             return invoke(typeInfo(__uuidof(Interface)).Get(), static_cast<Interface*>(this),
@@ -140,10 +142,17 @@ inline bool isCreatable(const ClassDescription& description) {
 HRESULT classInfo(const ClassDescription& description, ITypeInfo** type);
 HRESULT defaultSource(const ClassDescription& description, DWORD kind, GUID* identifier);
 
+// Refuses to be safe for scripts or data that nobody trusts: components reach files, settings and
+// the instrument, whoever calls them. `isKnown`: the interface in question is the object's.
+HRESULT safetyOptions(const ClassDescription& description, bool isKnown, DWORD* supported,
+                      DWORD* enabled);
+HRESULT refuseSafety(const ClassDescription& description, bool isKnown, DWORD wanted);
+
 template <class Derived, class... Interfaces>
 class Object : public Interfaces...,
                public ISupportErrorInfo,
                public IProvideClassInfo2,
+               public IObjectSafety,
                public ObjectCore {
 public:
     STDMETHODIMP QueryInterface(REFIID iid, void** result) override {
@@ -152,8 +161,9 @@ public:
     STDMETHODIMP_(ULONG) AddRef() override { return controlling()->AddRef(); }
     STDMETHODIMP_(ULONG) Release() override { return controlling()->Release(); }
 
+    // Late-bound calls tell their failures by themselves.
     STDMETHODIMP InterfaceSupportsErrorInfo(REFIID iid) override {
-        return findOwn(iid) ? S_OK : S_FALSE;
+        return iid != IID_IDispatch && findInterface(iid) ? S_OK : S_FALSE;
     }
 
     STDMETHODIMP GetClassInfo(ITypeInfo** type) override {
@@ -161,6 +171,13 @@ public:
     }
     STDMETHODIMP GetGUID(DWORD kind, GUID* identifier) override {
         return defaultSource(Derived::kClass, kind, identifier);
+    }
+
+    STDMETHODIMP GetInterfaceSafetyOptions(REFIID iid, DWORD* supported, DWORD* enabled) override {
+        return safetyOptions(Derived::kClass, findInterface(iid), supported, enabled);
+    }
+    STDMETHODIMP SetInterfaceSafetyOptions(REFIID iid, DWORD wanted, DWORD) override {
+        return refuseSafety(Derived::kClass, findInterface(iid), wanted);
     }
 
     // Second stage of construction, when the object may already be referenced. Throws.
@@ -181,6 +198,7 @@ protected:
         if (iid == IID_IProvideClassInfo || iid == IID_IProvideClassInfo2) {
             return static_cast<IProvideClassInfo2*>(this);
         }
+        if (iid == IID_IObjectSafety) return static_cast<IObjectSafety*>(this);
         return nullptr;
     }
 

@@ -20,7 +20,7 @@ public:
     void leave() { told_ = nullptr; }
 
     STDMETHODIMP GetTypeInfoCount(UINT* count) override {
-        return com::guard(IID_IDispatch, nullptr, [&] { com::out(count) = 0; });
+        return com::guardLateBound([&] { com::out(count) = 0; });
     }
     STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
     STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {

@@ -139,14 +139,14 @@ const KelScript::ScriptError& KelScript::lastError() {
 }
 
 HRESULT KelScript::get_ScriptControl(IDispatch** control) {
-    return guarded<IKelScript>([&] {
+    return guarded<IKelScriptObject2>([&] {
         com::out(control) = nullptr;
         com::ComPtr<IDispatch>(control_->object()).CopyTo(control);
     });
 }
 
 HRESULT KelScript::put_Objects(IKelObjects* objects) {
-    return guarded<IKelScript>([&] {
+    return guarded<IKelScriptObject2>([&] {
         const com::KeepAlive alive(*this);
         leaveTable();
         const com::ComPtr<IKelObjects> table(objects);

@@ -53,14 +53,16 @@ class Control : public IOleObject,
                 public ISpecifyPropertyPages,
                 public PropertyEvents {
 public:
-    // The object of the control, and its parts for containers (IOleObject).
+    // IOleObject.
     STDMETHODIMP SetClientSite(IOleClientSite* site) override;
     STDMETHODIMP GetClientSite(IOleClientSite** site) override;
     STDMETHODIMP SetHostNames(LPCOLESTR, LPCOLESTR) override { return S_OK; }
     STDMETHODIMP Close(DWORD saveOption) override;
-    STDMETHODIMP SetMoniker(DWORD, IMoniker*) override { return E_NOTIMPL; }
+    STDMETHODIMP SetMoniker(DWORD, IMoniker*) override { return refuse<IOleObject>(E_NOTIMPL); }
     STDMETHODIMP GetMoniker(DWORD assign, DWORD which, IMoniker** moniker) override;
-    STDMETHODIMP InitFromData(IDataObject*, BOOL, DWORD) override { return E_NOTIMPL; }
+    STDMETHODIMP InitFromData(IDataObject*, BOOL, DWORD) override {
+        return refuse<IOleObject>(E_NOTIMPL);
+    }
     STDMETHODIMP GetClipboardData(DWORD, IDataObject** data) override;
     STDMETHODIMP DoVerb(LONG verb, LPMSG message, IOleClientSite* site, LONG index, HWND parent,
                         LPCRECT place) override;
@@ -75,7 +77,7 @@ public:
     STDMETHODIMP Unadvise(DWORD cookie) override;
     STDMETHODIMP EnumAdvise(IEnumSTATDATA** connections) override;
     STDMETHODIMP GetMiscStatus(DWORD aspect, DWORD* status) override;
-    STDMETHODIMP SetColorScheme(LOGPALETTE*) override { return E_NOTIMPL; }
+    STDMETHODIMP SetColorScheme(LOGPALETTE*) override { return refuse<IOleObject>(E_NOTIMPL); }
 
     // IOleControl.
     STDMETHODIMP GetControlInfo(CONTROLINFO* information) override;
@@ -85,11 +87,13 @@ public:
 
     // IOleWindow, IOleInPlaceObject.
     STDMETHODIMP GetWindow(HWND* window) override;
-    STDMETHODIMP ContextSensitiveHelp(BOOL) override { return E_NOTIMPL; }
+    STDMETHODIMP ContextSensitiveHelp(BOOL) override { return refuse<IOleWindow>(E_NOTIMPL); }
     STDMETHODIMP InPlaceDeactivate() override;
     STDMETHODIMP UIDeactivate() override;
     STDMETHODIMP SetObjectRects(LPCRECT position, LPCRECT clip) override;
-    STDMETHODIMP ReactivateAndUndo() override { return INPLACE_E_NOTUNDOABLE; }
+    STDMETHODIMP ReactivateAndUndo() override {
+        return refuse<IOleInPlaceObject>(INPLACE_E_NOTUNDOABLE);
+    }
 
     // IOleInPlaceActiveObject.
     STDMETHODIMP TranslateAccelerator(LPMSG message) override;
@@ -103,10 +107,12 @@ public:
                       HDC targetDevice, HDC device, LPCRECTL bounds, LPCRECTL windowBounds,
                       BOOL(CALLBACK* proceed)(ULONG_PTR), ULONG_PTR argument) override;
     STDMETHODIMP GetColorSet(DWORD, LONG, void*, DVTARGETDEVICE*, HDC, LOGPALETTE**) override {
-        return E_NOTIMPL;
+        return refuse<IViewObject>(E_NOTIMPL);
     }
-    STDMETHODIMP Freeze(DWORD, LONG, void*, DWORD*) override { return E_NOTIMPL; }
-    STDMETHODIMP Unfreeze(DWORD) override { return E_NOTIMPL; }
+    STDMETHODIMP Freeze(DWORD, LONG, void*, DWORD*) override {
+        return refuse<IViewObject>(E_NOTIMPL);
+    }
+    STDMETHODIMP Unfreeze(DWORD) override { return refuse<IViewObject>(E_NOTIMPL); }
     STDMETHODIMP SetAdvise(DWORD aspects, DWORD flags, IAdviseSink* sink) override;
     STDMETHODIMP GetAdvise(DWORD* aspects, DWORD* flags, IAdviseSink** sink) override;
     STDMETHODIMP GetExtent(DWORD aspect, LONG index, DVTARGETDEVICE* target,
@@ -120,7 +126,7 @@ public:
     STDMETHODIMP GetNaturalExtent(DWORD aspect, LONG index, DVTARGETDEVICE* target, HDC device,
                                   DVEXTENTINFO* information, LPSIZEL size) override;
 
-    // The persistence interfaces.
+    // IPersistStreamInit, IPersistPropertyBag, IPersistStorage.
     STDMETHODIMP GetClassID(CLSID* identifier) override;
     STDMETHODIMP IsDirty() override { return isDirty_ ? S_OK : S_FALSE; }
     STDMETHODIMP InitNew() override;
@@ -135,6 +141,7 @@ public:
     STDMETHODIMP SaveCompleted(IStorage* storage) override;
     STDMETHODIMP HandsOffStorage() override { return S_OK; }
 
+    // IQuickActivate, ISpecifyPropertyPages.
     STDMETHODIMP QuickActivate(QACONTAINER* container, QACONTROL* control) override;
     STDMETHODIMP SetContentExtent(LPSIZEL extent) override;
     STDMETHODIMP GetContentExtent(LPSIZEL extent) override;
@@ -151,6 +158,7 @@ protected:
     // What the component does. May throw.
     virtual void createWindow(HWND parent, const RECT& place) = 0;
     virtual void destroyWindow() = 0;
+    // Null while there is none.
     virtual HWND windowOfControl() const = 0;
     // In pixels.
     virtual SIZE naturalSize() const = 0;
@@ -181,6 +189,11 @@ private:
     HRESULT answer(Body&& body) noexcept {
         return com::guard(__uuidof(Interface), description().programIdentifier,
                           std::forward<Body>(body));
+    }
+    // What the control does not do at all.
+    template <class Interface>
+    HRESULT refuse(HRESULT code) noexcept {
+        return com::publish(code, {}, __uuidof(Interface), description().programIdentifier);
     }
 
     void activate(bool withUserInterface);

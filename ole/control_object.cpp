@@ -51,14 +51,14 @@ HRESULT Control::GetMoniker(DWORD assign, DWORD which, IMoniker** moniker) {
         com::out(moniker) = nullptr;
         const com::ComPtr<IOleClientSite> site = site_.get();
         if (!site) throw com::Error(E_UNEXPECTED);
-        return site->GetMoniker(assign, which, moniker);
+        com::check(site->GetMoniker(assign, which, moniker), site);
     });
 }
 
 HRESULT Control::GetClipboardData(DWORD, IDataObject** data) {
     return answer<IOleObject>([&] {
         com::out(data) = nullptr;
-        return E_NOTIMPL;
+        throw com::Error(E_NOTIMPL);
     });
 }
 
@@ -83,7 +83,7 @@ HRESULT Control::DoVerb(LONG verb, LPMSG, IOleClientSite*, LONG, HWND, LPCRECT) 
                 return S_OK;
             default:
                 // There is no window apart from the container's, and nothing to be undone.
-                if (verb < 0) return E_NOTIMPL;
+                if (verb < 0) throw com::Error(E_NOTIMPL);
                 activate(true);
                 return OLEOBJ_S_INVALIDVERB;
         }
@@ -93,7 +93,7 @@ HRESULT Control::DoVerb(LONG verb, LPMSG, IOleClientSite*, LONG, HWND, LPCRECT) 
 HRESULT Control::EnumVerbs(IEnumOLEVERB** verbs) {
     return answer<IOleObject>([&] {
         com::out(verbs) = nullptr;
-        return OLEOBJ_E_NOVERBS;
+        throw com::Error(OLEOBJ_E_NOVERBS);
     });
 }
 
@@ -144,18 +144,18 @@ HRESULT Control::Advise(IAdviseSink* sink, DWORD* cookie) {
     return answer<IOleObject>([&] {
         com::out(cookie) = 0;
         if (!sink) throw com::Error(E_POINTER);
-        return adviseHolder().Advise(sink, cookie);
+        com::check(adviseHolder().Advise(sink, cookie));
     });
 }
 
 HRESULT Control::Unadvise(DWORD cookie) {
-    return answer<IOleObject>([&] { return adviseHolder().Unadvise(cookie); });
+    return answer<IOleObject>([&] { com::check(adviseHolder().Unadvise(cookie)); });
 }
 
 HRESULT Control::EnumAdvise(IEnumSTATDATA** connections) {
     return answer<IOleObject>([&] {
         com::out(connections) = nullptr;
-        return adviseHolder().EnumAdvise(connections);
+        com::check(adviseHolder().EnumAdvise(connections));
     });
 }
 

@@ -9,7 +9,8 @@ HRESULT Control::Draw(DWORD aspect, LONG, void*, DVTARGETDEVICE*, HDC, HDC devic
     return answer<IViewObjectEx>([&] {
         checkAspect(aspect);
         if (!device) throw com::Error(E_INVALIDARG);
-        // A control without a window of its own is drawn with bounds only.
+        // They are missing only where a control without a window is drawn in place: this one has
+        // one.
         if (!bounds) throw com::Error(E_INVALIDARG);
         const RECT place{bounds->left, bounds->top, bounds->right, bounds->bottom};
         drawInactive(device, place);

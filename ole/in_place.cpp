@@ -3,6 +3,30 @@
 
 namespace kel::ole {
 
+namespace {
+
+bool isOf(HWND window, HWND control) {
+    return window == control || IsChild(control, window);
+}
+
+// The platform's KEYMODIFIERS, which not every tool chain declares.
+constexpr DWORD kShiftModifier = 1;
+constexpr DWORD kControlModifier = 2;
+constexpr DWORD kAltModifier = 4;
+
+bool isKeyDown(UINT message) {
+    return message == WM_KEYDOWN || message == WM_SYSKEYDOWN;
+}
+
+// What the container must know of the keys beside a message.
+DWORD keyModifiers() {
+    const auto isDown = [](int key) { return GetKeyState(key) < 0; };
+    return (isDown(VK_SHIFT) ? kShiftModifier : 0) | (isDown(VK_CONTROL) ? kControlModifier : 0) |
+           (isDown(VK_MENU) ? kAltModifier : 0);
+}
+
+}  // namespace
+
 void Control::activate(bool withUserInterface) {
     const com::ComPtr<IOleObject> alive(this);
     if (!place_) {
@@ -154,30 +178,6 @@ void Control::focusChanged(bool hasFocus) {
     if (const auto container = site_.as<IOleControlSite>()) container->OnFocus(hasFocus);
 }
 
-namespace {
-
-bool isOf(HWND window, HWND control) {
-    return window == control || IsChild(control, window);
-}
-
-// The platform's KEYMODIFIERS, which not every tool chain declares.
-constexpr DWORD kShiftModifier = 1;
-constexpr DWORD kControlModifier = 2;
-constexpr DWORD kAltModifier = 4;
-
-bool isKeyDown(UINT message) {
-    return message == WM_KEYDOWN || message == WM_SYSKEYDOWN;
-}
-
-// What the container must know of the keys beside a message.
-DWORD keyModifiers() {
-    const auto isDown = [](int key) { return GetKeyState(key) < 0; };
-    return (isDown(VK_SHIFT) ? kShiftModifier : 0) | (isDown(VK_CONTROL) ? kControlModifier : 0) |
-           (isDown(VK_MENU) ? kAltModifier : 0);
-}
-
-}  // namespace
-
 HRESULT Control::TranslateAccelerator(LPMSG message) {
     return answer<IOleInPlaceActiveObject>([&]() -> HRESULT {
         if (!message) throw com::Error(E_POINTER);
@@ -205,7 +205,7 @@ HRESULT Control::moveFocus(const MSG& message) {
     const HWND window = windowOfControl();
     const bool isBackward = GetKeyState(VK_SHIFT) < 0;
     const HWND first = GetNextDlgTabItem(window, nullptr, FALSE);
-    HWND now = message.hwnd;
+    const HWND now = message.hwnd;
     const HWND next = GetNextDlgTabItem(window, now, isBackward);
     if (!next || next == now) return S_FALSE;
     // Around an end: onto the first control going forward, from it going backward.

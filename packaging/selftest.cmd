@@ -19,7 +19,7 @@ chcp>>%report%
 
 call :run win32\hosts\kelregister\kelregister.exe win32\server\KelUtils.dll win32\bench\link\BenchLink.dll
 call :run win32\hosts\kelrun\kelrun.exe --diagnose
-call :run %system%\cscript.exe //nologo tests\wine\script\late_bound_test.js
+call :run %system%\cscript.exe //nologo selftest.js
 call :run win32\hosts\kelrun\kelrun.exe examples\set-clock.kel --check
 call :run win32\hosts\kelrun\kelrun.exe examples\offsets.kel --port COM3 --replay tests\end_to_end\examples\offsets.trace --speed 0
 for /f %%f in (tests.txt) do call :run %%f --gtest_brief=1

@@ -42,7 +42,7 @@ HRESULT DiagnosticList::get_Item(long index, IScriptDiagnostic** diagnostic) {
     return guarded<IScriptDiagnostics>([&] {
         com::out(diagnostic) = nullptr;
         if (index < 0 || static_cast<std::size_t>(index) >= diagnostics_.size()) {
-            throw com::Error(DISP_E_BADINDEX);
+            throw com::Error(DISP_E_BADINDEX, L"There is no diagnostic with this index");
         }
         *diagnostic = at(index).Detach();
     });

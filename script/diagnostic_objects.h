@@ -11,7 +11,7 @@ namespace kel::script {
 
 class DiagnosticObject final : public com::Object<DiagnosticObject, com::Dual<IScriptDiagnostic>> {
 public:
-    static constexpr com::ClassDescription kClass{};
+    static constexpr com::ClassDescription kClass{nullptr, L"KelUtils.Preprocessor.1"};
 
     explicit DiagnosticObject(Diagnostic diagnostic) : diagnostic_(std::move(diagnostic)) {}
 
@@ -28,7 +28,7 @@ private:
 // A list as it was when it was asked for.
 class DiagnosticList final : public com::Object<DiagnosticList, com::Dual<IScriptDiagnostics>> {
 public:
-    static constexpr com::ClassDescription kClass{};
+    static constexpr com::ClassDescription kClass{nullptr, L"KelUtils.Preprocessor.1"};
 
     explicit DiagnosticList(std::vector<Diagnostic> diagnostics)
         : diagnostics_(std::move(diagnostics)) {}

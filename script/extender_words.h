@@ -12,7 +12,7 @@ namespace kel::script {
 // Installed in a preprocessor, which holds it. A word's number is its place here.
 class ExtenderWords final : public com::Object<ExtenderWords, com::Dual<IPreprocessorExtension>> {
 public:
-    static constexpr com::ClassDescription kClass{};
+    static constexpr com::ClassDescription kClass{nullptr, L"KelUtils.PreprocessorExtender.1"};
 
     // `preprocessor` is the one that calls the words, and outlives its calls.
     explicit ExtenderWords(IPreprocessorControl& preprocessor) : preprocessor_(preprocessor) {}

@@ -23,11 +23,11 @@ const FlatCollection::Entry& FlatCollection::find(const VARIANT& index) const {
         for (const Entry& entry : entries_) {
             if (com::sameName(entry.name, name)) return entry;
         }
-        throw com::Error(DISP_E_BADINDEX);
+        throw com::Error(DISP_E_BADINDEX, L"There is no value with this name");
     }
     const long position = key.convertedTo(VT_I4).get().lVal;
     if (position < 0 || static_cast<std::size_t>(position) >= entries_.size()) {
-        throw com::Error(DISP_E_BADINDEX);
+        throw com::Error(DISP_E_BADINDEX, L"There is no value with this index");
     }
     return entries_[position];
 }

@@ -13,7 +13,7 @@ namespace kel::script {
 
 class FlatCollection final : public com::Object<FlatCollection, com::Dual<IFlatCollection>> {
 public:
-    static constexpr com::ClassDescription kClass{};
+    static constexpr com::ClassDescription kClass{nullptr, L"KelUtils.Preprocessor.1"};
 
     // The parameters of a word, named by their position. Throws.
     static com::ComPtr<FlatCollection> of(std::span<const std::string> parameters);

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "settings/model/stored_list.h"
 #include "settings/vocabulary.h"
 
 namespace kel::settings {
@@ -30,9 +31,8 @@ std::optional<std::string> SettingsKey::readText(const char* name) const {
     if (RegQueryValueExA(get(), name, nullptr, &type, reinterpret_cast<BYTE*>(buffer), &size) !=
         ERROR_SUCCESS)
         return std::nullopt;
-    if (type != REG_SZ || size == 0 || size >= kLongestText || buffer[size - 1] != '\0')
-        return std::nullopt;
-    return std::string(buffer);
+    if (type != REG_SZ) return std::nullopt;
+    return textIn({buffer, size});
 }
 
 bool SettingsKey::readNumber(const char* name, DWORD& value) const {

@@ -14,9 +14,6 @@ namespace kel::settings {
 // Owns one open key. Used on the dialog's thread and not kept open between calls.
 class SettingsKey {
 public:
-    // Texts of this many bytes and more, their terminator included, count as missing.
-    static constexpr DWORD kLongestText = 500;
-
     SettingsKey() = default;
     // A key below another, created when there is none; empty when that fails. `access` is KEY_READ
     // or KEY_WRITE.

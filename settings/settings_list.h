@@ -5,16 +5,12 @@
 #include <string>
 #include <vector>
 
+#include "settings/model/stored_list.h"
+
 namespace kel::settings {
 
-// The texts of an entry, one for each field.
-using ListEntry = std::vector<std::string>;
-
-// The entries up to the first incomplete one, in their order.
+// As those of a ListPlace, for a section.
 std::vector<ListEntry> readList(const std::string& section, std::span<const char* const> fields);
-
-// Writes as far as it can. Entries that a longer list has left are not removed: readers know the
-// length.
 void writeList(const std::string& section, std::span<const char* const> fields,
                std::span<const ListEntry> entries);
 

@@ -1,38 +1,50 @@
-# Explores what scripts can do to the engine, with clang's libFuzzer.
+# Explores what hostile input can do, with clang's libFuzzer.
 
 readonly fuzz_packages=(clang libclang-rt-14-dev)
-readonly fuzz_targets=(parse run)
+readonly fuzz_targets=(parse run restore recall filter replay report)
 readonly fuzz_quiet=1800 # seconds without a new edge after which a longer search ends
 
-# Builds the fuzzers and lets them search: fuzz [MINUTES]. Fails on a finding.
+# Builds fuzzers and lets them search: fuzz [MINUTES] [TARGET...]. Fails on a finding.
 fuzz() {
-    local minutes=${1:-30} folder=$kel_build/fuzz target found=no
+    local minutes=30 folder=$kel_build/fuzz target found=no at_once rounds first
+    local -a targets batch
     local -A process log started edges last_new
-    [[ $minutes =~ ^[1-9][0-9]{0,4}$ ]] || usage_error "fuzz takes a number of minutes"
+    if [[ ${1:-} =~ ^[1-9][0-9]{0,4}$ ]]; then
+        minutes=$1
+        shift
+    fi
+    targets=("$@")
+    (($# > 0)) || targets=("${fuzz_targets[@]}")
+    for target in "${targets[@]}"; do
+        [[ " ${fuzz_targets[*]} " == *" $target "* ]] ||
+            usage_error "fuzz takes a number of minutes and some of: ${fuzz_targets[*]}"
+    done
     lock_build
     set_up "${fuzz_packages[@]}"
-    build_preset fuzz "${fuzz_targets[@]/#/kel_fuzz_}"
+    build_preset fuzz "${targets[@]/#/kel_fuzz_}"
     unlock_build
     take_lock 7 "$folder/.fuzz-lock" "fuzzing"
 
     mkdir -p -- "$folder/findings"
-    # Both at once where there are two processors.
-    if (($(nproc) > 1)); then
-        for target in "${fuzz_targets[@]}"; do start_fuzzer "$target" "$((minutes * 60))"; done
-        watch_fuzzers "${fuzz_targets[@]}"
-    else
-        for target in "${fuzz_targets[@]}"; do
-            start_fuzzer "$target" "$((minutes * 60 / ${#fuzz_targets[@]}))"
-            watch_fuzzers "$target"
-        done
-    fi
-    for target in "${fuzz_targets[@]}"; do report_fuzzer "$target"; done
-    [[ $found == no ]] || exit 1
+    # As many at once as there are processors, each for its share of the time.
+    at_once=$(nproc)
+    rounds=$(((${#targets[@]} + at_once - 1) / at_once))
+    for ((first = 0; first < ${#targets[@]}; first += at_once)); do
+        batch=("${targets[@]:first:at_once}")
+        for target in "${batch[@]}"; do start_fuzzer "$target" "$((minutes * 60 / rounds))"; done
+        watch_fuzzers "${batch[@]}"
+        for target in "${batch[@]}"; do report_fuzzer "$target"; done
+        [[ $found == no ]] || exit 1
+    done
 }
 
 # Starts a target in the background: start_fuzzer TARGET SECONDS
 start_fuzzer() {
-    local target=$1 seconds=$2 corpus=$kel_root/tests/fuzz/corpus/$1
+    local target=$1 seconds=$2 corpus=$kel_root/tests/fuzz/corpus/$1 dictionary=$1
+    local -a words=()
+    [[ $target != parse && $target != run ]] || dictionary=script
+    dictionary=$kel_root/tests/fuzz/$dictionary.dict
+    [[ ! -f $dictionary ]] || words=("-dict=$dictionary")
     log[$target]=$kel_build/log/fuzz-$target.log
     started[$target]=$SECONDS last_new[$target]=$SECONDS edges[$target]=0
     mkdir -p -- "$folder/corpus/$target" "$kel_build/log"
@@ -40,7 +52,7 @@ start_fuzzer() {
     say "fuzzing: $target, for at most $((seconds / 60)) minutes"
     become_detached nice "$folder/tests/fuzz/kel_fuzz_$target" "$folder/corpus/$target" "$corpus" \
         -max_total_time="$seconds" -max_len=2048 -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
-        -dict="$kel_root/tests/fuzz/script.dict" -artifact_prefix="$folder/findings/$target-" \
+        "${words[@]}" -artifact_prefix="$folder/findings/$target-" \
         </dev/null >"${log[$target]}" 2>&1 &
     process[$target]=$!
     at_exit end_process "$!"

@@ -17,7 +17,7 @@ fill_selftest() {
     local file
     rm -rf -- "$1"
     mkdir -p -- "$1/docs" && cp -- "$kel_root/docs/scripting.md" "$1/docs/" &&
-        cp -r -- "$kel_root/examples" "$kel_root/LICENSE" "$kel_root/packaging/selftest.cmd" "$1/" || return
+        cp -r -- "$kel_root/examples" "$kel_root/LICENSE" "$kel_root"/packaging/selftest.{cmd,js} "$1/" || return
     (cd -- "$kel_root" && find tests -type f ! -name '*.cpp' ! -name '*.h' ! -name CMakeLists.txt) |
         copy_below "$kel_root" "$1" || return
     list_test_programs >"$1/tests.txt" &&

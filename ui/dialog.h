@@ -37,9 +37,9 @@ public:
 
     // Makes a modeless dialog, not yet visible unless its description says so. Throws as above.
     void create(WORD resource, HWND owner);
+    void create(const DialogTemplate& description, HWND owner);
     // The same for a part of another window, which holds nothing but the platform's own controls.
     void createPart(WORD resource, HWND parent);
-    void create(const DialogTemplate& description, HWND owner);
 
     // Null while there is none.
     HWND window() const { return window_; }
@@ -47,7 +47,7 @@ public:
     // Something is being done that takes its time.
     bool isBusy() const { return isBusy_; }
 
-    // Throws what a part could not initialise for; nothing when it could.
+    // Throws the failure for which the dialog could not initialise, if there was one.
     void rethrowInitialisationFailure() const {
         if (initialisationFailure_) std::rethrow_exception(initialisationFailure_);
     }

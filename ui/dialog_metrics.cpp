@@ -14,6 +14,22 @@ constexpr int kPointsInAnInch = 72;
 // The width of a dialog unit comes from these, by definition.
 constexpr std::wstring_view kLetters = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
+// The beginning of an extended description, which no header declares.
+#pragma pack(push, 2)
+struct ExtendedTemplate {
+    WORD version;
+    WORD signature;
+    DWORD helpIdentifier;
+    DWORD extendedStyle;
+    DWORD style;
+    WORD controls;
+    short left;
+    short top;
+    short width;
+    short height;
+};
+#pragma pack(pop)
+
 int pixelsOf(HDC device, std::wstring_view text) {
     SIZE size{};
     GetTextExtentPoint32W(device, text.data(), static_cast<int>(text.size()), &size);
@@ -68,21 +84,6 @@ UnitSize clientOf(WORD resource) {
     const HGLOBAL loaded = found ? LoadResource(module, found) : nullptr;
     if (!loaded) throw com::lastError();
 
-        // The beginning of an extended description, which no header declares.
-#pragma pack(push, 2)
-    struct ExtendedTemplate {
-        WORD version;
-        WORD signature;
-        DWORD helpIdentifier;
-        DWORD extendedStyle;
-        DWORD style;
-        WORD controls;
-        short left;
-        short top;
-        short width;
-        short height;
-    };
-#pragma pack(pop)
     const auto* description = static_cast<const ExtendedTemplate*>(LockResource(loaded));
     return {description->width, description->height};
 }

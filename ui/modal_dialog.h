@@ -13,8 +13,7 @@ namespace kel::ui {
 //     bool show(HWND owner, const com::ComPtr<IKelCommunicator>& link);
 // that runs the dialog and tells whether it ended with success. It may throw.
 template <class Derived, class Interface, class... Bases>
-class ModalDialog
-    : public com::Object<Derived, com::Dual<Interface, Bases..., IKelModalDialog>> {
+class ModalDialog : public com::Object<Derived, com::Dual<Interface, Bases..., IKelModalDialog>> {
 public:
     STDMETHODIMP put_Communicator(IKelCommunicator* communicator) override {
         return this->template guarded<IKelModalDialog>([&] { communicator_ = communicator; });

@@ -6,6 +6,7 @@
 
 #include "com/error.h"
 #include "com/message_loop.h"
+#include "com/scoped.h"
 
 namespace kel::bench {
 namespace {
@@ -135,7 +136,7 @@ void Stream::clear() {
     receive();
     echo_.flush();
     requireBytesOrPort();
-    forget();
+    if (!isAwaited_) forget();
 }
 
 std::size_t Stream::available() {
@@ -203,6 +204,7 @@ char Stream::takeByte() {
 template <class Done>
 bool Stream::waitUntil(long timeout, Done&& done) {
     const auto deadline = deadlineAfter(timeout);
+    const com::Scoped awaited(isAwaited_, true);
     bool satisfied = false;
     bool goOn = true;
     while (goOn) {

@@ -58,7 +58,8 @@ public:
     // lines (sockets, pseudo-terminals) that cannot carry one. Throws when the port is not open.
     void sendBreak(long duration);
 
-    // Both throw when the port is not open and nothing is left to read.
+    // Both throw when the port is not open and nothing is left to read. In the middle of a wait
+    // nothing is cleared: what comes is for the wait.
     void clear();
     std::size_t available();
 
@@ -84,6 +85,7 @@ private:
     Echo echo_;
     LogFile log_;
     bool idleProcessing_ = true;
+    bool isAwaited_ = false;
     // Bytes not yet read; those before first_ have been.
     std::string buffer_;
     std::size_t first_ = 0;

@@ -16,6 +16,7 @@
 #include <thread>
 #include <vector>
 
+#include "bench/speed/measure.h"
 #include "bench/speed/wire_end.h"
 #include "com/apartment.h"
 #include "com/text.h"
@@ -35,6 +36,7 @@ namespace {
 
 using namespace kel;
 using bench::now;
+using bench::print;
 
 constexpr std::size_t kMegabyte = 1 << 20;
 constexpr DWORD kPaneStyle = WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_HSCROLL | ES_MULTILINE |
@@ -112,14 +114,6 @@ double feedAll(HWND edit, Pieces& pieces, std::size_t size) {
     SendMessageW(edit, EM_GETLINECOUNT, 0, 0);
     UpdateWindow(edit);
     return now() - begin;
-}
-
-void print(const char* name, const std::vector<double>& values) {
-    std::printf("%s", name);
-    for (const double value : values)
-        std::printf(" %.3f", value);
-    std::printf("\n");
-    std::fflush(stdout);
 }
 
 // How many times as fast as the bare control, in the same round.
@@ -226,18 +220,8 @@ Answers answer() {
 std::vector<double> idle() {
     constexpr UINT kRound = 5000;
     bench::WireEnd wire({[](double) {}, [](bench::WireEnd&, std::string_view, double) {}});
-    com::ComPtr<INetworkStream> stream;
-    com::check(CoCreateInstance(link::kNetworkStreamClass, nullptr, CLSCTX_INPROC_SERVER,
-                                IID_PPV_ARGS(&stream)));
-    VARIANT_BOOL isOpen = VARIANT_FALSE;
-    com::check(stream->ConnectTo(com::Bstr(L"127.0.0.1").get(),
-                                 com::Bstr(std::to_wstring(wire.port())).get(), &isOpen),
-               stream);
-    if (!com::isTrue(isOpen)) throw com::Error(E_FAIL, L"no connection");
-    CLSID identifier;
-    com::check(CLSIDFromProgID(L"BenchLink.Communicator", &identifier));
-    com::ComPtr<IKelCommunicator> link;
-    com::check(CoCreateInstance(identifier, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&link)));
+    const auto stream = bench::connectTo(std::to_wstring(wire.port()));
+    const auto link = bench::create<IKelCommunicator>(L"BenchLink.Communicator");
     com::check(link->put_Port(stream.Get()), link);
 
     AtlAxWinInit();

@@ -2,6 +2,7 @@
 // line for each figure: its name, and the milliseconds of each round.
 
 #include "bench/speed/empty_settings.h"
+#include "bench/speed/measure.h"
 #include "bench/speed/wire_end.h"
 
 #include <cstdio>
@@ -23,35 +24,22 @@
 namespace {
 
 using namespace kel;
+using bench::create;
 using bench::now;
+using bench::print;
 using bench::WireEnd;
 
 constexpr UINT kCancelMessage = WM_APP;
 constexpr DWORD kAnswerDelay = 300;  // longer than the pause after a line, so that a wait is on
 constexpr double kYield = 1;         // the wait that is prescribed before each line
 
-template <class Interface>
-com::ComPtr<Interface> create(const wchar_t* programIdentifier) {
-    CLSID identifier;
-    com::check(CLSIDFromProgID(programIdentifier, &identifier));
-    com::ComPtr<Interface> object;
-    com::check(CoCreateInstance(identifier, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&object)));
-    return object;
-}
-
 // A preprocessor on a link to a wire end. A message asks it to cancel, as a host's button would.
 class Connection {
 public:
     explicit Connection(int port)
         : preprocessor(create<IPreprocessorControl>(L"KelUtils.Preprocessor")),
-          communicator_(create<IKelCommunicator>(L"BenchLink.Communicator")) {
-        com::check(CoCreateInstance(link::kNetworkStreamClass, nullptr, CLSCTX_INPROC_SERVER,
-                                    IID_PPV_ARGS(&stream_)));
-        VARIANT_BOOL isOpen = VARIANT_FALSE;
-        com::check(stream_->ConnectTo(com::Bstr(L"127.0.0.1").get(),
-                                      com::Bstr(std::to_wstring(port)).get(), &isOpen),
-                   stream_);
-        if (!com::isTrue(isOpen)) throw com::Error(E_FAIL, L"no connection");
+          communicator_(create<IKelCommunicator>(L"BenchLink.Communicator")),
+          stream_(bench::connectTo(std::to_wstring(port))) {
         com::check(stream_->put_IdleProcessing(VARIANT_TRUE), stream_);
         com::check(communicator_->put_Port(stream_.Get()), communicator_);
         com::check(preprocessor->put_Communicator(communicator_.Get()), preprocessor);
@@ -104,14 +92,6 @@ private:
 
     HWND window_;
 };
-
-void print(const char* name, const std::vector<double>& times) {
-    std::printf("%s", name);
-    for (const double time : times)
-        std::printf(" %.3f", time);
-    std::printf("\n");
-    std::fflush(stdout);
-}
 
 com::Bstr readScript(const char* path) {
     std::ifstream file(path, std::ios::binary);

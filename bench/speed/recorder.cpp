@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "bench/speed/empty_settings.h"
+#include "bench/speed/measure.h"
 #include "bench/speed/wire_end.h"
 #include "com/apartment.h"
 #include "com/text.h"
@@ -27,31 +28,19 @@
 namespace {
 
 using namespace kel;
+using bench::create;
 using bench::now;
+using bench::print;
 
 constexpr wchar_t kCaption[] = L"Recorder";
 constexpr UINT kAsked = WM_APP;
 constexpr DWORD kDownloadTime = 12000;
 
-template <class Interface>
-com::ComPtr<Interface> create(REFCLSID identifier) {
-    com::ComPtr<Interface> object;
-    com::check(CoCreateInstance(identifier, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&object)));
-    return object;
-}
-
 class Link {
 public:
     explicit Link(const wchar_t* port)
-        : stream_(create<INetworkStream>(link::kNetworkStreamClass)) {
-        CLSID identifier;
-        com::check(CLSIDFromProgID(L"BenchLink.Communicator", &identifier));
-        communicator_ = create<IKelCommunicator>(identifier);
-        VARIANT_BOOL isOpen = VARIANT_FALSE;
-        com::check(stream_->ConnectTo(com::Bstr(L"127.0.0.1").get(),
-                                      com::Bstr(std::wstring_view(port)).get(), &isOpen),
-                   stream_);
-        if (!com::isTrue(isOpen)) throw com::Error(E_FAIL, L"no connection");
+        : stream_(bench::connectTo(port)),
+          communicator_(create<IKelCommunicator>(L"BenchLink.Communicator")) {
         com::check(communicator_->put_Port(stream_.Get()), communicator_);
         com::check(communicator_.As(&recorder_));
     }
@@ -112,9 +101,7 @@ void show(const Link& link, std::function<void(HWND)> ready) {
         }
     };
     whenReady = std::move(ready);
-    CLSID identifier;
-    com::check(CLSIDFromProgID(L"KelUtils.RecorderDialog", &identifier));
-    const auto dialog = create<IRecorderDialog>(identifier);
+    const auto dialog = create<IRecorderDialog>(L"KelUtils.RecorderDialog");
     com::check(dialog->put_Communicator(link.communicator()), dialog);
     const UINT_PTR timer = SetTimer(nullptr, 0, 10, Look::now);
     VARIANT_BOOL result = VARIANT_FALSE;
@@ -206,14 +193,6 @@ double answers(const Link& link) {
         answers.begin(window);
     });
     return answers.result();
-}
-
-void print(const char* name, const std::vector<double>& values) {
-    std::printf("%s", name);
-    for (const double value : values)
-        std::printf(" %.3f", value);
-    std::printf("\n");
-    std::fflush(stdout);
 }
 
 void measure(wchar_t** arguments) {

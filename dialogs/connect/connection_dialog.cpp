@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "resources/resource_ids.h"
-#include "settings/settings_key.h"
+#include "settings/model/stored_list.h"
 
 namespace kel::connect {
 namespace {
@@ -22,7 +22,7 @@ UINT mostCharacters() {
     CPINFO codePage{};
     GetCPInfo(CP_ACP, &codePage);
     const UINT bytes = std::max<UINT>(1, codePage.MaxCharSize);
-    return std::min<UINT>(kRoom - 1, (settings::SettingsKey::kLongestText - 2) / bytes);
+    return std::min<UINT>(kRoom - 1, (settings::kLongestText - 2) / bytes);
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "hosts/keldesk/main_window.h"
 #include "hosts/shared/activation_context.h"
 #include "hosts/shared/error_text.h"
+#include "hosts/shared/library_search.h"
 #include "hosts/shared/model/failure.h"
 
 namespace {
@@ -50,6 +51,7 @@ int runDesk() {
 }  // namespace
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int) {
+    host::leaveOutCurrentFolder();
     // The control is dropped into the window by services that need more than COM.
     if (FAILED(OleInitialize(nullptr))) return 70;
     const int code = runDesk();

@@ -34,12 +34,12 @@ ExitCode showCheck(const Options& options, const ScriptFile& script,
     return std::ranges::any_of(found, &Diagnostic::isError) ? ExitCode::kFailed : ExitCode::kRan;
 }
 
-std::size_t showErrors(const ScriptFile& script, const Preprocessor& preprocessor,
-                       ConsoleOutput& errors) {
+std::vector<Diagnostic> showErrors(const ScriptFile& script, const Preprocessor& preprocessor,
+                                   ConsoleOutput& errors) {
     std::vector<Diagnostic> found = preprocessor.check(script.text);
     std::erase_if(found, [](const Diagnostic& diagnostic) { return !diagnostic.isError; });
     errors.write(compilerTexts(found, script));
-    return found.size();
+    return found;
 }
 
 }  // namespace kel::kelrun

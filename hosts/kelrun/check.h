@@ -1,9 +1,12 @@
 #pragma once
 // What is found in a script before it runs, shown as compilers do.
 
+#include <vector>
+
 #include "hosts/kelrun/model/options.h"
 #include "hosts/kelrun/preprocessor.h"
 #include "hosts/shared/console_output.h"
+#include "hosts/shared/model/diagnostic.h"
 #include "hosts/shared/model/failure.h"
 #include "hosts/shared/script_file.h"
 
@@ -14,8 +17,8 @@ namespace kel::kelrun {
 ExitCode showCheck(const Options& options, const ScriptFile& script,
                    const Preprocessor& preprocessor, ConsoleOutput& errors);
 
-// Shows the errors, not the warnings, on standard error; gives their number. Throws com::Error.
-std::size_t showErrors(const ScriptFile& script, const Preprocessor& preprocessor,
-                       ConsoleOutput& errors);
+// Shows the errors, not the warnings, on standard error, and gives them. Throws com::Error.
+std::vector<Diagnostic> showErrors(const ScriptFile& script, const Preprocessor& preprocessor,
+                                   ConsoleOutput& errors);
 
 }  // namespace kel::kelrun

@@ -12,8 +12,9 @@
 #include "hosts/kelrun/host_script.h"
 #include "hosts/kelrun/model/dialogue_text.h"
 #include "hosts/kelrun/preprocessor.h"
+#include "hosts/kelrun/run_log.h"
 #include "hosts/kelrun/session.h"
-#include "hosts/kelrun/transcript_file.h"
+#include "hosts/model/unicode.h"
 #include "hosts/shared/activation_context.h"
 #include "hosts/shared/error_text.h"
 #include "hosts/shared/model/visible_text.h"
@@ -123,17 +124,14 @@ void closeTrace(Trace& trace, Ending& ending) {
 }
 
 ExitCode runToEnd(const Options& options, const ScriptFile& script,
-                  const Preprocessor& preprocessor, Transcript* transcript, HostScript* hostScript,
+                  const Preprocessor& preprocessor, RunLog& log, HostScript* hostScript,
                   ConsoleOutput& errors) {
     Trace trace(options);
     Ending ending =
-        runConnected(options, script, preprocessor, trace, transcript, hostScript, errors);
+        runConnected(options, script, preprocessor, trace, log.transcript(), hostScript, errors);
     closeTrace(trace, ending);
 
-    if (transcript) {
-        transcript->ended(static_cast<int>(ending.code),
-                          ending.reasons.empty() ? ending.words : ending.reasons.front());
-    }
+    log.ended(ending.code, ending.reasons.empty() ? ending.words : ending.reasons.front());
     if (options.printVariables) printVariables(preprocessor, errors);
     for (const std::string& reason : ending.reasons)
         say(errors, reason);
@@ -141,20 +139,16 @@ ExitCode runToEnd(const Options& options, const ScriptFile& script,
     return ending.code;
 }
 
-ExitCode runWithTranscript(const Options& options, const ScriptFile& script,
-                           const Preprocessor& preprocessor, HostScript* hostScript,
-                           ConsoleOutput& errors) {
-    if (options.transcript.empty()) {
-        return runToEnd(options, script, preprocessor, nullptr, hostScript, errors);
-    }
-    TranscriptFile file(options.transcript, preprocessor.scriptName(), script.text);
+ExitCode runLogged(const Options& options, const ScriptFile& script,
+                   const Preprocessor& preprocessor, RunLog& log, HostScript* hostScript,
+                   ConsoleOutput& errors) {
     try {
-        const ExitCode code =
-            runToEnd(options, script, preprocessor, &file.transcript(), hostScript, errors);
-        if (file.isIncomplete()) say(errors, "the transcript could not be written to its end");
-        return code;
+        return runToEnd(options, script, preprocessor, log, hostScript, errors);
     } catch (const Failure& failure) {
-        file.transcript().ended(static_cast<int>(failure.code()), failure.what());
+        log.ended(failure.code(), failure.what());
+        throw;
+    } catch (const com::Error& error) {
+        log.ended(ExitCode::kFailed, describe(error));
         throw;
     }
 }
@@ -167,6 +161,21 @@ Print printBeforehand(const Options& options, ConsoleOutput& errors) {
         ConsoleOutput output(STD_OUTPUT_HANDLE);
         (options.check ? errors : output).write(DialogueText().next(line + u"\n"));
     };
+}
+
+// A script with errors.
+ExitCode refuse(const ScriptFile& script, const std::string& name,
+                const std::vector<Diagnostic>& wrong, RunLog& log, ConsoleOutput& errors) {
+    for (const Diagnostic& one : wrong) {
+        if (!log.transcript()) break;
+        log.transcript()->errorFound(name, one.line, one.column, hosts::toUtf16(one.message));
+    }
+    const std::string words = script.name + " was not started: it has " +
+                              std::to_string(wrong.size()) +
+                              (wrong.size() == 1 ? " error" : " errors");
+    log.ended(ExitCode::kFailed, words);
+    say(errors, words + " (--keep-going runs it anyway)");
+    return ExitCode::kFailed;
 }
 
 }  // namespace
@@ -187,14 +196,16 @@ ExitCode run(const Options& options, ConsoleOutput& errors) {
     }
     if (options.check) return showCheck(options, script, preprocessor, errors);
 
-    const std::size_t count = showErrors(script, preprocessor, errors);
-    if (count > 0 && !options.keepGoing) {
-        say(errors, script.name + " was not started: it has " + std::to_string(count) +
-                        (count == 1 ? " error" : " errors") + " (--keep-going runs it anyway)");
-        return ExitCode::kFailed;
-    }
-    return runWithTranscript(options, script, preprocessor, hostScript ? &*hostScript : nullptr,
-                             errors);
+    const std::vector<Diagnostic> wrong = showErrors(script, preprocessor, errors);
+    const std::string name = preprocessor.scriptName();
+    RunLog log(options, name, script.text);
+    const ExitCode code = wrong.empty() || options.keepGoing
+                              ? runLogged(options, script, preprocessor, log,
+                                          hostScript ? &*hostScript : nullptr, errors)
+                              : refuse(script, name, wrong, log, errors);
+    for (const std::string& one : log.incomplete())
+        say(errors, "the " + one + " could not be written to its end");
+    return code;
 }
 
 }  // namespace kel::kelrun

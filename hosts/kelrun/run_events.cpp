@@ -38,7 +38,7 @@ void RunEvents::tellTranscript(ScriptEvent event, const EventArguments& argument
             break;
         case host::kErrorFound: {
             const std::wstring message = arguments.text(3);
-            transcript_->errorFound(arguments.utf8(0), arguments.number(1),
+            transcript_->errorFound(arguments.utf8(0), arguments.number(1), arguments.number(2),
                                     std::u16string(message.begin(), message.end()));
             break;
         }

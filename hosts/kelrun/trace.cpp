@@ -2,21 +2,21 @@
 
 #include "com/text.h"
 #include "hosts/shared/error_text.h"
+#include "hosts/shared/library_search.h"
 #include "hosts/shared/model/failure.h"
-#include "hosts/shared/program_folder.h"
 
 namespace kel::kelrun {
 namespace {
 
 constexpr wchar_t kLibraryName[] = L"KelTrace.dll";
 
-// The library beside this program. It stays loaded: its objects may be used to the very end.
+// It stays loaded: its objects may be used to the very end.
 HMODULE loadLibrary() {
-    const std::wstring path = programFolder() + kLibraryName;
-    if (const HMODULE library = LoadLibraryW(path.c_str())) return library;
+    if (const HMODULE library = loadFromProgramFolder(kLibraryName)) return library;
     const DWORD error = GetLastError();
     throw Failure(ExitCode::kNotRegistered,
-                  com::narrow(path, CP_UTF8) + " cannot be loaded: " + systemText(error));
+                  com::narrow(std::wstring_view(kLibraryName), CP_UTF8) +
+                      " beside kelrun cannot be loaded: " + systemText(error));
 }
 
 com::ComPtr<ITraceSession> createSession() {

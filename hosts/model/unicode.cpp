@@ -1,5 +1,6 @@
 #include "hosts/model/unicode.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace kel::hosts {
@@ -72,6 +73,12 @@ FrontCharacter frontCharacter(std::u16string_view text) {
     const char32_t code = text[0];
     if (!isHighSurrogate(code) || text.size() < 2 || !isLowSurrogate(text[1])) return {code, 1};
     return {kFirstBeyond16Bits + ((code - 0xD800) << 10) + (text[1] - 0xDC00), 2};
+}
+
+bool isIn(std::span<const CharacterRange> ranges, char32_t code) {
+    return std::ranges::any_of(ranges, [&](const CharacterRange& range) {
+        return code >= range.first && code <= range.last;
+    });
 }
 
 std::string toUtf8(std::u16string_view text) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -27,6 +28,14 @@ struct FrontCharacter {
 
 // The first character of a text that is not empty.
 FrontCharacter frontCharacter(std::u16string_view text);
+
+// Both ends belong to it.
+struct CharacterRange {
+    char32_t first;
+    char32_t last;
+};
+
+bool isIn(std::span<const CharacterRange> ranges, char32_t code);
 
 // Half of a pair without its other half becomes the replacement character.
 std::string toUtf8(std::u16string_view text);

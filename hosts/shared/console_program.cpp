@@ -4,12 +4,14 @@
 
 #include "com/text.h"
 #include "hosts/shared/error_text.h"
+#include "hosts/shared/library_search.h"
 
 namespace kel::host {
 
 int runConsoleProgram(
     const char* name, int count, wchar_t** arguments,
     const std::function<ExitCode(const std::vector<std::string>&, ConsoleOutput&)>& program) {
+    leaveOutCurrentFolder();
     std::vector<std::string> texts;
     for (int i = 1; i < count; ++i)
         texts.push_back(com::narrow(arguments[i], CP_UTF8));

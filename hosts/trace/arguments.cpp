@@ -48,6 +48,16 @@ void putBytes(const std::u16string& text, VARIANT& value) {
     value = array.release();
 }
 
+com::Variant plainVariant(const Json& json) {
+    if (json.isNull()) return {};
+    if (const auto* truth = std::get_if<bool>(&json.value)) return com::Variant(*truth);
+    if (const auto* text = std::get_if<std::u16string>(&json.value))
+        return com::Variant(std::wstring_view(fromText(*text)));
+    if (const auto* number = std::get_if<std::int64_t>(&json.value))
+        return com::Variant(static_cast<long>(*number));
+    return com::Variant(std::wstring_view(com::widen(hosts::write(json), CP_UTF8)));
+}
+
 }  // namespace
 
 Json toJson(long number) {
@@ -109,6 +119,18 @@ Json toJson(IUnknown* object) {
     if (!object) return {};
     const TracedObject* traced = TracedObject::from(object);
     return traced ? Json(traced->name()) : Json("foreign");
+}
+
+com::Variant toVariant(const Json::Array& values) {
+    com::Variant array;
+    VARIANT* place = array.put();
+    place->parray = SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(values.size()));
+    if (!place->parray) throw std::bad_alloc();
+    place->vt = VT_ARRAY | VT_VARIANT;
+    auto* elements = static_cast<VARIANT*>(place->parray->pvData);
+    for (const Json& value : values)
+        *elements++ = plainVariant(value).release();
+    return array;
 }
 
 void fromJson(const Json& json, long& number) {

@@ -12,6 +12,7 @@
 
 #include "com/error.h"
 #include "com/text.h"
+#include "com/variant.h"
 #include "hosts/trace/model/event.h"
 #include "interfaces/KelUtils.h"
 
@@ -37,6 +38,10 @@ Json toJson(const VARIANT& value);
 // The name of a traced object; "preprocessor" for one, "foreign" for every other object.
 Json toJson(IPreprocessor* preprocessor);
 Json toJson(IUnknown* object);
+
+// An array of plain values for callers of automation; what has no plain form as its text in the
+// file.
+com::Variant toVariant(const Json::Array& values);
 
 // The way back, into a place that holds nothing. Throw std::invalid_argument or com::Error for what
 // toJson() does not give.

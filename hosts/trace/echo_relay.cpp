@@ -29,7 +29,7 @@ EchoRelay::~EchoRelay() {
 }
 
 long EchoRelay::handleFor(long target) {
-    if (target == 0) return 0;
+    if (!IsWindow(windowOf(target))) return target;
     if (!window_) {
         WNDCLASSW windowClass{};
         windowClass.lpfnWndProc = &EchoRelay::procedure;

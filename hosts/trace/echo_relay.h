@@ -18,8 +18,8 @@ public:
     EchoRelay(const EchoRelay&) = delete;
     EchoRelay& operator=(const EchoRelay&) = delete;
 
-    // The handle that the link gets for the host's one: the hidden window's, or 0 for 0. Throws
-    // com::Error.
+    // The handle that the link gets for the host's one: the hidden window's, or the same where that
+    // is none of a window. Throws com::Error.
     long handleFor(long target);
 
     // The handle that the host gets for the link's one.

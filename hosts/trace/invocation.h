@@ -33,6 +33,8 @@ struct Invocation {
     std::function<Json::Array()> out = [] { return Json::Array(); };
     std::function<void()> clear = [] {};
     std::function<void(const Json::Array&)> give = [](const Json::Array&) {};
+    // What it is given must not stand in a recording.
+    bool isSecret = false;
 };
 
 }  // namespace kel::trace

@@ -13,13 +13,6 @@
 namespace kel::trace {
 namespace {
 
-constexpr CLSID kUploaderClass = {
-    0x152E70D7, 0xE0DA, 0x4571, {0xA8, 0xA6, 0x30, 0x87, 0xD2, 0x29, 0x2F, 0x1E}};
-constexpr CLSID kPressureClass = {
-    0x4D1D61E3, 0x202C, 0x40EF, {0xAE, 0x5F, 0x4A, 0xAE, 0xDC, 0x64, 0xDF, 0x62}};
-constexpr CLSID kCompassClass = {
-    0x6372840A, 0xB84F, 0x4C43, {0xA5, 0xA6, 0x3E, 0x07, 0xAD, 0x2D, 0x8A, 0x56}};
-
 template <class Wrapper>
 com::ComPtr<IUnknown> make(const std::shared_ptr<Session>& session, const std::string& name,
                            IUnknown* inner) {
@@ -40,12 +33,14 @@ com::ComPtr<IUnknown> makeCollection(const std::shared_ptr<Session>& session,
 constexpr Kind kTable[] = {
     {"link", &__uuidof(IKelCommunicator), nullptr, make<Communicator>},
     {"serial", &__uuidof(ISerialStream), &link::kSerialStreamClass, make<SerialStream>},
+    {"gateway", &__uuidof(INetworkStream2), nullptr, make<GatewayStream>},
     {"network", &__uuidof(INetworkStream), &link::kNetworkStreamClass, make<NetworkStream>},
     {"stream", &__uuidof(IKelStream), nullptr, make<PlainStream>},
     {"collection", &__uuidof(ICollection), &link::kCollectionClass, makeCollection},
-    {"uploader", &__uuidof(IFirmwareUploader), &kUploaderClass, make<Uploader>},
-    {"pressure", &__uuidof(IPressureAccess), &kPressureClass, make<PressureAccess>},
-    {"compass", &__uuidof(ICompassAccess), &kCompassClass, make<CompassAccess>},
+    {"pairUploader", &__uuidof(IFirmwareUploader2), nullptr, make<PairUploader>},
+    {"uploader", &__uuidof(IFirmwareUploader), &link::kFirmwareUploaderClass, make<Uploader>},
+    {"pressure", &__uuidof(IPressureAccess), &link::kPressureAccessClass, make<PressureAccess>},
+    {"compass", &__uuidof(ICompassAccess), &link::kCompassAccessClass, make<CompassAccess>},
 };
 
 bool answers(IUnknown* object, const Kind& kind) {

@@ -7,10 +7,10 @@
 namespace kel::trace {
 
 // A service works on the inner communicator, so that only what comes of its work is told.
-template <class Derived, class Service>
-class ServiceWrapper : public Traced<Derived, Service> {
+template <class Derived, class Service, class... Bases>
+class ServiceWrapper : public Traced<Derived, Service, Bases...> {
 public:
-    using Traced<Derived, Service>::Traced;
+    using Traced<Derived, Service, Bases...>::Traced;
 
     STDMETHODIMP Attach(IKelCommunicator* communicator) override {
         return this->guardedCall([&] {
@@ -23,20 +23,36 @@ public:
     }
 };
 
-class Uploader final : public ServiceWrapper<Uploader, IFirmwareUploader> {
+template <class Derived, class Service, class... Bases>
+class UploaderOf : public ServiceWrapper<Derived, Service, Bases...> {
 public:
-    using ServiceWrapper::ServiceWrapper;
+    using ServiceWrapper<Derived, Service, Bases...>::ServiceWrapper;
 
     STDMETHODIMP put_PackageFile(VARIANT_BOOL package) override {
-        return call<&IFirmwareUploader::put_PackageFile>("put_PackageFile", package);
+        return this->template call<&IFirmwareUploader::put_PackageFile>("put_PackageFile", package);
     }
     STDMETHODIMP Upload(BSTR path, VARIANT_BOOL hexadecimal, long baudRate, long accessCode,
                         VARIANT_BOOL* result) override {
-        return call<&IFirmwareUploader::Upload>("Upload", path, hexadecimal, baudRate, accessCode,
-                                                result);
+        return this->template call<&IFirmwareUploader::Upload>("Upload", path, hexadecimal,
+                                                               baudRate, accessCode, result);
     }
     STDMETHODIMP Verify(BSTR path, VARIANT_BOOL hexadecimal, VARIANT_BOOL* result) override {
-        return call<&IFirmwareUploader::Verify>("Verify", path, hexadecimal, result);
+        return this->template call<&IFirmwareUploader::Verify>("Verify", path, hexadecimal, result);
+    }
+};
+
+class Uploader final : public UploaderOf<Uploader, IFirmwareUploader> {
+public:
+    using UploaderOf::UploaderOf;
+};
+
+// An uploader of firmware that comes in two files.
+class PairUploader final : public UploaderOf<PairUploader, IFirmwareUploader2, IFirmwareUploader> {
+public:
+    using UploaderOf::UploaderOf;
+
+    STDMETHODIMP put_CompanionFile(BSTR path) override {
+        return call<&IFirmwareUploader2::put_CompanionFile>("put_CompanionFile", path);
     }
 };
 

@@ -2,7 +2,7 @@
 
 #include "com/scoped.h"
 #include "com/text.h"
-#include "hosts/trace/KelTrace.h"
+#include "com/variant.h"
 #include "hosts/trace/arguments.h"
 #include "hosts/trace/model/difference.h"
 #include "hosts/trace/model/speed.h"
@@ -59,6 +59,7 @@ void Session::replay(const std::wstring& path, double speed) {
 
 void Session::close() {
     isClosed_ = true;
+    watcher_.Reset();
     recorder_.reset();
     if (FAILED(recordingFailure_)) {
         throw com::Error(std::exchange(recordingFailure_, S_OK),
@@ -85,31 +86,56 @@ HRESULT Session::perform(const Invocation& call) noexcept {
 }
 
 HRESULT Session::decide(const Invocation& call, DWORD& lastError) {
-    ++calls_;
-    if (const auto failure = failures_.next(call.interfaceName, call.method)) {
-        return fail(call, *failure);
+    // The watcher may make calls of its own.
+    const long number = ++calls_;
+    const auto failure = failures_.next(call.interfaceName, call.method);
+    std::wstring refusal;
+    const HRESULT watched = askWatcher(call, refusal);
+    if (failure) {
+        return fail(call, number, *failure,
+                    L"Call " + std::to_wstring(number) + L" fails on demand: " +
+                        widened(describe(started(call, number))));
     }
-    if (!replay_ || call.treatment == Treatment::kLocal) return forward(call, lastError);
-    return answer(call, lastError);
+    if (FAILED(watched)) return fail(call, number, watched, refusal);
+    if (!replay_ || call.treatment == Treatment::kLocal) return forward(call, number, lastError);
+    return answer(call, number, lastError);
 }
 
-CallStarted Session::started(const Invocation& call) const {
+// The host's error info is left as it is when the call goes on.
+HRESULT Session::askWatcher(const Invocation& call, std::wstring& refusal) {
+    if (!watcher_) return S_OK;
+    const com::ComPtr<ITraceWatcher> watcher = watcher_;
+    const com::Variant arguments = toVariant(call.in());
+    com::ComPtr<IErrorInfo> before;
+    GetErrorInfo(0, &before);
+    const HRESULT result = watcher->CallStarts(call.object.wrapper(), com::Bstr(call.method).get(),
+                                               arguments.get().parray);
+    com::ComPtr<IErrorInfo> info;
+    if (FAILED(result) && GetErrorInfo(0, &info) == S_OK) {
+        com::Bstr description;
+        com::check(info->GetDescription(description.put()));
+        refusal = description.view();
+    }
+    SetErrorInfo(0, before.Get());
+    return result;
+}
+
+CallStarted Session::started(const Invocation& call, long number) const {
     CallStarted started;
     started.object = call.object.name();
     started.method = call.method;
     started.in = call.in();
+    if (call.isSecret) started.in.assign(started.in.size(), Json("***"));
     started.position = position_;
-    started.number = calls_;
+    started.number = number;
     started.interfaceName = call.interfaceName;
     started.isCompared = isCompared(call.treatment);
     return started;
 }
 
-HRESULT Session::fail(const Invocation& call, HRESULT result) {
-    const long number = calls_;
-    const std::wstring text = L"Call " + std::to_wstring(number) + L" fails on demand: " +
-                              widened(describe(started(call)));
-    tell([&] { return started(call); });
+HRESULT Session::fail(const Invocation& call, long number, HRESULT result,
+                      const std::wstring& text) {
+    tell([&] { return started(call, number); });
     tell([&] {
         return CallEnded{
             .number = number,
@@ -120,9 +146,8 @@ HRESULT Session::fail(const Invocation& call, HRESULT result) {
     return com::publish(result, text, call.interfaceId, kSource);
 }
 
-HRESULT Session::forward(const Invocation& call, DWORD& lastError) {
-    const long number = calls_;
-    tell([&] { return started(call); });
+HRESULT Session::forward(const Invocation& call, long number, DWORD& lastError) {
+    tell([&] { return started(call, number); });
     const com::Scoped current(current_, &call);
     SetLastError(lastError);
     const HRESULT result = com::guard(call.interfaceId, kSource, call.forward);
@@ -140,12 +165,12 @@ HRESULT Session::forward(const Invocation& call, DWORD& lastError) {
     return result;
 }
 
-HRESULT Session::answer(const Invocation& call, DWORD& lastError) {
+HRESULT Session::answer(const Invocation& call, long number, DWORD& lastError) {
     call.clear();
     if (isClosed_) throw com::Error(CO_E_OBJNOTCONNECTED, L"The replay has been closed");
     CallEnded ended;
     try {
-        ended = replay_->call(started(call), ruleOf(call.treatment));
+        ended = replay_->call(started(call, number), ruleOf(call.treatment));
     } catch (const Difference& difference) {
         throw com::Error(KELTRACE_E_DIFFERENCE, widened(difference.what()));
     }

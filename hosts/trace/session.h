@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "hosts/trace/KelTrace.h"
 #include "hosts/trace/failure_plan.h"
 #include "hosts/trace/invocation.h"
 #include "hosts/trace/model/replay.h"
@@ -31,8 +32,12 @@ public:
 
     bool isReplay() const { return replay_.has_value(); }
 
-    // Makes a call: counts it, lets it fail, answers it from the recording or forwards it, and
-    // tells it. Leaves the thread's last error and error info as the called object did.
+    // Tells calls to a watcher, to none for null.
+    void watch(ITraceWatcher* watcher) { watcher_ = watcher; }
+
+    // Makes a call: counts it, tells the watcher, lets it fail, answers it from the recording or
+    // forwards it, and tells it. Leaves the thread's last error and error info as the called object
+    // did.
     HRESULT perform(const Invocation& call) noexcept;
 
     // The echo of an object showed a text.
@@ -51,11 +56,12 @@ public:
 
 private:
     HRESULT decide(const Invocation& call, DWORD& lastError);
-    HRESULT fail(const Invocation& call, HRESULT result);
-    HRESULT forward(const Invocation& call, DWORD& lastError);
-    HRESULT answer(const Invocation& call, DWORD& lastError);
+    HRESULT askWatcher(const Invocation& call, std::wstring& refusal);
+    HRESULT fail(const Invocation& call, long number, HRESULT result, const std::wstring& text);
+    HRESULT forward(const Invocation& call, long number, DWORD& lastError);
+    HRESULT answer(const Invocation& call, long number, DWORD& lastError);
     void requireNothing() const;
-    CallStarted started(const Invocation& call) const;
+    CallStarted started(const Invocation& call, long number) const;
     template <class MakeWhat>
     void tell(MakeWhat&& makeWhat) noexcept;
 
@@ -63,6 +69,7 @@ private:
     FailurePlan failures_;
     Position position_;
     long calls_ = 0;
+    com::ComPtr<ITraceWatcher> watcher_;
     // The innermost call that is being forwarded.
     const Invocation* current_ = nullptr;
     std::optional<Recorder> recorder_;

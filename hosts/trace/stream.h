@@ -181,13 +181,38 @@ public:
     }
 };
 
-class NetworkStream final : public StreamWrapper<NetworkStream, INetworkStream, IKelStream> {
+template <class Derived, class Interface, class... Bases>
+class NetworkStreamOf : public StreamWrapper<Derived, Interface, Bases..., IKelStream> {
+    using Base = StreamWrapper<Derived, Interface, Bases..., IKelStream>;
+
 public:
-    using StreamWrapper::StreamWrapper;
+    using Base::Base;
 
     STDMETHODIMP ConnectTo(BSTR address, BSTR port, VARIANT_BOOL* result) override {
-        return call<&INetworkStream::ConnectTo, Treatment::kConnecting>("ConnectTo", address, port,
-                                                                        result);
+        return this->template call<&INetworkStream::ConnectTo, Treatment::kConnecting>(
+            "ConnectTo", address, port, result);
+    }
+};
+
+class NetworkStream final : public NetworkStreamOf<NetworkStream, INetworkStream> {
+public:
+    using NetworkStreamOf::NetworkStreamOf;
+};
+
+// A stream that can tell a gateway a password, which a recording does not.
+class GatewayStream final : public NetworkStreamOf<GatewayStream, INetworkStream2, INetworkStream> {
+public:
+    using NetworkStreamOf::NetworkStreamOf;
+
+    STDMETHODIMP get_PasswordRequired(VARIANT_BOOL* required) override {
+        return call<&INetworkStream2::get_PasswordRequired>("get_PasswordRequired", required);
+    }
+    STDMETHODIMP put_Password(BSTR password) override {
+        return guardedCall([&] {
+            Invocation made = invocation<&INetworkStream2::put_Password>("put_Password", password);
+            made.isSecret = true;
+            return made;
+        });
     }
 };
 

@@ -116,4 +116,22 @@ HRESULT TraceSession::Close() {
     });
 }
 
+HRESULT TraceSession::Watch(ITraceWatcher* watcher) {
+    return guarded<ITraceSession>([&] {
+        open();
+        session_->watch(watcher);
+    });
+}
+
+HRESULT TraceSession::Wrap(IUnknown* inner, IUnknown** traced) {
+    return guarded<ITraceSession>([&] {
+        com::out(traced) = nullptr;
+        if (!inner || session_->isReplay()) {
+            throw com::Error(E_INVALIDARG, L"There is nothing to wrap");
+        }
+        open();
+        *traced = wrap(session_, inner).Detach();
+    });
+}
+
 }  // namespace kel::trace

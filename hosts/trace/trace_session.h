@@ -34,6 +34,8 @@ public:
     STDMETHODIMP get_Difference(BSTR* text) override;
     STDMETHODIMP get_CallsLeft(long* count) override;
     STDMETHODIMP Close() override;
+    STDMETHODIMP Watch(ITraceWatcher* watcher) override;
+    STDMETHODIMP Wrap(IUnknown* inner, IUnknown** traced) override;
 
 private:
     void open();

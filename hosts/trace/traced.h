@@ -22,11 +22,15 @@ inline constexpr const char* kNameOf<ISerialStream> = "ISerialStream";
 template <>
 inline constexpr const char* kNameOf<INetworkStream> = "INetworkStream";
 template <>
+inline constexpr const char* kNameOf<INetworkStream2> = "INetworkStream2";
+template <>
 inline constexpr const char* kNameOf<IKelCommunicator> = "IKelCommunicator";
 template <>
 inline constexpr const char* kNameOf<ICollection> = "ICollection";
 template <>
 inline constexpr const char* kNameOf<IFirmwareUploader> = "IFirmwareUploader";
+template <>
+inline constexpr const char* kNameOf<IFirmwareUploader2> = "IFirmwareUploader2";
 template <>
 inline constexpr const char* kNameOf<IPressureAccess> = "IPressureAccess";
 template <>

@@ -171,8 +171,8 @@ void Checker::check(const DialogBlock& block) {
     std::vector<std::string_view> answered;
     for (std::size_t i = 0; i < dialog.items.count; ++i) {
         const Expression& item = program_.expressions[dialog.items.first + i];
-        const auto* call = std::get_if<Call>(&item.value);
-        if (call == nullptr || !controlKind(functionName(program_, *call))) {
+        const Call* call = controlCall(program_, item);
+        if (call == nullptr) {
             check(item);
             continue;
         }

@@ -7,12 +7,6 @@
 namespace kel::script {
 namespace {
 
-// The call of an item that is a control; null for an ordinary expression.
-const Call* controlCall(const Program& program, const Expression& item) {
-    const auto* call = std::get_if<Call>(&item.value);
-    return call != nullptr && controlKind(functionName(program, *call)) ? call : nullptr;
-}
-
 // Builds the question. Ordinary items take effect here, before it is shown.
 std::optional<Question> composeQuestion(const Dialog& dialog, const Program& program,
                                         const Evaluator& evaluator,

@@ -33,6 +33,11 @@ std::string_view functionName(const Program& program, const Call& call) {
     return call.name.size == 0 ? std::string_view("input") : program.view(call.name);
 }
 
+const Call* controlCall(const Program& program, const Expression& item) {
+    const auto* call = std::get_if<Call>(&item.value);
+    return call != nullptr && controlKind(functionName(program, *call)) ? call : nullptr;
+}
+
 std::optional<std::string> Evaluator::evaluate(const Expression& expression) const {
     const auto* callee = std::get_if<Call>(&expression.value);
     const auto target = program_.target(expression);

@@ -57,4 +57,7 @@ private:
 // The name that a call has or, when it has none, stands for.
 std::string_view functionName(const Program& program, const Call& call);
 
+// The call of an item of a dialog that is a control; null for an ordinary expression.
+const Call* controlCall(const Program& program, const Expression& item);
+
 }  // namespace kel::script

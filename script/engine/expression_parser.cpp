@@ -1,7 +1,6 @@
 #include "script/engine/expression_parser.h"
 
 #include <string>
-#include <utility>
 
 namespace kel::script {
 namespace {
@@ -112,11 +111,11 @@ std::optional<ParsedExpression> parseExpression(Parse& parse, std::string_view t
         }
     }
     const std::string_view valueText = target ? text.substr(target->size() + 1) : text;
-    auto value = parseValue(parse, valueText);
+    const auto value = parseValue(parse, valueText);
     if (!value) return std::nullopt;
-    Expression expression{std::nullopt, std::move(value->value)};
+    Expression expression{std::nullopt, value->value};
     if (target) expression.target = parse.program.piece(*target);
-    return ParsedExpression{std::move(expression), value->rest};
+    return ParsedExpression{expression, value->rest};
 }
 
 std::optional<ExpressionIndex> parseWholeExpression(Parse& parse, std::string_view text) {

@@ -24,8 +24,8 @@ private:
     std::optional<std::string_view> stripWideText(std::string_view line) const;
 
     std::string_view rest_;
-    const char* lineFeed_ =
-        nullptr;  // the first one in the rest, or its end, once it was looked for
+    // The first one in the rest, or its end, once it was looked for.
+    const char* lineFeed_ = nullptr;
     const Characters& characters_;
 };
 

@@ -125,6 +125,47 @@ test_writes_a_transcript() {
     expect_only_error "kelrun: Z:..."
 }
 
+test_writes_a_report() {
+    local report=$folder/report.html
+    instrument tcp
+    kelrun 1 "$(script hostile.kel 'ver\nset station <b>&\n%nosuch\n')" "${connection[@]}" \
+        --report "$(windows_path "$report")"
+    expect "$report" "<dt>Connection<dd>${connection[1]}" \
+        '<dt>Result<dd class="failed">Failed (exit code 1): Z:...'
+    sed -E 's/<td>[0-9:.]+<td>/<td>/' "$report" >"$output"
+    expect "$output" '<tr class="line"><td>1<td>line<td>ver</tr>' '<tr class="sent"><td>1<td>sent<td>ver</tr>' \
+        "<tr class=\"received\"><td>1<td>received<td>$firmware</tr>" \
+        '<tr class="sent"><td>2<td>sent<td>set station &lt;b&gt;&amp;</tr>' \
+        '<tr class="error"><td>3:2<td>error<td>Variable not found: nosuch</tr>' \
+        '<tr class="result"><td>3<td>result<td>...' '</table>' '</body>' '</html>'
+
+    # What has happened so far is there, whatever becomes of kelrun.
+    start_kelrun "$(script long.kel 'ver\n#WAIT 3000\n')" "${connection[@]}" --report "$(windows_path "$report")"
+    wait_until "the second line" grep -qF '<td>line<td>#WAIT 3000</tr>' "$report"
+    end_process "$process"
+    expect "$report" '<dt>Result<dd class="failed">Not ended: ...' '</html>'
+
+    kelrun 1 "$(script wrong.kel '#MSGBOX "x\n')" --report "$(windows_path "$report")"
+    grep -qF '<td>1:9<td>error<td>Unterminated string</tr>' "$report" || give_up "no error of the check"
+}
+
+# Libraries stand in the current folder under the names of those that are wanted.
+test_takes_no_library_from_the_current_folder() {
+    local name here=$folder/here path
+    mkdir -- "$here" "$folder/alone"
+    for name in KelTrace atl comctl32 comdlg32 gdiplus msvcrt oleaut32 uxtheme version winspool; do
+        cp -- "$KEL_LINK" "$here/$name.dll"
+    done
+    cp -- "$KEL_RUN" "$folder/alone"
+    path=$(script empty.kel '@x="1"\n')
+    cd -- "$here"
+    WINEDEBUG=+loaddll kelrun 0 "$path"
+    grep -qiF '\KelUtils.dll' "$errors" || give_up "what is loaded is not told"
+    ! grep -iF '\here\' "$errors" || give_up "a library of the current folder was loaded"
+    KEL_RUN=$folder/alone/kelrun.exe kelrun 5 "$path" --record "$(windows_path "$folder/recording")"
+    expect_only_error 'kelrun: KelTrace.dll beside kelrun cannot be loaded: ...'
+}
+
 # A replay needs no instrument; a changed script is told where it leaves the recording.
 test_records_and_replays() {
     local path recording dialogue=$folder/dialogue

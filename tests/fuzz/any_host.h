@@ -86,8 +86,8 @@ private:
     std::size_t nestedRuns_ = 0;
     std::size_t errors_ = 0;
     bool isChecking_ = false;
-    bool isMisplaced_ =
-        false;  // kept, since the engine drops what is thrown while it notes a failure
+    // Kept, since the engine drops what is thrown while it notes a failure.
+    bool isMisplaced_ = false;
     bool lastResult_ = false;
 };
 

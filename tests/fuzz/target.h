@@ -1,6 +1,5 @@
 #pragma once
-// What fuzzers try on the script engine: functions that take any input and throw a Violation when
-// the engine breaks a promise.
+// What fuzzers try: functions that take any input and throw a Violation when a promise is broken.
 
 #include <cstddef>
 #include <stdexcept>
@@ -27,6 +26,23 @@ void parseAnything(std::string_view input);
 // Runs the part before the first zero byte as a script, on a host that draws what it does from the
 // bytes after it.
 void runAnything(std::string_view input);
+
+// Reads the input as persisted properties of a control.
+void restoreAnything(std::string_view input);
+
+// Reads a list of texts of the settings store that the input has left there: its length (4 bytes,
+// the low one first), then for each value its size (2 bytes; 0xFFFF: there is none) and its bytes.
+void recallAnything(std::string_view input);
+
+// Gives the file chooser the input, two bytes a character, as its kinds of file.
+void filterAnything(std::string_view input);
+
+// Reads the input as a recording of an instrument link, writes it anew, and replays it.
+void replayAnything(std::string_view input);
+
+// Tells a report what the input tells: for each entry its kind and the size of its text (a byte
+// each), and the text.
+void reportAnything(std::string_view input);
 
 // A code page with two-byte characters and letters beyond ASCII.
 class DoubleByteRules : public script::TextRules {

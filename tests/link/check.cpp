@@ -64,7 +64,7 @@ void leavesNothingBehind(const Setup& setup) {
 Verdict check(const Rule& rule, const Link& link) {
     // The reason of a failure is not to be one that an earlier call left.
     SetErrorInfo(0, nullptr);
-    return verdictOf([&] { rule.check(link); });
+    return verdictOf([&] { play(rule, link); });
 }
 
 int checkAll(const Setup& setup, const std::function<void(const std::string&)>& print) {
@@ -79,16 +79,12 @@ int checkAll(const Setup& setup, const std::function<void(const std::string&)>& 
         print(std::string(what) + rule.name + ": ");
         tell(check(rule, link));
     };
-    for (const auto& rules :
-         {streamRules(), echoRules(), waitingRules(), connectionRules(), communicatorRules()}) {
-        for (const Rule& rule : rules) {
-            const bool each = rule.scope == Scope::kEachStream;
-            if (each || rule.scope == Scope::kSerial) checkOn("serial, ", rule, serial);
-            if (each || rule.scope == Scope::kNetwork) checkOn("network, ", rule, network);
-            if (rule.scope == Scope::kCommunicator) {
-                checkOn("link, ", rule, setup.serialPort.empty() ? network : serial);
-            }
-        }
+    for (const Rule& rule : rules()) {
+        const bool each = rule.subject == "stream";
+        if (each || rule.subject == "serial") checkOn("serial, ", rule, serial);
+        if (each || rule.subject == "network") checkOn("network, ", rule, network);
+        if (rule.subject == "link")
+            checkOn("link, ", rule, setup.serialPort.empty() ? network : serial);
     }
     print("link, no object is left at the end: ");
     tell(verdictOf([&] { leavesNothingBehind(setup); }));

@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "tests/link/kit.h"
+#include "tests/link/player.h"
 
 namespace kel::conformance {
 

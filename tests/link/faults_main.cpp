@@ -25,13 +25,9 @@ void* replaceMember(IUnknown* object, unsigned slot, void* member) {
 }
 
 const Rule& ruleNamed(std::string_view beginning) {
-    for (const auto& rules :
-         {streamRules(), echoRules(), waitingRules(), connectionRules(), communicatorRules()}) {
-        const auto found = std::ranges::find_if(rules, [&](const Rule& rule) {
-            return std::string_view(rule.name).starts_with(beginning);
-        });
-        if (found != rules.end()) return *found;
-    }
+    const auto found = std::ranges::find_if(
+        rules(), [&](const Rule& rule) { return rule.name.starts_with(beginning); });
+    if (found != rules().end()) return *found;
     throw std::runtime_error("there is no rule " + std::string(beginning));
 }
 

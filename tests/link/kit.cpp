@@ -47,12 +47,6 @@ void succeeded(HRESULT code, const std::string& call) {
                shown(takeReason()));
 }
 
-void failsWithReason(HRESULT code, const std::string& call) {
-    expect(FAILED(code), call + " to fail", "it answered " + codeText(code));
-    expect(!takeReason().empty(), "an error description from " + call,
-           "it failed with " + codeText(code) + " and left none");
-}
-
 bool flag(VARIANT_BOOL value, const std::string& call) {
     expect(value == VARIANT_TRUE || value == VARIANT_FALSE, "0 or -1 from " + call,
            "it answered " + std::to_string(value));
@@ -122,28 +116,6 @@ Wire::Reading Wire::waitFor(std::wstring_view text, long timeout, std::wstring_v
         stream->WaitForString(Bstr(text).get(), timeout, Bstr(stop).get(), response.put(), &found),
         "WaitForString");
     return {flag(found, "WaitForString"), std::wstring(response.view())};
-}
-
-void Wire::sayAndAwaitEcho(std::wstring_view text) const {
-    say(text);
-    long waiting = 0;
-    for (const Watch watch; waiting < static_cast<long>(text.size());) {
-        expect(!watch.patienceIsOver(), "BytesInReadBuffer to count " + std::to_string(text.size()),
-               "it counts " + std::to_string(waiting));
-        succeeded(stream->get_BytesInReadBuffer(&waiting), "BytesInReadBuffer");
-    }
-}
-
-bool Wire::isOpen() const {
-    VARIANT_BOOL open = VARIANT_FALSE;
-    succeeded(stream->get_IsOpen(&open), "IsOpen");
-    return flag(open, "IsOpen");
-}
-
-std::wstring Wire::connection() const {
-    Bstr connection;
-    succeeded(stream->get_ConnectionString(connection.put()), "ConnectionString");
-    return std::wstring(connection.view());
 }
 
 void Wire::settle() const {
@@ -228,11 +200,6 @@ void Link::connect(const Wire& wire) const {
     const DWORD error = GetLastError();
     expect(flag(open, "connecting"), "a connection",
            "none was made, last error " + std::to_string(error));
-}
-
-WiredLink::WiredLink(const Link& link)
-    : wire(link.echoingWire()), communicator(link.communicator()) {
-    succeeded(communicator->put_Port(wire.stream.Get()), "putting Port");
 }
 
 }  // namespace kel::conformance

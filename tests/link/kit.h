@@ -4,7 +4,6 @@
 #include <windows.h>
 
 #include <chrono>
-#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -38,9 +37,6 @@ void expect(bool holds, const std::string& expected, const std::string& happened
 // Expects that a call on the link succeeds.
 void succeeded(HRESULT code, const std::string& call);
 
-// Expects that a call fails and leaves error info with a description, which is taken away.
-void failsWithReason(HRESULT code, const std::string& call);
-
 // A code as programmers write it, such as 0x80004005.
 std::string codeText(HRESULT code);
 
@@ -60,7 +56,6 @@ struct TemporaryFile {
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-    Bstr name() const { return Bstr(std::wstring_view(path)); }
     std::string content() const;
     void write(const char* text) const;
 
@@ -109,12 +104,6 @@ struct Wire {
     };
     Reading waitFor(std::wstring_view text, long timeout, std::wstring_view stop = {}) const;
 
-    // Says a text and waits until all of its echo stands in the read buffer.
-    void sayAndAwaitEcho(std::wstring_view text) const;
-
-    bool isOpen() const;
-    std::wstring connection() const;
-
     // Ends a line that was begun, and leaves nothing to read. Throws Silent.
     void settle() const;
 
@@ -151,32 +140,5 @@ private:
     // One rule tells of a silent other end; for the rest that would be waiting and no news.
     mutable bool isSilent_ = false;
 };
-
-// The communicator with an echoing wire as its port, which it lets go at the end.
-struct WiredLink {
-    explicit WiredLink(const Link& link);
-    ~WiredLink() { communicator->put_Port(nullptr); }
-    WiredLink(const WiredLink&) = delete;
-    WiredLink& operator=(const WiredLink&) = delete;
-
-    Wire wire;
-    ComPtr<IKelCommunicator> communicator;
-};
-
-// Which links a rule is about: every stream that was named, one kind of them, or the communicator.
-enum class Scope { kEachStream, kSerial, kNetwork, kCommunicator };
-
-struct Rule {
-    const char* name;
-    Scope scope;
-    void (*check)(const Link&);
-};
-
-// A file of rules each.
-std::span<const Rule> streamRules();
-std::span<const Rule> echoRules();
-std::span<const Rule> waitingRules();
-std::span<const Rule> connectionRules();
-std::span<const Rule> communicatorRules();
 
 }  // namespace kel::conformance

@@ -25,11 +25,17 @@ std::string Step::text() const {
 
 std::vector<Case> readCases(const char* name) {
     std::ifstream file(projectFile(name));
+    auto cases = readCases(file);
+    if (cases.empty()) throw std::runtime_error(std::string("There are no cases in ") + name);
+    return cases;
+}
+
+std::vector<Case> readCases(std::istream& text) {
     std::vector<Case> cases;
     bool isInCase = false;
     bool isDone = false;
     int number = 0;
-    for (std::string line; std::getline(file, line);) {
+    for (std::string line; std::getline(text, line);) {
         ++number;
         const bool wasInCase = std::exchange(isInCase, !line.empty() && !line.starts_with("# "));
         if (!isInCase) continue;
@@ -47,7 +53,6 @@ std::vector<Case> readCases(const char* name) {
             steps.back().lines.push_back(unescaped(line.substr(start)));
         }
     }
-    if (cases.empty()) throw std::runtime_error(std::string("There are no cases in ") + name);
     return cases;
 }
 

@@ -35,6 +35,8 @@ struct Case {
 
 // The name is relative to the project. Throws when there is no such file, or no case in it.
 std::vector<Case> readCases(const char* name);
+// The same from a text that is open already.
+std::vector<Case> readCases(std::istream& text);
 
 // Names a case by its line.
 void PrintTo(const Case& row, std::ostream* stream);

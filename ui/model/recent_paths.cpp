@@ -1,5 +1,7 @@
 #include "ui/model/recent_paths.h"
 
+#include <utility>
+
 namespace kel::ui {
 
 RecentPaths::RecentPaths(Comparison isSame, const std::vector<std::wstring>& kept)
@@ -8,12 +10,10 @@ RecentPaths::RecentPaths(Comparison isSame, const std::vector<std::wstring>& kep
         add(*path);
 }
 
-// A copy: the path may be one of the list's own.
-void RecentPaths::add(const std::wstring& path) {
+void RecentPaths::add(std::wstring path) {
     if (path.empty()) return;
-    const std::wstring added = path;
-    remove(added);
-    paths_.insert(paths_.begin(), added);
+    remove(path);
+    paths_.insert(paths_.begin(), std::move(path));
     if (paths_.size() > kMost) paths_.pop_back();
 }
 

@@ -19,7 +19,8 @@ public:
     // Takes what was kept; what is too much or there twice is left out.
     explicit RecentPaths(Comparison isSame, const std::vector<std::wstring>& kept = {});
 
-    void add(const std::wstring& path);
+    // Takes a copy: the path may be one of the list's own.
+    void add(std::wstring path);
     void remove(const std::wstring& path);
     const std::vector<std::wstring>& paths() const { return paths_; }
 

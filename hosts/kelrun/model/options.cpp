@@ -82,12 +82,12 @@ constexpr Option kOptions[] = {
          options.variables.push_back(readNamed("--var", value));
      },
      true},
-    {"--answer", "NAME=VALUE", "answers a question; msgbox=ok answers message boxes",
+    {"--answer", "NAME=VALUE", "answers a question, or msgbox; --interactive: asks",
      [](Options& options, std::string_view value) {
          options.answers.push_back(readNamed("--answer", value));
      },
      true},
-    {"--interactive", "", "asks the user instead", setFlag<&Options::interactive>},
+    {"--interactive", "", "", setFlag<&Options::interactive>},
     {"--host", "FILE", "a JScript that adds words and watches; -- ARGS",
      setText<&Options::hostScript>},
     {"--script-path", "P", "where scripts look for scripts; else SCRIPT's folder",
@@ -101,11 +101,13 @@ constexpr Option kOptions[] = {
     {"--keep-going", "", "runs a script in spite of its errors", setFlag<&Options::keepGoing>},
     {"--print-variables", "", "shows all variables after the run",
      setFlag<&Options::printVariables>},
-    {"--transcript", "FILE", "writes what happens to a file, as JSON Lines",
+    {"--transcript", "FILE", "writes what happens as JSON Lines; --report FILE: a page",
      setText<&Options::transcript>},
+    {"--report", "FILE", "", setText<&Options::report>},
     {"--record", "FILE", "writes all calls on the link to a file", setText<&Options::record>},
-    {"--replay", "FILE", "runs on such a file, without an instrument", setText<&Options::replay>},
-    {"--speed", "FACTOR", "how much faster than recorded; 0: without waiting", setSpeed},
+    {"--replay", "FILE", "runs on it, no instrument; --speed FACTOR: faster",
+     setText<&Options::replay>},
+    {"--speed", "FACTOR", "", setSpeed},
     {"--quiet", "", "shows errors only", setFlag<&Options::quiet>},
     {"--help", "", "this text; --version: the version", setFlag<&Options::help>},
     {"--version", "", "", setFlag<&Options::version>},
@@ -207,6 +209,17 @@ Options parseOptions(std::span<const std::string> arguments) {
     if (!options.arguments.empty() && options.hostScript.empty())
         refuse("'" + options.arguments.front() + "' is for a host script: --host");
     return options;
+}
+
+std::string connectionText(const Options& options) {
+    if (!options.replay.empty()) return "replay of " + options.replay;
+    if (options.last) {
+        return options.application.empty() ? "the last one"
+                                           : "the last one of " + options.application;
+    }
+    if (!options.target.tcp.empty()) return options.target.tcp;
+    if (options.target.port.empty()) return "none";
+    return options.target.port + ", " + std::to_string(options.target.baudRate) + " baud";
 }
 
 std::string helpText() {

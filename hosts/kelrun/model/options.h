@@ -27,6 +27,7 @@ struct Options {
     std::optional<std::string> scriptPath;
     std::string systemPath;
     std::string transcript;  // path; empty for none
+    std::string report;      // path; empty for none
     std::string record;      // path; empty for none
     std::string replay;      // path; empty for none
     double speed = 1;        // of a replay; 0 for without waiting
@@ -46,6 +47,9 @@ struct Options {
 
 // Reads the arguments that follow the program's name. Throws Failure (usage).
 Options parseOptions(std::span<const std::string> arguments);
+
+// What a run is connected to, in words.
+std::string connectionText(const Options& options);
 
 // What --help prints; fits a screen of 24 lines of 80 characters.
 std::string helpText();

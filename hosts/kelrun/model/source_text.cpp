@@ -1,7 +1,6 @@
 #include "hosts/kelrun/model/source_text.h"
 
 #include <algorithm>
-#include <iterator>
 
 #include "hosts/model/unicode.h"
 #include "hosts/shared/model/visible_text.h"
@@ -12,32 +11,20 @@ namespace {
 constexpr std::size_t kLongestShown = 500;
 constexpr std::wstring_view kLineEnds = L"\r\n";
 
-struct Range {
-    char32_t first;
-    char32_t last;
-};
-
 // Marks that stand over or under the character before them.
-constexpr Range kCombining[] = {
+constexpr hosts::CharacterRange kCombining[] = {
     {0x0300, 0x036F}, {0x200B, 0x200F}, {0x20D0, 0x20FF}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F}};
 
 // Characters of East Asia and pictures, which take two columns of a terminal.
-constexpr Range kWide[] = {
+constexpr hosts::CharacterRange kWide[] = {
     {0x1100, 0x115F}, {0x2E80, 0xA4CF}, {0xAC00, 0xD7A3},   {0xF900, 0xFAFF},   {0xFE30, 0xFE6F},
     {0xFF00, 0xFF60}, {0xFFE0, 0xFFE6}, {0x1F300, 0x1F64F}, {0x1F900, 0x1F9FF}, {0x20000, 0x3FFFD}};
-
-template <std::size_t size>
-bool isIn(const Range (&ranges)[size], char32_t character) {
-    return std::ranges::any_of(ranges, [&](const Range& range) {
-        return character >= range.first && character <= range.last;
-    });
-}
 
 // What moves the caret as far as the character moves what follows it.
 std::string_view blank(char32_t code) {
     if (code == U'\t') return "\t";
-    if (isIn(kCombining, code)) return "";
-    return isIn(kWide, code) ? "  " : " ";
+    if (hosts::isIn(kCombining, code)) return "";
+    return hosts::isIn(kWide, code) ? "  " : " ";
 }
 
 std::string caretLine(std::u16string_view line, std::size_t column, const ByteCount& bytesOf) {
@@ -64,7 +51,7 @@ std::u16string SourceText::line(std::size_t number) {
 std::string SourceText::excerpt(std::size_t number, std::size_t column, const ByteCount& bytesOf) {
     if (!moveTo(number) || end_ == start_ || end_ - start_ > kLongestShown) return {};
     const std::u16string text = line(number);
-    return oneLine(hosts::toUtf8(text)) + '\n' + caretLine(text, column, bytesOf) + '\n';
+    return host::oneLine(hosts::toUtf8(text)) + '\n' + caretLine(text, column, bytesOf) + '\n';
 }
 
 bool SourceText::moveTo(std::size_t number) {

@@ -3,10 +3,14 @@
 #include <algorithm>
 #include <utility>
 
+#include "hosts/model/json.h"
 #include "hosts/model/unicode.h"
 
 namespace kel::kelrun {
 namespace {
+
+// In the order of the kinds.
+constexpr const char* kKindNames[] = {"line", "sent", "received", "echo", "error", "result"};
 
 constexpr std::u16string_view kEchoedErrorMark = u"\r\nERROR: ";
 
@@ -29,22 +33,38 @@ std::size_t sizeOfBegunMark(std::u16string_view text) {
 
 }  // namespace
 
+std::string jsonLine(const Entry& entry) {
+    if (entry.kind == EntryKind::Error) return {};
+    hosts::Json::Object members{{"ms", entry.milliseconds},
+                                {"kind", kKindNames[static_cast<int>(entry.kind)]},
+                                {"text", entry.text},
+                                {"file", entry.file},
+                                {"line", entry.line}};
+    if (entry.kind == EntryKind::Result) members.push_back({"code", entry.code});
+    return hosts::write(members) + '\n';
+}
+
 void Transcript::lineStarted(std::string_view file, std::size_t line) {
     finishShown();
     file_ = file;
     line_ = line;
-    write("line", file == script_ ? hosts::toUtf8(source_.line(line)) : std::string());
+    tell(EntryKind::Line, file == script_ ? hosts::toUtf8(source_.line(line)) : std::string());
 }
 
 void Transcript::sent(std::string_view text) {
     finishShown();
-    write("sent", text);
+    tell(EntryKind::Sent, text);
 }
 
-void Transcript::errorFound(std::string_view file, std::size_t line, std::u16string_view message) {
+void Transcript::errorFound(std::string_view file, std::size_t line, std::size_t column,
+                            std::u16string_view message) {
     file_ = file;
     line_ = line;
     expected_.emplace_back(message);
+    const std::string text = hosts::toUtf8(message);
+    Entry error = entry(EntryKind::Error, text);
+    error.column = column;
+    tell_(error);
 }
 
 // The stream collects what it shows: an error may stand in the middle of a piece, or in two.
@@ -65,7 +85,7 @@ void Transcript::shown(std::u16string_view piece) {
         const std::size_t size = kEchoedErrorMark.size() + expected_.front().size();
         if (undecided_.size() < size) return;
         finishReceived();
-        write("echo", hosts::toUtf8(std::u16string_view(undecided_).substr(0, size)));
+        tell(EntryKind::Echo, hosts::toUtf8(std::u16string_view(undecided_).substr(0, size)));
         undecided_.erase(0, size);
         expected_.pop_front();
     }
@@ -74,9 +94,9 @@ void Transcript::shown(std::u16string_view piece) {
 
 void Transcript::ended(int exitCode, std::string_view words) {
     finishShown();
-    hosts::Json::Object result = entry("result", words);
-    result.push_back({"code", exitCode});
-    write_(hosts::write(result) + '\n');
+    Entry result = entry(EntryKind::Result, words);
+    result.code = exitCode;
+    tell_(result);
 }
 
 void Transcript::receive(std::u16string_view text) {
@@ -87,7 +107,7 @@ void Transcript::receive(std::u16string_view text) {
 }
 
 void Transcript::finishReceived() {
-    if (!received_.empty()) write("received", hosts::toUtf8(std::exchange(received_, {})));
+    if (!received_.empty()) tell(EntryKind::Received, hosts::toUtf8(std::exchange(received_, {})));
 }
 
 void Transcript::finishShown() {
@@ -95,12 +115,12 @@ void Transcript::finishShown() {
     finishReceived();
 }
 
-void Transcript::write(std::string_view kind, std::string_view text) {
-    write_(hosts::write(entry(kind, text)) + '\n');
+void Transcript::tell(EntryKind kind, std::string_view text) {
+    tell_(entry(kind, text));
 }
 
-hosts::Json::Object Transcript::entry(std::string_view kind, std::string_view text) const {
-    return {{"ms", now_()}, {"kind", kind}, {"text", text}, {"file", file_}, {"line", line_}};
+Entry Transcript::entry(EntryKind kind, std::string_view text) const {
+    return {kind, now_(), text, file_, line_};
 }
 
 }  // namespace kel::kelrun

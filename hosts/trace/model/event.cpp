@@ -7,6 +7,14 @@
 namespace kel::trace {
 namespace {
 
+// Microseconds are all that the clock is good for. A time that no run can have stays as it was
+// read.
+double inMicroseconds(double milliseconds) {
+    constexpr double kLongest = 1e12;
+    if (!(std::abs(milliseconds) < kLongest)) return milliseconds;
+    return std::round(milliseconds * 1000) / 1000;
+}
+
 Json hexadecimal(std::uint32_t code) {
     char text[11];
     std::snprintf(text, sizeof text, "0x%08lX", static_cast<unsigned long>(code));
@@ -100,8 +108,7 @@ Shown shown(const Json& json, const Json& text, bool isByCaller) {
 }  // namespace
 
 std::string toLine(const Event& event) {
-    // Microseconds are all that the clock is good for.
-    Json::Object members{{"t", std::round(event.time * 1000) / 1000}};
+    Json::Object members{{"t", inMicroseconds(event.time)}};
     std::visit(Teller{members}, event.what);
     return write(members);
 }

@@ -1,9 +1,12 @@
-// What kelrun tells about scripts and runs: diagnostics and transcripts.
+// What kelrun tells: its help, diagnostics and transcripts.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "hosts/kelrun/model/options.h"
 #include "hosts/kelrun/model/source_text.h"
 #include "hosts/kelrun/model/transcript.h"
 #include "hosts/shared/model/diagnostic.h"
@@ -13,39 +16,14 @@ namespace {
 
 using namespace std::string_literals;
 
-TEST(KelrunSourceText, PutsTheCaretUnderTheCharacterOfAByte) {
-    constexpr std::wstring_view kText =
-        L"one\r\n\ttwo\r\x00FC\x6F22x\n\ne\x0301x\x1Bz\n\xD83C\xDF0Ax";
-    const struct {
-        std::size_t line;
-        std::size_t column;
-        const char* excerpt;
-    } cases[] = {
-        {1, 1, "one\n^\n"},
-        {1, 3, "one\n  ^\n"},
-        {1, 4, "one\n   ^\n"},
-        {1, 99, "one\n   ^\n"},
-        {2, 2, "\ttwo\n\t^\n"},
-        {3, 2, "\u00FC\u6F22x\n ^\n"},    // where the character of two bytes begins
-        {3, 3, "\u00FC\u6F22x\n ^\n"},    // inside it
-        {3, 4, "\u00FC\u6F22x\n   ^\n"},  // beyond it, two columns on
-        {4, 1, ""},
-        {5, 3, "e\u0301x\u241Bz\n ^\n"},
-        {6, 3, "\U0001F30Ax\n  ^\n"},
-        {7, 1, ""},
-        {0, 1, ""},
-        {1, 2, "one\n ^\n"},
-    };
-    SourceText source(kText);
-    const auto bytesOf = [](std::u16string_view character) {
-        return character[0] > 0xFF ? std::size_t(character[0] == 0x0301 ? 1 : 2) : std::size_t(1);
-    };
-    for (const auto& row : cases) {
-        EXPECT_EQ(source.excerpt(row.line, row.column, bytesOf), row.excerpt)
-            << row.line << ":" << row.column;
-    }
-    const std::wstring longLine(501, L'x');
-    EXPECT_EQ(SourceText(longLine).excerpt(1, 1, bytesOf), "");
+TEST(KelrunOptions, HelpFitsAScreenAndNamesEveryExitCode) {
+    const std::string help = helpText();
+    EXPECT_LE(std::ranges::count(help, '\n'), 24);
+    std::istringstream lines(help);
+    for (std::string line; std::getline(lines, line);)
+        EXPECT_LT(line.size(), 80u) << line;
+    for (const char* code : {"codes: 0 ", "1 it failed", "2 wrong", "3 no", "4 cancelled", "5 a "})
+        EXPECT_NE(help.find(code), std::string::npos) << code;
 }
 
 TEST(KelrunDiagnostic, IsWrittenForUsersAndForEditors) {
@@ -77,8 +55,9 @@ protected:
 
     Transcript transcript{
         [] { return 7; },
-        [this](std::string_view line) {
-            const std::string entry(line);
+        [this](const Entry& told) {
+            const std::string entry = jsonLine(told);
+            if (entry.empty()) return;
             const auto kind = entry.find("kind") + 7;
             const auto end = entry.find("\",\"file");
             entries_ += entry.substr(kind, entry.find('"', kind) - kind) + " " +
@@ -114,8 +93,8 @@ TEST_F(KelrunTranscript, TellsWhatHappensAndWhere) {
 TEST_F(KelrunTranscript, TellsErrorsFromTheInstrumentsText) {
     const std::u16string shown = u">\r\n\r\nERROR: Not found: x\r\n>\r\nERROR: Not found: x";
     for (std::size_t size = 1; size <= shown.size(); ++size) {
-        transcript.errorFound("a.kel", 3, u"The line could not be sent");  // never shown
-        transcript.errorFound("a.kel", 4, u"Not found: x");
+        transcript.errorFound("a.kel", 3, 1, u"The line could not be sent");  // never shown
+        transcript.errorFound("a.kel", 4, 1, u"Not found: x");
         for (std::size_t i = 0; i < shown.size(); i += size)
             transcript.shown(std::u16string_view(shown).substr(i, size));
         transcript.ended(0, "");

@@ -4,6 +4,7 @@
 
 #include "com/variant.h"
 #include "tests/wine/support/fake_link.h"
+#include "tests/wine/support/library.h"
 
 namespace kel::test {
 namespace {
@@ -66,7 +67,14 @@ TEST(Dispatch, PutsAcceptWhatCanBeConverted) {
         {kBaudRate, kPut, Variant(L"fast"), ""},
         {kIdleProcessing, kPut, Variant(true), "IdleProcessing = -1\n"},
         {kIdleProcessing, kPut, Variant(1L), "IdleProcessing = -1\n"},
+        {kIdleProcessing, kPut, Variant(2L).convertedTo(VT_UI1), "IdleProcessing = -1\n"},
+        {kIdleProcessing, kPut, Variant(-1L).convertedTo(VT_I2), "IdleProcessing = -1\n"},
+        {kIdleProcessing, kPut, Variant(256L).convertedTo(VT_R8), "IdleProcessing = -1\n"},
+        {kIdleProcessing, kPut, Variant(L"True"), "IdleProcessing = -1\n"},
+        {kIdleProcessing, kPut, Variant(L"0"), "IdleProcessing = 0\n"},
         {kIdleProcessing, kPut, Variant(0L), "IdleProcessing = 0\n"},
+        {kIdleProcessing, kPut, Variant(), "IdleProcessing = 0\n"},
+        {kIdleProcessing, kPut, Variant(L"maybe"), ""},
         {kLogFile, kPut, Variant(L"a b"), "LogFile = \"a b\"\n"},
         {kLogFile, kPut, Variant(12L), "LogFile = \"12\"\n"},
     };
@@ -83,7 +91,7 @@ TEST(Dispatch, ObjectsArePutEitherWayAndManyValuesStandForNone) {
     for (const WORD flags : {kPut, kPutRef}) {
         const Variant port(link.port());
         EXPECT_EQ(call(link.communicator(), kLinkPort, flags, {port.get()}), S_OK);
-        EXPECT_EQ(link.takeWork(), "Link.Port = port\n");
+        EXPECT_EQ(link.takeWork(), "Link.Port = serial1\n");
         VARIANT null = raw(VT_NULL, nullptr);
         for (const VARIANT& none : {raw(VT_EMPTY, nullptr), null, kMissing.get(),
                                     raw(VT_DISPATCH, nullptr), raw(VT_VARIANT | VT_BYREF, &null)}) {
@@ -116,7 +124,7 @@ TEST(Dispatch, ReferencesAreAcceptedForValues) {
     EXPECT_EQ(call(link.port(), kBaudRate, kPut, {raw(VT_VARIANT | VT_BYREF, &text)}), S_OK);
     EXPECT_EQ(call(link.communicator(), kLinkPort, kPut, {raw(VT_DISPATCH | VT_BYREF, &port)}),
               S_OK);
-    EXPECT_EQ(link.takeWork(), "BaudRate = 2400\nBaudRate = 19200\nLink.Port = port\n");
+    EXPECT_EQ(link.takeWork(), "BaudRate = 2400\nBaudRate = 19200\nLink.Port = serial1\n");
     VariantClear(&text);
 }
 
@@ -143,12 +151,61 @@ TEST(Dispatch, OutParametersTakeAVariantOrTheirOwnType) {
     EXPECT_EQ(direct.view(), L"answer");
 
     // A failing call leaves it as it is.
-    link.onCall = [](const std::string&) { throw com::Error(E_ABORT); };
+    link.failCall(1, E_ABORT);
     EXPECT_EQ(call(link.port(), kWaitForString, DISPATCH_METHOD,
                    {text.get(), timeout.get(), text.get(), raw(VT_VARIANT | VT_BYREF, &target)}),
               DISP_E_EXCEPTION);
     EXPECT_EQ(Variant(target).toText(), "answer");
     VariantClear(&target);
+}
+
+TEST(Dispatch, ArgumentsMayBeNamed) {
+    FakeLink link;
+    std::wstring words[] = {L"waitforstring", L"sStopText", L"NTIMEOUT"};
+    LPOLESTR names[] = {words[0].data(), words[1].data(), words[2].data()};
+    DISPID identifiers[3];
+    ASSERT_EQ(link.port()->GetIDsOfNames(IID_NULL, names, 3, 0, identifiers), S_OK);
+    EXPECT_EQ(identifiers[0], kWaitForString);
+    const Variant stop(L"stop");
+    const Variant text(L"text");
+    com::Bstr reply;
+    // The named ones first, then the others from the last to the first.
+    VARIANT arguments[] = {stop.get(), kRate.get(), raw(VT_BSTR | VT_BYREF, reply.put()),
+                           text.get()};
+    DISPID named[] = {identifiers[1], identifiers[2], 3};
+    std::swap(arguments[0], arguments[2]);
+    std::swap(named[0], named[2]);
+    DISPPARAMS parameters = {arguments, named, 4, 3};
+    EXPECT_EQ(link.port()->Invoke(kWaitForString, IID_NULL, 0, DISPATCH_METHOD, &parameters,
+                                  nullptr, nullptr, nullptr),
+              S_OK);
+    EXPECT_EQ(link.takeWork(), "WaitForString \"text\" 9600 \"stop\"\n");
+    std::wstring unknown = L"sNothing";
+    LPOLESTR wrong[] = {names[0], unknown.data()};
+    EXPECT_EQ(link.port()->GetIDsOfNames(IID_NULL, wrong, 2, 0, identifiers), DISP_E_UNKNOWNNAME);
+}
+
+TEST(Dispatch, SurplusArgumentsGoToTheDefaultMemberOfAnObject) {
+    const auto preprocessor = kelUtils().create<IPreprocessorControl>(CLSID_Preprocessor);
+    com::check(preprocessor->put_Variable(com::Bstr(L"a").get(), com::Bstr(L"5").get()));
+    constexpr DISPID kVariables = 1010;
+    for (const Variant& index : {Variant(0L), Variant(L"A")}) {
+        Variant value;
+        EXPECT_EQ(call(preprocessor.Get(), kVariables, DISPATCH_PROPERTYGET | DISPATCH_METHOD,
+                       {index.get()}, value.put()),
+                  S_OK);
+        EXPECT_EQ(value.toText(), "5");
+    }
+    EXCEPINFO exception = {};
+    EXPECT_EQ(call(preprocessor.Get(), kVariables, DISPATCH_PROPERTYGET, {Variant(1L).get()},
+                   nullptr, &exception),
+              DISP_E_EXCEPTION);
+    EXPECT_EQ(com::view(exception.bstrDescription), L"There is no value with this index");
+    for (const BSTR text : {exception.bstrDescription, exception.bstrSource})
+        SysFreeString(text);
+    constexpr DISPID kCommunicator = 1;
+    EXPECT_EQ(call(preprocessor.Get(), kCommunicator, DISPATCH_PROPERTYGET, {kRate.get()}),
+              DISP_E_BADPARAMCOUNT);
 }
 
 TEST(Dispatch, RefusesWhatTheTypeLibraryDoesNotKnow) {
@@ -172,16 +229,17 @@ TEST(Dispatch, RefusesWhatTheTypeLibraryDoesNotKnow) {
     EXPECT_EQ(link.port()->GetTypeInfo(0, 0, nullptr), E_POINTER);
     EXPECT_EQ(link.port()->GetTypeInfoCount(nullptr), E_POINTER);
     EXPECT_EQ(link.takeWork(), "");
+    EXPECT_FALSE(takeError());
 }
 
 TEST(Dispatch, FailuresOfAMemberFillTheException) {
     FakeLink link;
-    link.onCall = [](const std::string&) { throw com::Error(E_ABORT, L"The cable is gone"); };
+    link.failCall(1, E_ABORT);
     EXCEPINFO exception = {};
     EXPECT_EQ(call(link.port(), kEcho, DISPATCH_METHOD, {Variant(L"x").get()}, nullptr, &exception),
               DISP_E_EXCEPTION);
     EXPECT_EQ(exception.scode, E_ABORT);
-    EXPECT_EQ(com::view(exception.bstrDescription), L"The cable is gone");
+    EXPECT_EQ(com::view(exception.bstrDescription), L"Call 1 fails on demand: serial1.Echo(\"x\")");
     for (const BSTR text :
          {exception.bstrDescription, exception.bstrSource, exception.bstrHelpFile}) {
         SysFreeString(text);

@@ -7,8 +7,8 @@
 #include "com/text.h"
 #include "interfaces/link_classes.h"
 #include "resources/resource_ids.h"
-#include "tests/wine/support/class_object.h"
 #include "tests/wine/support/bench_link.h"
+#include "tests/wine/support/class_object.h"
 #include "tests/wine/support/dialog_driver.h"
 #include "tests/wine/support/dialog_faults.h"
 #include "tests/wine/support/fake_link.h"
@@ -28,18 +28,14 @@ protected:
 
     // Stores connections "A", "B", ... on this port.
     void store(int count, const std::string& port) {
+        const std::string section = "KelGateConnect\\Connections";
         for (int i = 0; i < count; ++i) {
-            const std::string key = std::string(kKey) + "\\" + std::to_string(i);
-            write(key, "Name", std::string(1, static_cast<char>('A' + i)));
-            write(key, "Address", "127.0.0.1");
-            write(key, "Port", port);
+            const std::string connection = section + "\\" + std::to_string(i);
+            remember(connection, "Name", std::string(1, static_cast<char>('A' + i)));
+            remember(connection, "Address", "127.0.0.1");
+            remember(connection, "Port", port);
         }
-        const DWORD number = static_cast<DWORD>(count);
-        RegSetKeyValueA(HKEY_CURRENT_USER, kKey, "Count", REG_DWORD, &number, sizeof number);
-    }
-    static void write(const std::string& key, const char* name, const std::string& text) {
-        RegSetKeyValueA(HKEY_CURRENT_USER, key.c_str(), name, REG_SZ, text.c_str(),
-                        static_cast<DWORD>(text.size() + 1));
+        remember(section, "Count", static_cast<DWORD>(count));
     }
     // The stored names, in their order.
     static std::string stored() {
@@ -196,19 +192,20 @@ TEST_F(NetworkDialogTest, DoesNothingWhileNothingIsSelected) {
 
 TEST_F(NetworkDialogTest, EveryCallOfTheLinkMayFail) {
     store(2, listening());
-    for (const char* failing : {"", "Close", "Link.Port = foreign"}) {
-        SCOPED_TRACE(failing);
-        link_.onCall = [&](const std::string& call) {
-            if (call == failing) throw com::Error(E_ACCESSDENIED, L"the link fails");
-        };
-        const bool isConnected = show([&](DialogDriver& driver) {
-            driver.press(IDOK);
-            if (failing[0] == '\0') return;
-            driver.waitUntil("the failure is shown",
-                             [&] { return driver.text(IDC_NETWORK_STATUS) == L"the link fails"; });
-            driver.press(IDCANCEL);
-        });
-        EXPECT_EQ(isConnected, failing[0] == '\0');
+    for (const wchar_t* failing : {L"", L"get_Port", L"Close", L"put_Port"}) {
+        SCOPED_TRACE(com::narrow(std::wstring_view(failing)));
+        const bool fails = failing[0] != L'\0';
+        if (fails) link_.failMethod(failing);
+        EXPECT_EQ(show([&](DialogDriver& driver) {
+                      driver.press(IDOK);
+                      if (!fails) return;
+                      driver.waitUntil("the failure is shown", [&] {
+                          return driver.text(IDC_NETWORK_STATUS).find(L"fails on demand") !=
+                                 std::wstring::npos;
+                      });
+                      driver.press(IDCANCEL);
+                  }),
+                  !fails);
         EXPECT_EQ(stored(), "A B");
     }
 }

@@ -11,7 +11,6 @@
 #include "tests/wine/support/dialog_faults.h"
 #include "tests/wine/support/fake_link.h"
 #include "tests/wine/support/library.h"
-#include "tests/wine/support/traced_calls.h"
 
 namespace kel::test {
 namespace {
@@ -25,14 +24,6 @@ protected:
         link_.baudRate = 19200;
         for (const wchar_t* name : {L"COM4", L"COM5", L"COM6", L"COM7", L"COM8"})
             ports_.absentPorts[name] = 0;
-        const auto tell = [this](const char* who) {
-            return [this, who](const std::string& call) {
-                if (calls_++ == failing_) throw com::Error(E_ACCESSDENIED, L"the link fails");
-                log_ += who + call + "\n";
-            };
-        };
-        link_.onCall = tell("");
-        ports_.onCall = tell("new ");
         dialog_->put_Communicator(link_.communicator());
     }
 
@@ -56,13 +47,9 @@ protected:
         }
         return states;
     }
-    std::string takeLog() { return std::exchange(log_, {}); }
 
-    std::string log_;
-    int calls_ = 0;
-    int failing_ = -1;
     FakeLink link_;
-    FakeLink ports_;
+    FakeLink ports_{link_, "new "};
     std::optional<ClassObject> serial_{std::in_place, link::kSerialStreamClass, ports_.port()};
     com::ComPtr<IConnectSerialDialog> dialog_ =
         kelUtils().create<IConnectSerialDialog>(CLSID_ConnectSerialDialog);
@@ -70,6 +57,7 @@ protected:
 
 TEST_F(SerialDialogTest, LooksAtThePortsInOrder) {
     ports_.busyPorts[L"COM3"] = ERROR_ACCESS_DENIED;
+    link_.tellsFetches = true;
     const bool result = show([&](DialogDriver& driver) {
         EXPECT_EQ(states(driver), L"fsbaaaaa");
         EXPECT_EQ(driver.text(IDC_SERIAL_RATE), L"19200");
@@ -80,8 +68,8 @@ TEST_F(SerialDialogTest, LooksAtThePortsInOrder) {
     });
     EXPECT_FALSE(result);
     EXPECT_EQ(
-        takeLog(),
-        "IsOpen\nBaudRate\nConnectionString\n"
+        link_.takeWork(),
+        "Link.Port\nIsOpen\nBaudRate\nLink.Port\nConnectionString\n"
         "new PortExists COM1\nnew OpenPort COM1 9600\nnew Close\n"
         "new PortExists COM3\nnew OpenPort COM3 9600\nnew PortExists COM4\n"
         "new PortExists COM5\nnew PortExists COM6\nnew PortExists COM7\nnew PortExists COM8\n");
@@ -103,51 +91,26 @@ TEST_F(SerialDialogTest, ChoosesTheLowestFreePort) {
 }
 
 TEST_F(SerialDialogTest, ConnectsAndClosesTheFormerPortThen) {
+    link_.tellsFetches = true;
     EXPECT_TRUE(show([&](DialogDriver& driver) {
         driver.press(IDC_SERIAL_COM3);
         driver.waitUntil("COM3 is chosen", [&] { return states(driver)[2] == L's'; });
-        log_.clear();
+        link_.calls.clear();
         driver.press(IDOK);
     }));
-    EXPECT_EQ(takeLog(),
-              "ConnectionString\nnew OpenPort COM3: 19200\nClose\nLink.Port = foreign\n");
-}
-
-// With every call on the link, those that fetch its port included.
-TEST_F(SerialDialogTest, AConnectionAsTheTraceLinkSeesIt) {
-    for (const bool isBusy : {true, false}) {
-        ports_.busyPorts.clear();
-        if (isBusy) ports_.busyPorts[L"COM3"] = ERROR_ACCESS_DENIED;
-        TracedCalls trace(link_.communicator());
-        dialog_->put_Communicator(trace.link());
-        EXPECT_EQ(show([&](DialogDriver& driver) {
-                      driver.press(IDC_SERIAL_COM3);
-                      driver.waitUntil("COM3 is chosen", [&] { return states(driver)[2] == L's'; });
-                      driver.press(IDOK);
-                      if (!isBusy) return;
-                      driver.waitUntil("the failure", [&] {
-                          return driver.text(IDC_SERIAL_STATUS).starts_with(L"Unable");
-                      });
-                      cancel(driver);
-                  }),
-                  !isBusy);
-        dialog_->put_Communicator(nullptr);
-        const std::string calls =
-            "get_Port\nget_IsOpen\nget_BaudRate\nget_Port\nget_ConnectionString\n"
-            "get_Port\nget_ConnectionString\n";
-        EXPECT_EQ(trace.takeFrom("get_Port"),
-                  calls + (isBusy ? "" : "get_Port\nClose\nput_Port\n"));
-    }
+    EXPECT_EQ(link_.takeWork(),
+              "Link.Port\nConnectionString\nnew OpenPort COM3: 19200\nLink.Port\nClose\n"
+              "Link.Port = serial2\n");
 }
 
 TEST_F(SerialDialogTest, TheSamePortOnlyGetsItsRate) {
     link_.connectionString = L"com2";
     EXPECT_TRUE(show([&](DialogDriver& driver) {
         driver.send(driver.control(IDC_SERIAL_RATE), CB_SETCURSEL, 0);
-        log_.clear();
+        link_.calls.clear();
         driver.press(IDOK);
     }));
-    EXPECT_EQ(takeLog(), "ConnectionString\nBaudRate = 300\n");
+    EXPECT_EQ(link_.takeWork(), "ConnectionString\nBaudRate = 300\n");
     EXPECT_EQ(link_.baudRate, 300);
 }
 
@@ -156,7 +119,7 @@ TEST_F(SerialDialogTest, AFailureIsToldAndChangesNothing) {
     EXPECT_FALSE(show([&](DialogDriver& driver) {
         driver.press(IDC_SERIAL_COM3);
         driver.waitUntil("COM3 is chosen", [&] { return states(driver)[2] == L's'; });
-        log_.clear();
+        link_.calls.clear();
         driver.press(IDOK);
         driver.waitUntil("the failure is shown", [&] {
             return driver.text(IDC_SERIAL_STATUS) == L"Unable to connect to 'COM3' (error:5)";
@@ -166,7 +129,7 @@ TEST_F(SerialDialogTest, AFailureIsToldAndChangesNothing) {
         driver.waitUntil("COM3 is chosen", [&] { return states(driver)[2] == L's'; });
         cancel(driver);
     }));
-    EXPECT_EQ(takeLog().find("Link.Port"), std::string::npos);
+    EXPECT_EQ(link_.takeWork().find("Link.Port"), std::string::npos);
 }
 
 TEST_F(SerialDialogTest, EveryCallOfTheLinkMayFail) {
@@ -176,14 +139,13 @@ TEST_F(SerialDialogTest, EveryCallOfTheLinkMayFail) {
         PostMessageW(driver.window(), WM_COMMAND, IDOK, 0);
         PostMessageW(driver.window(), WM_COMMAND, IDCANCEL, 0);
     };
-    calls_ = 0;
     EXPECT_TRUE(show(connect));
-    const int all = calls_;
+    const long all = link_.callCount();
     ASSERT_GT(all, 15);
-    for (failing_ = 0; failing_ < all; ++failing_) {
-        SCOPED_TRACE(failing_);
-        calls_ = 0;
-        log_.clear();
+    for (long failing = 1; failing <= all; ++failing) {
+        SCOPED_TRACE(failing);
+        link_.failCall(failing);
+        link_.calls.clear();
         VARIANT_BOOL result = 7;
         DialogDriver user([&](DialogDriver& driver) {
             driver.waitFor(kSerialCaption);
@@ -192,12 +154,13 @@ TEST_F(SerialDialogTest, EveryCallOfTheLinkMayFail) {
         const HRESULT code = dialog_->ShowModal(0, &result);
         if (code != S_OK) {
             EXPECT_EQ(code, E_ACCESSDENIED);
-            EXPECT_EQ(takeError()->description, L"the link fails");
+            EXPECT_NE(takeError()->description.find(L"fails on demand"), std::wstring::npos);
         }
         // The former port is closed only once the new one is open.
-        const std::size_t closed = log_.find("\nClose\n");
+        const std::string work = link_.takeWork();
+        const std::size_t closed = work.find("\nClose\n");
         if (closed != std::string::npos) {
-            EXPECT_LT(log_.find("new OpenPort COM3: "), closed);
+            EXPECT_LT(work.find("new OpenPort COM3: "), closed);
         }
     }
 }

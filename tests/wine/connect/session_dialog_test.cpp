@@ -30,26 +30,10 @@ protected:
         link_.hasPort = false;
         for (const wchar_t* name : {L"COM1", L"COM4", L"COM5", L"COM6", L"COM7", L"COM8"})
             ports_.absentPorts[name] = 0;
-        const auto tell = [this](const char* who) {
-            return [this, who](const std::string& call) {
-                if (calls_++ == failing_) throw com::Error(E_ACCESSDENIED, L"the link fails");
-                log_ += who + call + "\n";
-            };
-        };
-        link_.onCall = tell("");
-        ports_.onCall = tell("new ");
         dialog_->put_Communicator(link_.communicator());
         dialog_->put_ApplicationName(com::Bstr(L"Test").get());
     }
 
-    void remember(const std::string& section, const char* name, DWORD number) {
-        RegSetKeyValueA(sandbox_.key(), (kStore + section).c_str(), name, REG_DWORD, &number,
-                        sizeof number);
-    }
-    void remember(const std::string& section, const char* name, const std::string& text) {
-        RegSetKeyValueA(sandbox_.key(), (kStore + section).c_str(), name, REG_SZ, text.c_str(),
-                        static_cast<DWORD>(text.size() + 1));
-    }
     void rememberSession(DWORD option, DWORD lastConnection) {
         remember("NewSessionDialog\\App_Test", "Option", option);
         remember("NewSessionDialog\\App_Test", "LastConnection", lastConnection);
@@ -134,7 +118,7 @@ protected:
         EXPECT_EQ(GetCursor(), cursor);
         if (code != S_OK) {
             EXPECT_EQ(code, allowed);
-            EXPECT_EQ(takeError()->description, L"the link fails");
+            EXPECT_NE(takeError()->description.find(L"fails on demand"), std::wstring::npos);
         }
         return result == VARIANT_TRUE;
     }
@@ -143,14 +127,10 @@ protected:
         network_.reset();
         network_.emplace(link::kNetworkStreamClass, ports_.network());
     }
-    std::string takeLog() { return std::exchange(log_, {}); }
 
     RegistrySandbox sandbox_{HKEY_CURRENT_USER};
-    std::string log_;
-    int calls_ = 0;
-    int failing_ = -1;
     FakeLink link_;
-    FakeLink ports_;
+    FakeLink ports_{link_, "new "};
     bench::test::TcpPeer peer_;
     ClassObject serial_{link::kSerialStreamClass, ports_.port()};
     std::optional<ClassObject> network_{
@@ -199,10 +179,10 @@ TEST_F(SessionDialogTest, ConnectsToTheRememberedPort) {
         EXPECT_EQ(textOf(driver, IDC_SERIAL_COM2), L"Com2, free");
         EXPECT_EQ(textOf(driver, IDC_SERIAL_COM3), L"Com3, selected");
         EXPECT_EQ(driver.focus(), driver.control(IDC_SESSION_SERIAL));
-        log_.clear();
+        link_.calls.clear();
         driver.key(VK_RETURN);
     }));
-    EXPECT_EQ(takeLog(), "new OpenPort COM3: 19200\nLink.Port = foreign\n");
+    EXPECT_EQ(link_.takeWork(), "new OpenPort COM3: 19200\nLink.Port = serial2\n");
     EXPECT_EQ(session(), "LastConnection = dword:000000d3\nOption = dword:000000d3\n");
     // Another port by the keyboard, and the message that confirms.
     link_.hasPort = false;
@@ -356,18 +336,18 @@ TEST_F(SessionDialogTest, ConnectsUnattendedOrTellsWhyNot) {
     rememberSession(213, 211);
     EXPECT_EQ(attempt(), L"No serial port is remembered for 'Test'");
     remember("SerialConnect\\App_Test\\Settings", "Port", "COM2");
-    log_.clear();
+    link_.calls.clear();
     EXPECT_EQ(attempt(), L"");
-    EXPECT_EQ(takeLog(), "new OpenPort COM2: 9600\nLink.Port = foreign\n");
+    EXPECT_EQ(link_.takeWork(), "new OpenPort COM2: 9600\nLink.Port = serial2\n");
     link_.hasPort = false;
     ports_.busyPorts[L"COM2"] = ERROR_SHARING_VIOLATION;
     EXPECT_EQ(attempt(), L"Unable to connect to 'COM2' (32)");
     rememberSession(212, 212);
     EXPECT_EQ(attempt(), L"No network connection is remembered");
     rememberPeer();
-    log_.clear();
+    link_.calls.clear();
     EXPECT_EQ(attempt(), L"");
-    EXPECT_EQ(takeLog(), "Link.Port = foreign\n");
+    EXPECT_EQ(link_.takeWork(), "Link.Port = foreign\n");
 }
 
 TEST_F(SessionDialogTest, RemembersTheConnectionOfItsHost) {
@@ -400,7 +380,7 @@ TEST_F(SessionDialogTest, AsksForThePasswordOfAGateway) {
         const std::wstring failed =
             L"Failed to connect to 127.0.0.1 : " + std::wstring(peer_.port().view());
         EXPECT_EQ(textOf(driver, IDC_NETWORK_STATUS), failed);
-        log_.clear();
+        link_.calls.clear();
         press(driver, IDOK);
         answer(driver, L"lake", IDCANCEL);
         driver.waitFor(kSessionCaption);
@@ -411,8 +391,9 @@ TEST_F(SessionDialogTest, AsksForThePasswordOfAGateway) {
         driver.waitUntil("the second attempt", [&] { return !IsWindow(first); });
         answer(driver, L"sea", IDOK);
     }));
-    EXPECT_NE(log_.find("new Password = \"lake\"\nnew ConnectTo"), std::string::npos);
-    EXPECT_NE(log_.find("new Password = \"sea\"\nnew ConnectTo"), std::string::npos);
+    const std::string work = link_.takeWork();
+    EXPECT_NE(work.find("new Password = \"lake\"\nnew ConnectTo"), std::string::npos);
+    EXPECT_NE(work.find("new Password = \"sea\"\nnew ConnectTo"), std::string::npos);
     EXPECT_EQ(joined(sandbox_.listing()).find("sea"), std::string::npos);
 
     dialog_->put_Unattended(VARIANT_TRUE);
@@ -426,16 +407,16 @@ TEST_F(SessionDialogTest, EveryCallOfTheLinkMayFail) {
     link_.answers["IsOpen"] = std::deque<bool>(500, false);
     link_.hasPort = true;
     for (const int option : {IDC_SESSION_SERIAL, IDC_SESSION_NETWORK}) {
-        failing_ = -1;
-        calls_ = 0;
+        const long before = link_.callCount();
         EXPECT_TRUE(connectOverPage(option, S_OK));
-        const int all = calls_;
+        const long all = link_.callCount() - before;
         ASSERT_GT(all, 10);
-        for (failing_ = 0; failing_ < all; ++failing_) {
-            SCOPED_TRACE(failing_);
-            calls_ = 0;
+        for (long failing = 1; failing <= all; ++failing) {
+            SCOPED_TRACE(failing);
+            link_.failCall(failing);
             connectOverPage(option, E_ACCESSDENIED);
         }
+        link_.session()->ClearFailure();
     }
 }
 

@@ -10,7 +10,6 @@
 #include "tests/support/cases.h"
 #include "tests/wine/support/dialog_driver.h"
 #include "tests/wine/support/dialog_faults.h"
-#include "tests/wine/support/late_bound.h"
 #include "tests/wine/support/library.h"
 #include "tests/wine/support/test_window.h"
 
@@ -149,31 +148,6 @@ TEST_F(MultiSelectTest, Cases) {
             shown += (isChecked(static_cast<long>(i)) ? " +" : " ") + names[i];
         EXPECT_EQ(shown + "\n", step.expected);
     }
-}
-
-TEST_F(MultiSelectTest, OptionsAreFoundByIndexOrName) {
-    const struct {
-        const char* call;
-        const char* shown;
-    } calls[] = {
-        {"Add \"Pressure\" true", ""},
-        {"Add \"Kelvin\" yes", ""},
-        {"Add none false", ""},
-        {"Value 0", "True"},
-        {"Value \"1\"", "DISP_E_BADINDEX There is no option with this name"},
-        {"Value \"kelvin\"", "True"},
-        {"Value \"PRESSURE\" = false", ""},
-        {"Value 0", "False"},
-        {"Name 1 = \"Temperature\"", ""},
-        {"Value \"Kelvin\"", "DISP_E_BADINDEX There is no option with this name"},
-        {"Name 1", "\"Temperature\""},
-        {"Name 2", "\"\""},
-        {"Name 3", "DISP_E_BADINDEX There is no option with this index"},
-        {"Name -1", "DISP_E_BADINDEX There is no option with this index"},
-        {"Value 3 = true", "DISP_E_BADINDEX There is no option with this index"},
-    };
-    for (const auto& row : calls)
-        EXPECT_EQ(call(dialog_.Get(), row.call), row.shown) << row.call;
 }
 
 TEST_F(MultiSelectTest, TheHostMayCallAnythingWhileItIsOpen) {

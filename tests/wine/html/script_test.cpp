@@ -113,25 +113,6 @@ TEST_F(ScriptTest, TheTableFindsItsObjects) {
             << row.index.toText();
         EXPECT_EQ(found.Get(), row.object) << row.index.toText();
     }
-    com::ComPtr<IKelObjects2> collection;
-    com::check(objects_.As(&collection));
-    com::ComPtr<IUnknown> walk;
-    EXPECT_EQ(collection->get__NewEnum(&walk), S_OK);
-    com::ComPtr<IEnumVARIANT> walker;
-    com::check(walk.As(&walker));
-    com::Variant first;
-    EXPECT_EQ(walker->Next(1, first.put(), nullptr), S_OK);
-    EXPECT_EQ(first.get().pdispVal, two.Get());
-    EXPECT_EQ(walker->Skip(2), S_FALSE);
-    com::Bstr name;
-    EXPECT_EQ(objects_->get_Name(0, name.put()), S_OK);
-    EXPECT_EQ(name.view(), L"Gauge");
-    EXPECT_EQ(objects_->get_Name(2, name.put()), DISP_E_BADINDEX);
-    EXPECT_EQ(objects_->put_Item(com::Bstr(L"").get(), one.Get()), E_INVALIDARG);
-    EXPECT_EQ(objects_->put_At(com::Variant(1L).get(), nullptr), S_OK);
-    long count = 0;
-    objects_->get_Count(&count);
-    EXPECT_EQ(count, 1);
 }
 
 TEST_F(ScriptTest, ScriptsReachTheTableAsItIsNow) {

@@ -59,6 +59,7 @@ protected:
         if (word == "hear") return show(com::Variant(peer.receive(std::stoul(rest))));
         if (word == "shown") return show(com::Variant(window_.shown()));
         if (word == "quiet") return call(object_.Get(), rest), "";
+        if (word == "error") return std::to_string(GetLastError());
         if (word == "closed") {
             while (isOpen())
                 stream->Sleep(1);

@@ -1,21 +1,20 @@
 #include "com/object.h"
 #include "tests/wine/link/connected_stream.h"
+#include "tests/wine/support/temporary_folder.h"
 
 namespace kel::bench::test {
 namespace {
 
-// Keeps the script that it is given.
 class PreprocessorDouble final : public com::Object<PreprocessorDouble, com::Dual<IPreprocessor>> {
 public:
     static constexpr com::ClassDescription kClass{};
 
-    std::wstring script;
+    int runs = 0;
     HRESULT code = S_OK;
 
-    STDMETHODIMP PreprocessAndRun(BSTR text, VARIANT_BOOL* result) override {
-        script = com::view(text);
-        *result = VARIANT_TRUE;
-        return code;
+    STDMETHODIMP PreprocessAndRun(BSTR, VARIANT_BOOL* result) override {
+        *result = VARIANT_FALSE;
+        return ++runs, code;
     }
     STDMETHODIMP get_ParentWindow(long*) override { return E_NOTIMPL; }
     STDMETHODIMP put_ParentWindow(long) override { return E_NOTIMPL; }
@@ -37,60 +36,23 @@ TEST_F(ConnectedStreamTest, TheEndOfTheConnectionIsNoErrorOfACommand) {
     EXPECT_EQ(awake, VARIANT_FALSE);
 }
 
-class CommandFileTest : public testing::Test {
-protected:
-    void SetUp() override {
-        communicator = create<IKelCommunicator>(kCommunicatorClass);
-        owner = com::createObject<PreprocessorDouble>(nullptr, &preprocessor);
-        ASSERT_EQ(communicator->put_Preprocessor(preprocessor), S_OK);
-        wchar_t temporary[MAX_PATH];
-        GetTempPathW(MAX_PATH, temporary);
-        folder = temporary;
-        wchar_t name[MAX_PATH];
-        GetTempFileNameW(temporary, L"kel", 0, name);
-        path = name;
-    }
-    void TearDown() override {
-        DeleteFileW(path.c_str());
-        communicator.Reset();
-    }
-
-    HRESULT run(const std::wstring& file) {
-        return communicator->RunCommandFile(Bstr(file).get(), &result);
-    }
-
-    ComPtr<IKelCommunicator> communicator;
-    ComPtr<IUnknown> owner;
-    PreprocessorDouble* preprocessor = nullptr;
-    std::wstring folder, path;
-    VARIANT_BOOL result = VARIANT_FALSE;
-};
-
-TEST_F(CommandFileTest, ReadsEveryEncodingAndLeavesLineEnds) {
-    const std::string files[] = {"\xE4\r\n#\n\r", "\xEF\xBB\xBF\xC3\xA4\r\n#\n\r",
-                                 std::string("\xFF\xFE\xE4\0\r\0\n\0#\0\n\0\r\0", 14),
-                                 std::string("\xFE\xFF\0\xE4\0\r\0\n\0#\0\n\0\r", 14)};
-    ASSERT_EQ(GetACP(), 1252u);
-    for (const std::string& bytes : files) {
-        FILE* file = _wfopen(path.c_str(), L"wb");
-        fwrite(bytes.data(), 1, bytes.size(), file);
-        fclose(file);
-        result = VARIANT_FALSE;
-        EXPECT_EQ(run(path), S_OK);
-        EXPECT_EQ(preprocessor->script, L"\u00E4\r\n#\n\r") << bytes;
-        EXPECT_EQ(result, VARIANT_TRUE);
-    }
+TEST(CommandFile, FailsWithTheReason) {
+    const auto communicator = create<IKelCommunicator>(kCommunicatorClass);
+    const kel::test::TemporaryFolder folder;
+    const auto preprocessor = com::makeObject<PreprocessorDouble>();
     preprocessor->code = DISP_E_OVERFLOW;
-    EXPECT_EQ(run(path), DISP_E_OVERFLOW);
-}
-
-TEST_F(CommandFileTest, NamesAFileThatItCannotRead) {
-    for (const std::wstring& bad : {folder, folder + L"missing.kel", folder + L"no\\such.kel"}) {
-        EXPECT_HRESULT_FAILED(run(bad));
+    ASSERT_EQ(communicator->put_Preprocessor(preprocessor.Get()), S_OK);
+    VARIANT_BOOL result = VARIANT_FALSE;
+    for (const std::wstring& bad :
+         {folder.path(), folder.path() + L"\\missing.kel", folder.path() + L"\\no\\such.kel"}) {
+        EXPECT_HRESULT_FAILED(communicator->RunCommandFile(Bstr(bad).get(), &result));
         EXPECT_NE(kel::test::takeError().value().description.find(bad), std::wstring::npos);
         EXPECT_EQ(result, VARIANT_FALSE);
     }
-    EXPECT_EQ(preprocessor->script, L"");
+    EXPECT_EQ(preprocessor->runs, 0);
+    const Bstr good(folder.file(L"good.kel", "x"));
+    EXPECT_EQ(communicator->RunCommandFile(good.get(), &result), DISP_E_OVERFLOW);
+    EXPECT_EQ(preprocessor->runs, 1);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 #include "tests/wine/link/access_test.h"
-#include "tests/wine/null_pointers.h"
+#include "tests/wine/support/refusals.h"
 
 namespace kel::bench::test {
 namespace {

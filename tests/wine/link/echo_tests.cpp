@@ -24,12 +24,6 @@ TEST_F(EchoTest, ShowsTextsOfTheHostAndTheConnection) {
                                   L"\r\n\r\nNot connected\r\n");
 }
 
-TEST_F(EchoTest, AWindowThatIsGoneDoesNoHarm) {
-    DestroyWindow(window.handle());
-    arrive("unseen");
-    EXPECT_EQ(waitFor(L"unseen", 0), (Outcome{true, "unseen"}));
-}
-
 TEST_F(EchoTest, ReachesAWindowOfAnotherThread) {
     HANDLE ready = CreateEventW(nullptr, FALSE, FALSE, nullptr);
     std::wstring shown;
@@ -67,28 +61,6 @@ TEST_F(EchoTest, AFullEditControlLosesItsOldestLines) {
     EXPECT_TRUE(shown.starts_with(L"line ")) << com::narrow(shown);
     EXPECT_TRUE(shown.ends_with(L"line 98\r\nline 99\r\n")) << com::narrow(shown);
     DestroyWindow(edit);
-}
-
-TEST_F(EchoTest, TheLogFileGetsWhatIsReceived) {
-    wchar_t folder[MAX_PATH], path[MAX_PATH];
-    GetTempPathW(MAX_PATH, folder);
-    GetTempFileNameW(folder, L"log", 0, path);
-    for (const char* session : {"first\r\n", "second"}) {
-        ASSERT_EQ(stream->put_LogFile(Bstr(std::wstring_view(path)).get()), S_OK);
-        arrive(session);
-        stream->Echo(Bstr(L"not received").get());
-        stream->ClearReadBuffer();
-        ASSERT_EQ(stream->put_LogFile(nullptr), S_OK);
-    }
-    arrive("unlogged");
-    char content[64] = {};
-    FILE* file = _wfopen(path, L"rb");
-    EXPECT_EQ(std::string(content, fread(content, 1, sizeof content, file)), "first\r\nsecond");
-    fclose(file);
-    DeleteFileW(path);
-
-    EXPECT_HRESULT_FAILED(stream->put_LogFile(Bstr(std::wstring_view(folder)).get()));
-    EXPECT_NE(kel::test::takeError().value().description.find(folder), std::wstring::npos);
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #include "tests/wine/link/access_test.h"
-#include "tests/wine/null_pointers.h"
 #include "tests/wine/support/event_sink.h"
+#include "tests/wine/support/refusals.h"
 #include "tests/wine/support/temporary_folder.h"
 
 namespace kel::bench::test {

@@ -1,7 +1,7 @@
 #include "tests/wine/link/recorder_test.h"
 
 #include "bench/instrument/card.h"
-#include "tests/wine/null_pointers.h"
+#include "tests/wine/support/refusals.h"
 
 namespace kel::bench::test {
 namespace {

@@ -1,6 +1,6 @@
 #include "com/variant.h"
 #include "tests/wine/link/connected_stream.h"
-#include "tests/wine/null_pointers.h"
+#include "tests/wine/support/refusals.h"
 
 namespace kel::bench::test {
 namespace {
@@ -44,42 +44,13 @@ TEST_F(StreamTest, AFailedConnectionLeavesThePresentOneAndTellsWhy) {
     EXPECT_EQ(waitFor(L"still", 0), (Outcome{false, ""})) << "a new connection starts empty";
 }
 
-TEST(LinkTest, ASerialPortThatIsMissingIsToldByTheLastError) {
-    const auto serial = create<ISerialStream>(link::kSerialStreamClass);
-    VARIANT_BOOL result = VARIANT_TRUE;
-    for (const wchar_t* name : {L"COM77", L"COM77:", L"", L"C:\\windows\\win.ini"}) {
-        EXPECT_EQ(serial->OpenPort(Bstr(std::wstring_view(name)).get(), 9600, &result), S_OK);
-        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
-        EXPECT_EQ(result, VARIANT_FALSE);
-    }
-}
-
-TEST(LinkTest, NullPointersAreRefused) {
-    kel::test::expectNullPointersRefused(create<INetworkStream>(link::kNetworkStreamClass).Get());
-    kel::test::expectNullPointersRefused(create<ISerialStream>(link::kSerialStreamClass).Get());
-    kel::test::expectNullPointersRefused(create<ICollection>(link::kCollectionClass).Get());
+TEST(LinkTest, ThereAreNoBinaryPackets) {
     const auto communicator = create<IKelCommunicator>(kCommunicatorClass);
-    kel::test::expectNullPointersRefused(communicator.Get());
     ComPtr<IBinaryCommunicator> binary;
     ASSERT_EQ(communicator.As(&binary), S_OK);
     kel::test::expectNullPointersRefused(binary.Get());
     ComPtr<IBinaryPacket> packet;
     EXPECT_EQ(binary->CreatePacket(&packet), E_NOTIMPL);
-}
-
-TEST(LinkTest, TheCollectionEnumerates) {
-    const auto collection = create<ICollection>(link::kCollectionClass);
-    for (const long number : {10L, 30L})
-        collection->Add(com::Variant(number).get());
-    com::Variant item;
-    ComPtr<IUnknown> unknown;
-    ASSERT_EQ(collection->get__NewEnum(&unknown), S_OK);
-    ComPtr<IEnumVARIANT> enumerator;
-    ASSERT_EQ(unknown.As(&enumerator), S_OK);
-    std::string all;
-    while (enumerator->Next(1, item.put(), nullptr) == S_OK)
-        all += item.toText() + " ";
-    EXPECT_EQ(all, "10 30 ");
 }
 
 }  // namespace

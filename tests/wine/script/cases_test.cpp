@@ -28,7 +28,7 @@ protected:
         } else if (name == "radio") {
             link_.isRadio = true;
         } else if (name == "network") {
-            link_.isSerial = false;
+            link_.isNetwork = true;
         } else if (setting == "no port") {
             link_.hasPort = false;
         } else if (setting == "no link") {

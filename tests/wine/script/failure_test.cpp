@@ -2,21 +2,14 @@
 
 #include <cstdlib>
 
-#include "tests/wine/null_pointers.h"
 #include "tests/wine/script/preprocessor_fixture.h"
 #include "tests/wine/support/import_patch.h"
+#include "tests/wine/support/refusals.h"
 
 namespace kel::test {
 namespace {
 
-class FailureTest : public PreprocessorTest {
-protected:
-    long linkCalls() const {
-        long count = 0;
-        com::check(trace_->get_CallCount(&count));
-        return count;
-    }
-};
+using FailureTest = PreprocessorTest;
 
 // Uses every kind of call on the link, the error report last.
 constexpr std::wstring_view kScript =
@@ -31,16 +24,16 @@ TEST_F(FailureTest, AnyFailingLinkCallEndsTheRunWithItsCode) {
     com::check(preprocessor_->put_ScriptPath(com::Bstr(L"C:\\windows\\system32").get()));
     link_.reply = L"n: 5.";
     EXPECT_FALSE(runWide(kScript));
-    const long calls = linkCalls();
+    const long calls = link_.callCount();
     ASSERT_GT(calls, 50);
     for (long i = 1; i <= calls; ++i) {
         SCOPED_TRACE(i);
-        const long failing = linkCalls() + i;
-        com::check(trace_->FailCall(i, E_ABORT));
+        const long failing = link_.callCount() + i;
+        link_.failCall(i, E_ABORT);
         VARIANT_BOOL result = VARIANT_TRUE;
         EXPECT_EQ(preprocessor_->PreprocessAndRun(com::Bstr(kScript).get(), &result), E_ABORT);
         EXPECT_EQ(result, VARIANT_FALSE);
-        EXPECT_EQ(linkCalls(), failing);
+        EXPECT_EQ(link_.callCount(), failing);
         const auto error = takeError();
         ASSERT_TRUE(error);
         const std::string text = com::narrow(error->description);
@@ -99,7 +92,7 @@ TEST_F(FailureTest, NullResultsAreRefusedBeforeAnythingHappens) {
     EXPECT_EQ(error->interfaceId, IID_IPreprocessor2);
     EXPECT_EQ(error->source, L"KelUtils.Preprocessor.1");
     EXPECT_NE(error->description, L"");
-    EXPECT_EQ(linkCalls(), 0);
+    EXPECT_EQ(link_.callCount(), 0);
 }
 
 TEST_F(FailureTest, TextsOfAnyContentGoThrough) {

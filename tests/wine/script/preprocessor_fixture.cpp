@@ -22,11 +22,8 @@ HRESULT FakeExtension::FunctionHandler(IKelCommunicator*, long number, IFlatColl
 }
 
 PreprocessorTest::PreprocessorTest()
-    : trace_(kelTrace().create<ITraceSession>(__uuidof(TraceSession))),
-      preprocessor_(kelUtils().create<IPreprocessorControl>(CLSID_Preprocessor)) {
-    com::ComPtr<IKelCommunicator> traced;
-    com::check(trace_->Attach(link_.communicator(), &traced));
-    com::check(preprocessor_->put_Communicator(traced.Get()));
+    : preprocessor_(kelUtils().create<IPreprocessorControl>(CLSID_Preprocessor)) {
+    com::check(preprocessor_->put_Communicator(link_.communicator()));
 }
 
 bool PreprocessorTest::run(std::string_view script) {

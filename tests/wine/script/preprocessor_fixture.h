@@ -1,5 +1,5 @@
 #pragma once
-// A Preprocessor on a traced double of the link, and a double of a host's words.
+// A Preprocessor on a double of the link, and a double of a host's words.
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "com/object.h"
-#include "hosts/trace/KelTrace.h"
 #include "tests/wine/support/fake_link.h"
 #include "tests/wine/support/library.h"
 
@@ -55,7 +54,6 @@ protected:
     static std::string report(std::string_view message, std::string_view part = {});
 
     FakeLink link_;
-    com::ComPtr<ITraceSession> trace_;
     com::ComPtr<IPreprocessorControl> preprocessor_;
 };
 

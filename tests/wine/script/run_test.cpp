@@ -27,7 +27,7 @@ TEST_F(RunTest, ClaimsTheStreamFromStartToEnd) {
         EXPECT_FALSE(isReading()) << script;
     }
     EXPECT_GT(calls, 20);
-    com::check(trace_->FailCall(3, E_ABORT));
+    link_.failCall(3, E_ABORT);
     VARIANT_BOOL result;
     EXPECT_EQ(preprocessor_->PreprocessAndRun(com::Bstr(L"line").get(), &result), E_ABORT);
     EXPECT_FALSE(isReading());

@@ -1,10 +1,14 @@
 #include <gtest/gtest.h>
+#include <objsafe.h>
+
+#include <set>
 
 #include "com/object.h"
 #include "interfaces/KelUtils.h"
-#include "tests/wine/null_pointers.h"
 #include "tests/wine/server/expected.h"
 #include "tests/wine/support/library.h"
+#include "tests/wine/support/refusals.h"
+#include "tests/wine/support/type_library.h"
 
 namespace kel::test {
 namespace {
@@ -83,20 +87,72 @@ TEST(ClassFactory, UnbuiltClassesSayWhichTheyAre) {
     }
 }
 
+// Its class, its default events, and that its dual interfaces are all reached late-bound.
+void expectClassInformation(const ExpectedClass& row, IDispatch* object) {
+    ComPtr<IProvideClassInfo2> information;
+    ComPtr<ISupportErrorInfo> support;
+    ComPtr<ITypeInfo> coclass, type;
+    ASSERT_EQ(object->QueryInterface(IID_PPV_ARGS(&information)), S_OK);
+    ASSERT_EQ(object->QueryInterface(IID_PPV_ARGS(&support)), S_OK);
+    ASSERT_EQ(information->GetClassInfo(&coclass), S_OK);
+    ASSERT_EQ(object->GetTypeInfo(0, 0, &type), S_OK);
+    EXPECT_EQ(attributesOf(coclass.Get()).guid, row.identifier);
+    GUID source{};
+    const bool hasEvents = row.interfaces.find("default source") != std::string::npos;
+    EXPECT_EQ(information->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, &source),
+              hasEvents ? S_OK : E_UNEXPECTED);
+    EXPECT_EQ(source != GUID_NULL, hasEvents);
+
+    std::set<std::string> reached;
+    for (const auto& level : levelsOf(type))
+        reached.insert(nameOf(level.Get()));
+    for (UINT i = 0; i < attributesOf(coclass.Get()).cImplTypes; ++i) {
+        const ComPtr<ITypeInfo> each = implemented(coclass.Get(), i);
+        INT flags = 0;
+        com::check(coclass->GetImplTypeFlags(i, &flags));
+        if (flags & IMPLTYPEFLAG_FSOURCE) continue;
+        const TYPEATTR attributes = attributesOf(each.Get());
+        EXPECT_EQ(support->InterfaceSupportsErrorInfo(attributes.guid), S_OK);
+        const bool isDual = attributes.wTypeFlags & TYPEFLAG_FDUAL;
+        EXPECT_EQ(reached.contains(nameOf(each.Get())), isDual) << nameOf(each.Get());
+    }
+    EXPECT_EQ(support->InterfaceSupportsErrorInfo(IID_IDispatch), S_FALSE);
+    EXPECT_EQ(support->InterfaceSupportsErrorInfo(IID_IStream), S_FALSE);
+}
+
+void expectUnsafe(IDispatch* object, const std::wstring& source) {
+    ComPtr<IObjectSafety> safety;
+    ASSERT_EQ(
+        object->QueryInterface(IID_IObjectSafety, reinterpret_cast<void**>(safety.GetAddressOf())),
+        S_OK);
+    DWORD supported = 7, enabled = 7;
+    EXPECT_EQ(safety->GetInterfaceSafetyOptions(IID_IDispatch, &supported, &enabled), S_OK);
+    EXPECT_EQ(supported + enabled, 0u);
+    EXPECT_EQ(safety->GetInterfaceSafetyOptions(IID_IStream, &supported, &enabled), E_NOINTERFACE);
+    EXPECT_EQ(safety->SetInterfaceSafetyOptions(IID_IDispatch, 0, 0), S_OK);
+    for (const DWORD option :
+         {INTERFACESAFE_FOR_UNTRUSTED_CALLER, INTERFACESAFE_FOR_UNTRUSTED_DATA}) {
+        EXPECT_EQ(safety->SetInterfaceSafetyOptions(IID_IDispatch, option, option), E_FAIL);
+        const auto told = takeError();
+        ASSERT_TRUE(told);
+        EXPECT_EQ(told->source, source);
+        EXPECT_EQ(told->interfaceId, IID_IObjectSafety);
+        EXPECT_NE(told->description, L"");
+    }
+}
+
 TEST(ClassFactory, BuiltClassesKeepTheManners) {
     for (const ExpectedClass& row : expectedClasses()) {
         if (!isBuilt(row)) continue;
         SCOPED_TRACE(row.name);
+        const std::wstring source = L"KelUtils." + com::widen(row.name) + L".1";
         const auto object = kelUtils().create<IDispatch>(row.identifier);
-        expectNullPointersRefused(object.Get());
-        ComPtr<IProvideClassInfo> information;
-        ComPtr<ITypeInfo> type;
-        TYPEATTR* attributes = nullptr;
-        ASSERT_EQ(object.As(&information), S_OK);
-        ASSERT_EQ(information->GetClassInfo(&type), S_OK);
-        ASSERT_EQ(type->GetTypeAttr(&attributes), S_OK);
-        EXPECT_EQ(attributes->guid, row.identifier);
-        type->ReleaseTypeAttr(attributes);
+        expectNullPointersRefused(object.Get(), source);
+        // Its window opens without a communicator.
+        const bool opens = row.name == "MultiSelectDialog";
+        expectFailuresExplained(object.Get(), source, opens ? "ShowModal" : "");
+        expectClassInformation(row, object.Get());
+        expectUnsafe(object.Get(), source);
 
         const auto outer = com::makeObject<Outer>();
         ASSERT_EQ(factoryOf(row.identifier)

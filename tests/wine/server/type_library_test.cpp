@@ -6,6 +6,7 @@
 #include "interfaces/KelUtils.h"
 #include "tests/wine/server/expected.h"
 #include "tests/wine/support/library.h"
+#include "tests/wine/support/type_library.h"
 
 namespace kel::test {
 namespace {
@@ -34,38 +35,12 @@ Documentation documentationOf(Info* info, MEMBERID member) {
     return {com::narrow(name.get()), com::narrow(help.get())};
 }
 
-TYPEATTR attributesOf(ITypeInfo* type) {
-    TYPEATTR* attributes = nullptr;
-    com::check(type->GetTypeAttr(&attributes));
-    const TYPEATTR copy = *attributes;
-    type->ReleaseTypeAttr(attributes);
-    return copy;
-}
-
-ComPtr<ITypeInfo> implemented(ITypeInfo* type, UINT index) {
-    HREFTYPE reference = 0;
-    ComPtr<ITypeInfo> implemented;
-    com::check(type->GetRefTypeOfImplType(index, &reference));
-    com::check(type->GetRefTypeInfo(reference, &implemented));
-    return implemented;
-}
-
-std::string nameOf(ITypeInfo* type) {
-    com::Bstr name;
-    com::check(type->GetDocumentation(MEMBERID_NIL, name.put(), nullptr, nullptr, nullptr));
-    return com::narrow(name.get());
-}
-
 void addMembers(ITypeInfo* type, bool withSlots, std::vector<std::string>& lines) {
-    const std::map<INVOKEKIND, std::string> kinds = {{INVOKE_FUNC, "call "},
-                                                     {INVOKE_PROPERTYGET, "get "},
-                                                     {INVOKE_PROPERTYPUT, "put "},
-                                                     {INVOKE_PROPERTYPUTREF, "putref "}};
     for (UINT i = 0; i < attributesOf(type).cFuncs; ++i) {
         FUNCDESC* function = nullptr;
         com::check(type->GetFuncDesc(i, &function));
         const std::string slot = std::to_string(function->oVft / sizeof(void*)) + " ";
-        lines.push_back("  " + (withSlots ? slot : "") + kinds.at(function->invkind) +
+        lines.push_back("  " + (withSlots ? slot : "") + kindOf(function->invkind) +
                         documentationOf(type, function->memid).name + " " +
                         std::to_string(function->memid));
         type->ReleaseFuncDesc(function);
@@ -107,33 +82,21 @@ std::string interfacesOf(ITypeInfo* coclass) {
     return text;
 }
 
-class TypeLibrary : public testing::Test {
-protected:
-    TypeLibrary() { com::check(LoadTypeLibEx(kelUtils().path().c_str(), REGKIND_NONE, &library_)); }
-
-    std::vector<ComPtr<ITypeInfo>> types() {
-        std::vector<ComPtr<ITypeInfo>> all(library_->GetTypeInfoCount());
-        for (UINT i = 0; i < all.size(); ++i)
-            com::check(library_->GetTypeInfo(i, &all[i]));
-        return all;
-    }
-
-    ComPtr<ITypeLib> library_;
-};
-
-TEST_F(TypeLibrary, HoldsExactlyTheInterfacesOfTheTable) {
-    const Documentation library = documentationOf(library_.Get(), MEMBERID_NIL);
+TEST(TypeLibrary, HoldsExactlyTheInterfacesOfTheTable) {
+    ComPtr<ITypeLib> all;
+    com::check(LoadTypeLibEx(kelUtils().path().c_str(), REGKIND_NONE, &all));
+    const Documentation library = documentationOf(all.Get(), MEMBERID_NIL);
     TLIBATTR* attributes = nullptr;
-    com::check(library_->GetLibAttr(&attributes));
+    com::check(all->GetLibAttr(&attributes));
     std::vector<std::string> lines = {
         "library " + library.name + " " + toText(attributes->guid) + " " +
         std::to_string(attributes->wMajorVerNum) + "." + std::to_string(attributes->wMinorVerNum) +
         " " + std::to_string(attributes->lcid) + " \"" + library.help + "\""};
-    library_->ReleaseTLibAttr(attributes);
+    all->ReleaseTLibAttr(attributes);
 
     // Interfaces by name, events after them.
     std::map<std::string, std::vector<std::string>> entries;
-    for (const ComPtr<ITypeInfo>& type : types()) {
+    for (const ComPtr<ITypeInfo>& type : libraryTypes()) {
         const std::vector<std::string> entry = entryOf(type.Get());
         if (entry.empty()) continue;
         const bool isEvents = entry[0].starts_with("events");
@@ -144,14 +107,14 @@ TEST_F(TypeLibrary, HoldsExactlyTheInterfacesOfTheTable) {
     EXPECT_EQ(joined(lines), joined(resourceLines(L"interface_table")));
 }
 
-TEST_F(TypeLibrary, HoldsExactlyTheClassesOfTheTable) {
+TEST(TypeLibrary, HoldsExactlyTheClassesOfTheTable) {
     std::map<std::string, std::string> expected;
     for (const ExpectedClass& row : expectedClasses()) {
         expected[toText(row.identifier)] =
             row.name + (row.registryScript ? " " : " noncreatable ") + row.interfaces;
     }
     std::map<std::string, std::string> found;
-    for (const ComPtr<ITypeInfo>& type : types()) {
+    for (const ComPtr<ITypeInfo>& type : libraryTypes()) {
         const TYPEATTR attributes = attributesOf(type.Get());
         if (attributes.typekind != TKIND_COCLASS) continue;
         const bool isCreatable = attributes.wTypeFlags & TYPEFLAG_FCANCREATE;

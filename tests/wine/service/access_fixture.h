@@ -1,10 +1,9 @@
 #pragma once
-// What the tests of services with an access object share: one log for it and the link, failures on
-// demand, a user.
+// What the tests of services with an access object share: one log for it and the link,
+// and a user.
 
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <functional>
 #include <memory>
 #include <set>
@@ -74,48 +73,6 @@ protected:
         return text;
     }
 
-    // Lets every call of link and access object fail in turn: alone, and with all that follow.
-    // `early`: so many come before there is a window. The steps must not need success.
-    void letEveryCallFail(int early, const std::function<void(DialogDriver&)>& steps) {
-        const auto closeAfterSteps = [&](DialogDriver& driver) {
-            steps(driver);
-            // The first attempt may fail.
-            for (int i = 0; i < 2 && IsWindowVisible(driver.window()); ++i)
-                SendMessageW(driver.window(), WM_COMMAND, IDCANCEL, 0);
-            driver.waitUntil("the dialog is closed", [&] { return !IsWindow(driver.window()); });
-        };
-        calls_ = 0;
-        show(closeAfterSteps);
-        const int all = calls_;
-        ASSERT_GT(all, early + 2);
-        for (int i = 0; i < 2 * all; ++i) {
-            failing_ = i % all;
-            staysBroken_ = i >= all;
-            SCOPED_TRACE(std::to_string(failing_) + (staysBroken_ ? " and all that follow" : ""));
-            calls_ = 0;
-            link_.echoWindow = 42;
-            if (failing_ < early) {
-                EXPECT_EQ(showNothing(), E_ACCESSDENIED);
-            } else {
-                VARIANT_BOOL result = 7;
-                DialogDriver user([&](DialogDriver& driver) {
-                    driver.waitFor(caption_);
-                    closeAfterSteps(driver);
-                });
-                const HRESULT code = dialog_->ShowModal(0, &result);
-                if (code != S_OK) {
-                    EXPECT_EQ(code, E_ACCESSDENIED);
-                    EXPECT_EQ(takeError()->description, L"the link fails");
-                }
-            }
-            // The last two calls are those that restore.
-            if (!staysBroken_ && failing_ < all - 2) {
-                EXPECT_EQ(link_.echoWindow, 42);
-            }
-        }
-        failing_ = INT_MAX;
-    }
-
     // Presses a button that can be pressed, and waits until that is done.
     static void click(DialogDriver& driver, int button) {
         if (IsWindowEnabled(driver.control(button))) driver.send(driver.control(button), BM_CLICK);
@@ -125,11 +82,7 @@ protected:
     static void poll(DialogDriver& driver) { driver.send(driver.window(), WM_TIMER, 1); }
 
     void tell(const std::string& call) {
-        const bool isPoll = polls_.contains(call);
-        const int number = isPoll ? calls_ : calls_++;
-        if (staysBroken_ ? number >= failing_ : number == failing_ && !isPoll)
-            throw com::Error(E_ACCESSDENIED, L"the link fails");
-        if (!isPoll) log_ += call + "\n";
+        if (!polls_.contains(call)) log_ += call + "\n";
     }
 
     std::string takeLog() { return std::exchange(log_, {}); }
@@ -137,9 +90,6 @@ protected:
     const std::wstring caption_;
     const std::set<std::string> polls_;
     std::string log_;
-    int calls_ = 0;
-    int failing_ = INT_MAX;
-    bool staysBroken_ = false;
     FakeLink link_;
     com::ComPtr<Access> access_;
     std::unique_ptr<ClassObject> class_;

@@ -163,14 +163,5 @@ TEST_F(CompassTest, ClosingCancelsEvenInTheMiddleOfAReading) {
     EXPECT_EQ(report_.bytes(), expectedReport("canceled.html"));
 }
 
-TEST_F(CompassTest, EveryCallMayFail) {
-    access_->readings.resize(1);
-    letEveryCallFail(4, [&](DialogDriver& driver) {
-        calibrate(driver);
-        click(driver, IDC_COMPASS_STOP);
-        calibrate(driver);
-    });
-}
-
 }  // namespace
 }  // namespace kel::test

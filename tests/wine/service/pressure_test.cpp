@@ -176,17 +176,5 @@ TEST_F(PressureTest, ALinkThatIsGoneDoesNotKeepTheDialogOpen) {
     }));
 }
 
-TEST_F(PressureTest, EveryCallMayFail) {
-    letEveryCallFail(6, [&](DialogDriver& driver) {
-        click(driver, IDC_PRESSURE_START);
-        access_->samples = 1;
-        poll(driver);
-        click(driver, IDC_PRESSURE_STOP);
-        // Refused first, so that the dialog stays and is closed.
-        link_.answers["Link.SendCommand"] = {true};
-        click(driver, IDC_PRESSURE_SET);
-    });
-}
-
 }  // namespace
 }  // namespace kel::test

@@ -3,12 +3,15 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 #include <new>
 #include <utility>
 
 #include "settings/settings_key.h"
 #include "settings/settings_list.h"
 #include "settings/vocabulary.h"
+#include "tests/support/project_file.h"
 #include "tests/wine/support/import_patch.h"
 #include "tests/wine/support/library.h"
 #include "tests/wine/support/registry_sandbox.h"
@@ -52,6 +55,11 @@ protected:
             0);
     }
 
+    static std::string fileText(const std::filesystem::path& path) {
+        std::ifstream file(path);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
     static Entries connections() { return readList(connections::kKey, connections::kFields); }
 
     test::RegistrySandbox sandbox_{HKEY_CURRENT_USER};
@@ -74,47 +82,8 @@ TEST_F(SettingsTest, EverythingIsKeptAsTheTableSays) {
     const SettingsKey recorder = SettingsKey::forWriting(recorder::kKey);
     WriteStringSetting(recorder, recorder::kDownloadFolder, "");
     WriteStringSetting(recorder, recorder::kDownloadRate, "57600");
-    EXPECT_EQ(test::joined(sandbox_.listing()), R"(
-Software
-Software\Kelvra
-Software\Kelvra\Components
-Software\Kelvra\Components\KelGateConnect
-Software\Kelvra\Components\KelGateConnect\Connections
-Software\Kelvra\Components\KelGateConnect\Connections : Count = dword:00000002
-Software\Kelvra\Components\KelGateConnect\Connections\0
-Software\Kelvra\Components\KelGateConnect\Connections\0 : Address = "10.0.0.7"
-Software\Kelvra\Components\KelGateConnect\Connections\0 : Name = "Pier"
-Software\Kelvra\Components\KelGateConnect\Connections\0 : Port = "4444"
-Software\Kelvra\Components\KelGateConnect\Connections\1
-Software\Kelvra\Components\KelGateConnect\Connections\1 : Address = "buoy"
-Software\Kelvra\Components\KelGateConnect\Connections\1 : Name = ""
-Software\Kelvra\Components\KelGateConnect\Connections\1 : Port = "23"
-Software\Kelvra\Components\NewSessionDialog
-Software\Kelvra\Components\NewSessionDialog\App_
-Software\Kelvra\Components\NewSessionDialog\App_ : LastConnection = dword:ffffffff
-Software\Kelvra\Components\NewSessionDialog\App_ : Option = dword:00000002
-Software\Kelvra\Components\NewSessionDialog\App_Host
-Software\Kelvra\Components\NewSessionDialog\App_Host : LastConnection = dword:ffffffff
-Software\Kelvra\Components\NewSessionDialog\App_Host : Option = dword:00000002
-Software\Kelvra\Components\OpenDataFileDialog
-Software\Kelvra\Components\OpenDataFileDialog\App_Host
-Software\Kelvra\Components\OpenDataFileDialog\App_Host\RecentFiles
-Software\Kelvra\Components\OpenDataFileDialog\App_Host\RecentFiles : Count = dword:00000001
-Software\Kelvra\Components\OpenDataFileDialog\App_Host\RecentFiles\0
-Software\Kelvra\Components\OpenDataFileDialog\App_Host\RecentFiles\0 : FileName = "C:\Data\a.dat"
-Software\Kelvra\Components\OpenDataFileDialog\App_Host\Settings
-Software\Kelvra\Components\OpenDataFileDialog\App_Host\Settings : Use Workspaces = dword:00000001
-Software\Kelvra\Components\Recorder
-Software\Kelvra\Components\Recorder : DownloadFolder = ""
-Software\Kelvra\Components\Recorder : DownoadRate = "57600"
-Software\Kelvra\Components\SerialConnect
-Software\Kelvra\Components\SerialConnect\App_Host
-Software\Kelvra\Components\SerialConnect\App_Host\Settings
-Software\Kelvra\Components\SerialConnect\App_Host\Settings : Baud = "19200"
-Software\Kelvra\Components\SerialConnect\App_Host\Settings : Port = "Com3:"
-Software\Kelvra\Components\UploadFirmwareDialog
-Software\Kelvra\Components\UploadFirmwareDialog : LastUsedFile = "f.hex"
-)");
+    EXPECT_EQ(test::joined(sandbox_.listing()),
+              fileText(test::projectFile("tests/wine/settings/kept.txt")));
 }
 
 TEST_F(SettingsTest, ATextThatIsNotKeptWholeIsListedByItsBytes) {

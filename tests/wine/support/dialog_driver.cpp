@@ -101,9 +101,8 @@ void DialogDriver::giveUp(const std::string& reason) {
     ADD_FAILURE() << report.str();
     hasEnded_ = true;
     for (; !isOver_; Sleep(20)) {
-        for (const HWND window : windowsOf(testThread_)) {
-            if (isDialog(window)) PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
-        }
+        for (const HWND window : dialogs())
+            PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
     }
 }
 
@@ -113,6 +112,12 @@ void DialogDriver::runMessageLoop() {
         com::runWaitingMessages();
     }
     com::runWaitingMessages();
+}
+
+std::vector<HWND> DialogDriver::dialogs() const {
+    std::vector<HWND> windows = windowsOf(testThread_);
+    std::erase_if(windows, [](HWND window) { return !isDialog(window); });
+    return windows;
 }
 
 void DialogDriver::waitUntil(const char* what, const std::function<bool()>& holds) {
@@ -127,9 +132,8 @@ void DialogDriver::waitUntil(const char* what, const std::function<bool()>& hold
 HWND DialogDriver::waitFor(const std::wstring& caption) {
     window_ = nullptr;
     waitUntil(("for '" + com::narrow(caption) + "'").c_str(), [&] {
-        for (const HWND window : windowsOf(testThread_)) {
-            if (isDialog(window) && captionOf(window) == caption) window_ = window;
-        }
+        for (const HWND window : dialogs())
+            if (captionOf(window) == caption) window_ = window;
         return window_ != nullptr;
     });
     // It takes input when its loop has come round.

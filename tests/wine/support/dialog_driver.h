@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <vector>
 
 namespace kel::test {
 
@@ -36,6 +37,8 @@ public:
 
     // Waits for a dialog with this caption that takes input. The following steps are for it.
     HWND waitFor(const std::wstring& caption);
+    // The dialogs that take input now.
+    std::vector<HWND> dialogs() const;
     // Waits until something holds.
     void waitUntil(const char* what, const std::function<bool()>& holds);
 

@@ -11,12 +11,12 @@
 namespace kel::test {
 namespace {
 
-std::string showFailure(HRESULT code, const BSTR reason) {
+std::string showFailure(const Outcome& outcome) {
     const std::pair<HRESULT, const char*> names[] = {
         {E_FAIL, "E_FAIL"}, {E_INVALIDARG, "E_INVALIDARG"}, {DISP_E_BADINDEX, "DISP_E_BADINDEX"}};
     for (const auto& [known, name] : names)
-        if (code == known) return name + (" " + com::narrow(com::view(reason)));
-    return std::to_string(code);
+        if (outcome.code == known) return name + (" " + outcome.reason);
+    return std::to_string(outcome.code);
 }
 
 com::Variant argument(const std::string& word) {
@@ -37,42 +37,57 @@ std::string show(const com::Variant& value) {
     return value.type() == VT_EMPTY ? "" : value.toText();
 }
 
-std::string call(IDispatch* object, const std::string& line) {
+Outcome invoke(IDispatch* object, const std::string& line,
+               const std::map<std::string, com::Variant>& values) {
     const std::regex pattern("\"[^\"]*\"|\\S+");
     std::vector<std::string> words;
     for (std::sregex_iterator word(line.begin(), line.end(), pattern), end; word != end; ++word)
         words.push_back(word->str());
+    Outcome outcome;
     std::wstring name = com::widen(words[0]);
     LPOLESTR names = name.data();
-    DISPID member = 0;
-    com::check(object->GetIDsOfNames(IID_NULL, &names, 1, 0, &member));
+    outcome.code = object->GetIDsOfNames(IID_NULL, &names, 1, 0, &outcome.member);
+    if (FAILED(outcome.code)) return outcome;
     const bool isPut = std::erase(words, "=") > 0;
 
-    std::deque<com::Variant> values, outs;
+    std::deque<com::Variant> held;
     std::vector<VARIANT> arguments;
     for (std::size_t i = words.size(); --i > 0;) {
+        const auto known = values.find(words[i]);
         VARIANT place;
         place.vt = VT_BYREF | VT_VARIANT;
-        if (words[i] == "out") place.pvarVal = outs.emplace_front().put();
-        arguments.push_back(words[i] == "out" ? place
-                                              : values.emplace_back(argument(words[i])).get());
+        if (words[i] == "out") {
+            place.pvarVal = outcome.outs.emplace_front().put();
+        } else {
+            place =
+                held.emplace_back(known == values.end() ? argument(words[i]) : known->second).get();
+        }
+        arguments.push_back(place);
     }
     DISPID put = DISPID_PROPERTYPUT;
     DISPPARAMS parameters{arguments.data(), isPut ? &put : nullptr,
                           static_cast<UINT>(arguments.size()), isPut ? 1u : 0u};
     EXCEPINFO failure{};
-    com::Variant result;
-    const HRESULT code = object->Invoke(
-        member, IID_NULL, 0,
+    SetErrorInfo(0, nullptr);
+    SetLastError(ERROR_SUCCESS);
+    outcome.code = object->Invoke(
+        outcome.member, IID_NULL, 0,
         static_cast<WORD>(isPut ? DISPATCH_PROPERTYPUT : DISPATCH_METHOD | DISPATCH_PROPERTYGET),
-        &parameters, isPut ? nullptr : result.put(), &failure, nullptr);
-    const com::Bstr reason(com::view(failure.bstrDescription));
+        &parameters, isPut ? nullptr : outcome.result.put(), &failure, nullptr);
+    outcome.lastError = GetLastError();
+    outcome.reason = com::narrow(failure.bstrDescription);
     for (const BSTR text : {failure.bstrDescription, failure.bstrSource, failure.bstrHelpFile})
         SysFreeString(text);
-    if (code != S_OK)
-        return showFailure(code == DISP_E_EXCEPTION ? failure.scode : code, reason.get());
-    std::string shown = show(result);
-    for (const com::Variant& out : outs)
+    if (outcome.code == DISP_E_EXCEPTION) outcome.code = failure.scode;
+    return outcome;
+}
+
+std::string call(IDispatch* object, const std::string& line) {
+    const Outcome outcome = invoke(object, line);
+    if (outcome.code == DISP_E_UNKNOWNNAME) throw com::Error(outcome.code);
+    if (outcome.code != S_OK) return showFailure(outcome);
+    std::string shown = show(outcome.result);
+    for (const com::Variant& out : outcome.outs)
         shown += " " + show(out);
     return shown;
 }

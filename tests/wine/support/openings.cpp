@@ -8,7 +8,6 @@
 #include "com/variant.h"
 #include "interfaces/KelUtils.h"
 #include "interfaces/link_classes.h"
-#include "settings/vocabulary.h"
 #include "tests/support/cases.h"
 #include "tests/wine/service/fake_compass.h"
 #include "tests/wine/service/fake_pressure.h"
@@ -22,6 +21,8 @@
 
 namespace kel::test {
 namespace {
+
+constexpr wchar_t kFailure[] = L"The port is not open";
 
 // The value of a setting, written as "name value"; empty where there is none.
 std::string setting(const Step& step, std::string_view name) {
@@ -40,21 +41,15 @@ void runScript(IDispatch* object, const std::string& script) {
 }
 
 // From "KelGateConnect\Connections Count = dword:3".
-void remember(const std::string& line) {
+void rememberLine(const std::string& line) {
     const std::size_t equals = line.find(" = ");
     const std::size_t name = line.find(' ');
-    const std::string section = std::string(settings::kRoot) + line.substr(0, name);
+    const std::string section = line.substr(0, name);
     const std::string value = line.substr(name + 1, equals - name - 1);
     const std::string text = line.substr(equals + 3);
     constexpr std::string_view kNumber = "dword:";
-    if (text.starts_with(kNumber)) {
-        const auto number = static_cast<DWORD>(std::stoul(text.substr(kNumber.size())));
-        RegSetKeyValueA(HKEY_CURRENT_USER, section.c_str(), value.c_str(), REG_DWORD, &number,
-                        sizeof number);
-    } else {
-        RegSetKeyValueA(HKEY_CURRENT_USER, section.c_str(), value.c_str(), REG_SZ, text.c_str(),
-                        static_cast<DWORD>(text.size() + 1));
-    }
+    if (!text.starts_with(kNumber)) return remember(section, value, text);
+    remember(section, value, static_cast<DWORD>(std::stoul(text.substr(kNumber.size()))));
 }
 
 // Its files are all there already.
@@ -93,6 +88,12 @@ std::vector<Opening> readOpenings() {
             opening.button = std::stoi(press);
             opening.buttonCaption = com::widen(press.substr(press.find(' ') + 1));
         }
+        // "fail StartCollection 428"
+        const std::string fail = setting(step, "fail");
+        if (!fail.empty()) {
+            opening.failingCall = fail.substr(0, fail.find(' '));
+            opening.statusLine = std::stoi(fail.substr(fail.find(' ') + 1));
+        }
         openings.push_back(opening);
     }
     return openings;
@@ -107,7 +108,7 @@ void open(const Opening& opening, const std::function<void(HWND)>& look) {
     com::check(CLSIDFromProgID(opening.component.c_str(), &component));
     const RegistrySandbox settings(HKEY_CURRENT_USER);
     for (const std::string& line : opening.remembered)
-        remember(line);
+        rememberLine(line);
     FakeLink link;
     link.hasPort = opening.hasPort;
     link.connectionString = L"COM3:";
@@ -116,11 +117,17 @@ void open(const Opening& opening, const std::function<void(HWND)>& look) {
     link.gatewayPassword = L"sea";
     const ClassObject serial(link::kSerialStreamClass, link.port());
     const ClassObject network(link::kNetworkStreamClass, link.network());
-    const ClassObject compass(link::kCompassAccessClass,
-                              com::makeObject<FakeCompass>()->controlling());
-    const ClassObject pressure(link::kPressureAccessClass,
-                               com::makeObject<FakePressure>()->controlling());
-    link.access = makeRecorder()->controlling();
+    const auto compassAccess = com::makeObject<FakeCompass>();
+    const auto pressureAccess = com::makeObject<FakePressure>();
+    const auto recorder = makeRecorder();
+    link.onCall = compassAccess->onCall = pressureAccess->onCall =
+        recorder->onCall = [&](const std::string& call) {
+            if (!opening.failingCall.empty() && call.starts_with(opening.failingCall))
+                throw com::Error(E_FAIL, kFailure);
+        };
+    const ClassObject compass(link::kCompassAccessClass, compassAccess->controlling());
+    const ClassObject pressure(link::kPressureAccessClass, pressureAccess->controlling());
+    link.access = recorder->controlling();
     const ClassObject collections(link::kCollectionClass, [] { return makeCollection(false); });
     const auto object = kelUtils().create<IDispatch>(component);
     com::ComPtr<IKelModalDialog> dialog;
@@ -131,9 +138,13 @@ void open(const Opening& opening, const std::function<void(HWND)>& look) {
             PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(opening.button), 0);
             driver.waitFor(opening.buttonCaption);
         }
+        if (opening.statusLine != 0) {
+            driver.waitUntil("the failure",
+                             [&] { return driver.text(opening.statusLine) == kFailure; });
+        }
         look(driver.window());
         PostMessageW(driver.window(), WM_COMMAND, IDCANCEL, 0);
-        if (opening.button != 0) {
+        if (driver.window() != window) {
             driver.waitFor(opening.caption);
             PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
         }

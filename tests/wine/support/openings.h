@@ -20,6 +20,8 @@ struct Opening {
     bool hasPort = true;                  // the link's
     int button = 0;                       // pressed to come from there to the window
     std::wstring buttonCaption;           // of the window that the button opens
+    std::string failingCall;              // of the link or the access objects
+    int statusLine = 0;                   // that tells of the failure after the button
 };
 
 std::vector<Opening> readOpenings();

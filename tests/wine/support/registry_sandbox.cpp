@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "com/error.h"
+#include "settings/vocabulary.h"
 
 namespace kel::test {
 namespace {
@@ -88,6 +89,16 @@ std::set<std::string> RegistrySandbox::listing() const {
     std::set<std::string> lines;
     addKeys(key(), "", lines);
     return lines;
+}
+
+void remember(const std::string& section, const std::string& name, DWORD number) {
+    RegSetKeyValueA(HKEY_CURRENT_USER, (settings::kRoot + section).c_str(), name.c_str(), REG_DWORD,
+                    &number, sizeof number);
+}
+
+void remember(const std::string& section, const std::string& name, const std::string& text) {
+    RegSetKeyValueA(HKEY_CURRENT_USER, (settings::kRoot + section).c_str(), name.c_str(), REG_SZ,
+                    text.c_str(), static_cast<DWORD>(text.size() + 1));
 }
 
 std::string joined(const std::set<std::string>& lines) {

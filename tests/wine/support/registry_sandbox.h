@@ -35,6 +35,10 @@ private:
     com::RegistryKeyHandle key_;
 };
 
+// A setting of the current user, as a dialog keeps it in a section of the store.
+void remember(const std::string& section, const std::string& name, DWORD number);
+void remember(const std::string& section, const std::string& name, const std::string& text);
+
 // One line below the other.
 std::string joined(const std::set<std::string>& lines);
 

@@ -3,7 +3,6 @@
 
 #include "resources/resource_ids.h"
 #include "tests/support/cases.h"
-#include "tests/wine/support/traced_calls.h"
 #include "tests/wine/terminal/terminal_fixture.h"
 
 namespace kel::test {
@@ -216,9 +215,9 @@ TEST_F(KeyTest, WhatCannotBeSentStays) {
     EXPECT_EQ(takeError()->description, L"The command could not be sent to the instrument");
     EXPECT_EQ(textOf(commandLine()), L"start");
     // By the key the reason is shown.
-    link.onCall = [](const std::string&) { throw com::Error(E_ACCESSDENIED, L"line is dead"); };
+    link.failMethod(L"SendCommand");
     press(Loop::Plain, WM_KEYDOWN, VK_RETURN);
-    EXPECT_EQ(textOf(output()), L"line is dead\r\n");
+    EXPECT_NE(textOf(output()).find(L"SendCommand(\"start\", false, 0)\r\n"), std::wstring::npos);
     EXPECT_EQ(textOf(commandLine()), L"start");
     EXPECT_EQ(SendMessageW(commandLine(), CB_GETCOUNT, 0, 0), 0);
     // What is typed meanwhile stays too; a second one waits its turn.
@@ -269,11 +268,11 @@ protected:
 };
 
 TEST_F(PollTest, ClaimsTheStreamAndGivesItBack) {
-    EXPECT_EQ(link.echoWindow, pane());
+    EXPECT_EQ(link.shownIn(), pane());
     FakeLink other;
     EXPECT_EQ(terminal->put_Communicator(other.communicator()), S_OK);
-    EXPECT_EQ(link.echoWindow, 0);
-    EXPECT_EQ(other.echoWindow, pane());
+    EXPECT_EQ(link.shownIn(), 0);
+    EXPECT_EQ(other.shownIn(), pane());
     // Somebody else has it now: it is not taken from him.
     other.echoWindow = 77;
     EXPECT_EQ(terminal->put_Communicator(nullptr), S_OK);
@@ -283,31 +282,22 @@ TEST_F(PollTest, ClaimsTheStreamAndGivesItBack) {
     link.echoWindow = 0;
     terminal->put_Communicator(link.communicator());
     tick();
-    EXPECT_EQ(link.echoWindow, 0);
+    EXPECT_EQ(link.shownIn(), 0);
     // A window that opens later claims, too; one that goes gives back.
     as<IOleInPlaceObject>()->InPlaceDeactivate();
     verb(OLEIVERB_INPLACEACTIVATE);
-    EXPECT_EQ(link.echoWindow, pane());
+    EXPECT_EQ(link.shownIn(), pane());
     as<IOleInPlaceObject>()->InPlaceDeactivate();
-    EXPECT_EQ(link.echoWindow, 0);
-}
-
-// With every call, those that fetch objects included.
-TEST_F(PollTest, ATickAsTheTraceLinkSeesIt) {
-    TracedCalls trace(link.communicator());
-    terminal->put_Communicator(trace.link());
-    link.received = "waiting";
-    tick();
-    EXPECT_EQ(trace.takeFrom("put_EchoWindow"),
-              "put_EchoWindow\nget_Port\nget_EchoWindow\nget_BytesInReadBuffer\n"
-              "get_Preprocessor\nClearReadBuffer\n");
-    terminal->put_Communicator(nullptr);
+    EXPECT_EQ(link.shownIn(), 0);
 }
 
 TEST_F(PollTest, EmptiesTheStreamInOrder) {
     EXPECT_EQ(workOfTick(), "EchoWindow");
     link.received = "waiting";
-    EXPECT_EQ(workOfTick(), "EchoWindow, ClearReadBuffer");
+    link.tellsFetches = true;
+    EXPECT_EQ(workOfTick(),
+              "Link.Port, EchoWindow, BytesInReadBuffer, Link.Preprocessor, ClearReadBuffer");
+    link.tellsFetches = false;
     EXPECT_EQ(link.received, "");
     link.received = "waiting";
     link.echoWindow = 0;
@@ -328,7 +318,7 @@ TEST_F(PollTest, EmptiesTheStreamInOrder) {
     as<IOleControl>()->OnAmbientPropertyChange(DISPID_AMBIENT_USERMODE);
     link.calls.clear();
     EXPECT_EQ(workOfTick(), "");
-    EXPECT_EQ(link.echoWindow, 0);
+    EXPECT_EQ(link.shownIn(), 0);
 }
 
 TEST_F(PollTest, LeavesTheStreamToAScript) {
@@ -355,19 +345,18 @@ TEST_F(PollTest, LeavesTheStreamToAScript) {
 
 TEST_F(PollTest, TellsOnceOfAStreamThatFails) {
     link.received = "waiting";
-    for (const char* failing : {"EchoWindow", "ClearReadBuffer"}) {
-        SCOPED_TRACE(failing);
+    for (const wchar_t* failing : {L"get_EchoWindow", L"ClearReadBuffer"}) {
+        SCOPED_TRACE(com::narrow(std::wstring_view(failing)));
         terminal->Clear();
-        link.onCall = [&](const std::string& call) {
-            if (call == failing) throw com::Error(E_FAIL, L"cable pulled");
-        };
+        link.failMethod(failing);
         tick();
         tick();
-        EXPECT_EQ(textOf(output()), L"cable pulled\r\n");
+        const std::wstring text = textOf(output());
+        EXPECT_EQ(text.find(L"Call "), 0u);
+        EXPECT_EQ(text.find(std::wstring(failing) + L"()\r\n") + 4 + wcslen(failing), text.size());
         link.calls.clear();
         EXPECT_EQ(workOfTick(), "");
         // Another port is another matter.
-        link.onCall = nullptr;
         link.hasPort = false;
         tick();
         link.hasPort = true;
@@ -429,16 +418,16 @@ TEST_F(PollTest, TwoTerminalsShareAStream) {
     other->put_Communicator(link.communicator());
     long pane = 0;
     other->get_OutputWindow(&pane);
-    EXPECT_EQ(link.echoWindow, pane);
+    EXPECT_EQ(link.shownIn(), pane);
     // The first one goes on reading, and takes nothing back that is not its own.
     link.received = "waiting";
     link.calls.clear();
     EXPECT_EQ(workOfTick(), "EchoWindow, ClearReadBuffer");
     close();
-    EXPECT_EQ(link.echoWindow, pane);
+    EXPECT_EQ(link.shownIn(), pane);
     control->Close(OLECLOSE_NOSAVE);
     control->SetClientSite(nullptr);
-    EXPECT_EQ(link.echoWindow, 0);
+    EXPECT_EQ(link.shownIn(), 0);
 }
 
 }  // namespace

@@ -8,7 +8,11 @@ constexpr char kScript[] = "start\n#WAIT_OK 1\n#SENDBREAK\n#SETBAUDRATE 9600\n@n
 
 class FailureTest : public TraceTest {
 protected:
-    // Runs the script on a double of the link, whose calls are counted too.
+    FailureTest() {
+        fake.reply = L"Serial Number: D123.\r\n>";
+        session = fake.session();
+    }
+
     HRESULT run(IKelCommunicator* link) {
         const auto preprocessor =
             kel::test::kelUtils().create<IPreprocessorControl>(__uuidof(Preprocessor));
@@ -17,54 +21,39 @@ protected:
         return preprocessor->PreprocessAndRun(Bstr(std::string_view(kScript)).get(), &result);
     }
 
-    HRESULT runTraced() {
-        ComPtr<IKelCommunicator> link;
-        EXPECT_EQ(session->Attach(fake.communicator(), &link), S_OK);
-        return run(link.Get());
-    }
-
+    // A double of the link, which this session wraps.
     kel::test::FakeLink fake;
 };
 
-TEST_F(FailureTest, EveryCallFailsOnceWithItsReason) {
-    fake.reply = L"Serial Number: D123.\r\n>";
-    ASSERT_EQ(run(fake.communicator()), S_OK);
-    const std::vector<std::string> dialogue = std::exchange(fake.calls, {});
-
-    ASSERT_EQ(session->ClearFailure(), S_OK);
-    EXPECT_EQ(runTraced(), S_OK);
-    EXPECT_EQ(std::exchange(fake.calls, {}), dialogue);
-    long calls = 0;
-    EXPECT_EQ(session->get_CallCount(&calls), S_OK);
-    ASSERT_GT(calls, static_cast<long>(dialogue.size())) << "the port is fetched besides";
-
-    for (long failing = 1; failing <= calls; ++failing) {
-        SCOPED_TRACE(failing);
-        ASSERT_EQ(session->FailCall(failing, kFailure), S_OK);
-        EXPECT_EQ(runTraced(), kFailure);
-        const auto error = kel::test::takeError();
-        ASSERT_TRUE(error);
-        EXPECT_EQ(error->description.find(L"Call "), 0u);
-        EXPECT_NE(error->description.find(L" fails on demand: "), std::wstring::npos);
-        EXPECT_LT(fake.calls.size(), dialogue.size()) << "the link does not see it";
-        fake.calls.clear();
+TEST_F(FailureTest, OneMethodFailsAndTheLinkDoesNotSeeIt) {
+    for (const wchar_t* method : {L"put_BaudRate", L"IKelStream.put_BaudRate"}) {
+        fake.baudRate = 300;
+        fake.failMethod(method, kFailure);
+        EXPECT_EQ(run(fake.communicator()), kFailure);
+        EXPECT_EQ(fake.calls.back(), "BaudRate = 9600");
+        EXPECT_EQ(fake.baudRate, 300);
     }
-}
-
-TEST_F(FailureTest, OneMethodFails) {
-    for (const wchar_t* method : {L"SendBreak", L"IKelCommunicator.SendBreak"}) {
-        ASSERT_EQ(session->FailMethod(bstr(method).get(), 1, kFailure), S_OK);
-        EXPECT_EQ(runTraced(), kFailure);
-        EXPECT_EQ(fake.calls.back(), "ClearReadBuffer") << "the call before it";
-    }
-    ASSERT_EQ(session->FailMethod(bstr(L"IKelStream.SendBreak").get(), 1, kFailure), S_OK);
-    EXPECT_EQ(runTraced(), S_OK);
+    fake.failMethod(L"IKelStream.SendBreak", kFailure);
+    EXPECT_EQ(run(fake.communicator()), S_OK);
+    EXPECT_EQ(fake.baudRate, 9600);
     EXPECT_EQ(session->ClearFailure(), S_OK);
 }
 
-// The link's own failure passes, with its reason, and is recorded: the replay fails in the same
-// way.
-TEST_F(FailureTest, FailuresOfTheLinkAreReplayed) {
+TEST_F(FailureTest, CallsOfAWatcherCountAfterTheOneThatItIsTold) {
+    long rate = 0;
+    fake.onCall = [&](const std::string&) {
+        fake.onCall = nullptr;
+        fake.port()->get_BaudRate(&rate);
+    };
+    fake.failCall(1, kFailure);
+    EXPECT_EQ(fake.port()->Sleep(1), kFailure);
+    EXPECT_EQ(kel::test::takeError()->description, L"Call 1 fails on demand: serial1.Sleep(1)");
+    EXPECT_EQ(rate, 9600);
+    EXPECT_EQ(fake.callCount(), 2);
+}
+
+// The replay fails in the same way.
+TEST_F(FailureTest, WhatAWatcherRefusesIsReplayed) {
     ASSERT_EQ(session->Record(bstr(file).get()), S_OK);
     fake.onCall = [](const std::string& call) {
         if (call.starts_with("Link.WaitForString")) throw com::Error(kFailure, L"No cable");
@@ -76,7 +65,7 @@ TEST_F(FailureTest, FailuresOfTheLinkAreReplayed) {
         EXPECT_EQ(error->description, L"No cable");
         EXPECT_EQ(error->interfaceId, __uuidof(IKelCommunicator));
     };
-    expectFailure(runTraced());
+    expectFailure(run(fake.communicator()));
     endSession();
 
     startReplay();

@@ -92,8 +92,8 @@ TEST_F(RecordReplayTest, AChangedScriptStopsAtTheFirstDifference) {
     ASSERT_EQ(run(), KELTRACE_E_DIFFERENCE);
     const std::wstring expected =
         L"The replay leaves its recording at deploy.kel, line 3: expected "
-        L"network1.WriteString(\"set station Pier\", false, 0) (recorded at deploy.kel, line 3), "
-        L"got network1.WriteString(\"set station Quay\", false, 0)";
+        L"gateway1.WriteString(\"set station Pier\", false, 0) (recorded at deploy.kel, line 3), "
+        L"got gateway1.WriteString(\"set station Quay\", false, 0)";
     EXPECT_EQ(difference(), expected);
     const auto error = kel::test::takeError();
     ASSERT_TRUE(error);

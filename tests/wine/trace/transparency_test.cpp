@@ -1,4 +1,5 @@
 #include "com/variant.h"
+#include "tests/wine/service/fake_uploader.h"
 #include "tests/wine/trace/host.h"
 
 namespace kel::trace::test {
@@ -27,6 +28,26 @@ TEST_F(TransparencyTest, ObjectsCreatedByIdentifierAreWrapped) {
     EXPECT_EQ(asks<ISerialStream>(network.Get()), E_NOINTERFACE);
     EXPECT_EQ(asks<IKelStream>(serial.Get()), S_OK);
     collection->Remove(com::Variant(0L).get());
+}
+
+// A host asks for what was added to an interface, and must not get past the session with it.
+TEST_F(TransparencyTest, AdditionsAreTracedWhereTheLinkHasThem) {
+    kel::test::FakeLink fake;
+    session = fake.session();
+    const auto uploader = com::makeObject<kel::test::FakeUploader>(fake);
+    for (const bool isPlain : {false, true}) {
+        uploader->isPlain = isPlain;
+        ComPtr<IUnknown> traced;
+        ASSERT_EQ(session->Wrap(uploader->controlling(), &traced), S_OK);
+        ComPtr<IFirmwareUploader2> added;
+        EXPECT_EQ(traced.As(&added), isPlain ? E_NOINTERFACE : S_OK);
+        EXPECT_EQ(asks<IFirmwareUploader>(traced.Get()), S_OK);
+        if (isPlain) continue;
+        const long before = fake.callCount();
+        EXPECT_EQ(added->put_CompanionFile(bstr(L"a.kfc").get()), S_OK);
+        EXPECT_EQ(fake.callCount(), before + 1);
+        EXPECT_EQ(fake.takeWork(), "CompanionFile = a.kfc\n");
+    }
 }
 
 TEST_F(TransparencyTest, IdentitiesAreKept) {
@@ -112,6 +133,12 @@ TEST_F(TransparencyTest, ValuesComeBack) {
         EXPECT_EQ(stream->ReadString(100000, line.put(), &result), S_OK);
         EXPECT_EQ(line.view(), L"line");
 
+        ComPtr<INetworkStream2> gateway;
+        ASSERT_EQ(stream.As(&gateway), S_OK);
+        EXPECT_EQ(gateway->put_Password(bstr(L"sea").get()), S_OK);
+        EXPECT_EQ(gateway->get_PasswordRequired(&result), S_OK);
+        EXPECT_EQ(result, VARIANT_FALSE);
+
         // The same late-bound.
         DISPID member = 0;
         wchar_t name[] = L"IsOpen";
@@ -127,6 +154,7 @@ TEST_F(TransparencyTest, ValuesComeBack) {
     startRecording();
     talk(false);
     endSession();
+    EXPECT_NE(recording().find("\"put_Password\",\"in\":[\"***\"]"), std::string::npos);
     peer.vanish();
     startReplay();
     talk(true);
@@ -155,6 +183,10 @@ TEST_F(TransparencyTest, TheEchoReachesTheHostsWindow) {
         EXPECT_EQ(inner->get_Port(&innerPort), S_OK);
         EXPECT_EQ(innerPort->get_EchoWindow(&window), S_OK);
         EXPECT_NE(window, second.number()) << "the link shows its texts in a window between";
+        EXPECT_EQ(stream->put_EchoWindow(77), S_OK);
+        EXPECT_EQ(innerPort->get_EchoWindow(&window), S_OK);
+        EXPECT_EQ(window, 77) << "what is no window is the link's to judge";
+        EXPECT_EQ(stream->put_EchoWindow(second.number()), S_OK);
     }
     EXPECT_EQ(innerPort->Echo(bstr(L"b").get()), S_OK);
     EXPECT_EQ(first.shown(), L"a\x20AC\n");

@@ -25,9 +25,7 @@ TEST(LinkSettingsTest, AreRestoredOnEveryWayOut) {
 
 TEST(LinkSettingsTest, StayAsTheyAreWhereThePortFails) {
     test::FakeLink link;
-    link.onCall = [](const std::string& call) {
-        if (call == "EchoWindow = 0") throw com::Error(E_FAIL);
-    };
+    link.failMethod(L"put_EchoWindow");
     { const LinkSettings settings(link.port()); }
     EXPECT_EQ(link.takeWork(), "EchoWindow\nIdleProcessing\nEchoWindow = 0\nIdleProcessing = -1\n")
         << "the second setting is restored all the same";

@@ -31,8 +31,8 @@ TEST(TemplatesTest, NothingIsWrongWithAnyDialog) {
     EnumResourceNamesW(library, reinterpret_cast<LPWSTR>(RT_DIALOG), collect,
                        reinterpret_cast<LONG_PTR>(&names));
     // Those that are parts of other windows need one.
-    const HWND parent = CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr,
-                                      nullptr, nullptr);
+    const HWND parent =
+        CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
     for (const LPWSTR name : names) {
         const HWND dialog =
             AtlAxCreateDialogA(library, reinterpret_cast<LPCSTR>(name), parent, ignore, 0);

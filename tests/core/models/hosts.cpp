@@ -1,0 +1,139 @@
+// What the host programs and the trace link decide.
+#include <algorithm>
+
+#include "hosts/keldesk/model/desk_options.h"
+#include "hosts/keldesk/model/recent_menu.h"
+#include "hosts/kelrun/model/dialogue_text.h"
+#include "hosts/kelrun/model/options.h"
+#include "hosts/kelrun/model/source_text.h"
+#include "hosts/model/unicode.h"
+#include "hosts/shared/model/address.h"
+#include "hosts/shared/model/failure.h"
+#include "hosts/trace/model/speed.h"
+#include "hosts/trace/model/trace_text.h"
+#include "tests/core/models/subject.h"
+
+namespace kel {
+namespace {
+
+using test::narrow;
+using test::Subject;
+using test::Words;
+
+// What the user reads when a call fails, with the exit code before it.
+template <class Call>
+std::string shownOrFailure(Call&& call) {
+    try {
+        return call();
+    } catch (const host::Failure& failure) {
+        return std::to_string(static_cast<int>(failure.code())) + " " + failure.what();
+    }
+}
+
+std::string named(const char* name, const std::string& value) {
+    return value.empty() ? "" : std::string(name) + " " + value + "; ";
+}
+
+const Subject kOptions("options of kelrun", [](Words& words) {
+    return shownOrFailure([&] {
+        const kelrun::Options options = kelrun::parseOptions(words.all());
+        std::string shown = named("script", options.script) + named("port", options.target.port) +
+                            named("tcp", options.target.tcp) + named("link", options.link) +
+                            named("baud", std::to_string(options.target.baudRate));
+        for (const auto& [name, value] : options.variables)
+            shown += named("variable", name + "=" + value);
+        for (const auto& [name, value] : options.answers)
+            shown += named("answer", name + "=" + value);
+        shown += named("scripts", options.scriptPath.value_or("")) +
+                 named("system", options.systemPath) + named("transcript", options.transcript) +
+                 named("report", options.report) + named("record", options.record) +
+                 named("host", options.hostScript);
+        for (const std::string& argument : options.arguments)
+            shown += "argument " + argument + "; ";
+        if (options.speed != 1) shown += "speed " + std::to_string(options.speed) + "; ";
+        const std::pair<const char*, bool> flags[] = {
+            {"check", options.check},          {"json", options.json},
+            {"keep-going", options.keepGoing}, {"interactive", options.interactive},
+            {"print", options.printVariables}, {"quiet", options.quiet},
+            {"diagnose", options.diagnose},    {"help", options.help}};
+        for (const auto& [name, isSet] : flags)
+            if (isSet) shown += std::string(name) + "; ";
+        return shown + "end";
+    });
+});
+
+const Subject kConnection("connection that a report tells", [](Words& words) {
+    return kelrun::connectionText(kelrun::parseOptions(words.all()));
+});
+
+const Subject kDeskOptions("options of keldesk", [](Words& words) {
+    return shownOrFailure([&] {
+        const keldesk::DeskOptions options = keldesk::parseDeskOptions(words.all());
+        return keldesk::nameOf(options.target) + " " + std::to_string(options.target.baudRate) +
+               " " + options.link + " " + options.script;
+    });
+});
+
+const Subject kAddress("address", [](Words& words) {
+    return shownOrFailure([&] {
+        const auto [host, port] = host::parseAddress(words.text());
+        return host + " " + port;
+    });
+});
+
+// "line column" of a byte. A character above 255 is one of two bytes, but for the accent U+0301.
+const Subject kCaret("caret in a script", [](Words& words) {
+    static const std::wstring text =
+        L"one\r\n\ttwo\r\x00FC\x6F22x\n\ne\x0301x\x1Bz\n\xD83C\xDF0Ax\n" + std::wstring(501, L'x');
+    static kelrun::SourceText source(text);
+    const auto line = words.number<std::size_t>();
+    return source.excerpt(line, words.number<std::size_t>(), [](std::u16string_view character) {
+        return std::size_t{1} + (character[0] > 0xFF && character[0] != 0x0301);
+    });
+});
+
+// The readable text, which is the same however the text is cut. A tilde stands for U+0085.
+const Subject kDialogue("dialogue", [](Words& words) {
+    std::u16string text = hosts::toUtf16(words.line());
+    std::ranges::replace(text, u'~', u'\x85');
+    kelrun::DialogueText whole, pieces;
+    std::string joined;
+    for (const char16_t character : text)
+        joined += pieces.next({&character, 1});
+    const bool isSame = whole.next(text) == joined && kelrun::DialogueText().atLineStart();
+    return (isSame ? "" : "another when it is cut: ") + joined + (pieces.atLineStart() ? "|" : "");
+});
+
+const Subject kErrorLines("error lines", [] {
+    return [lines = kelrun::ErrorLines()](Words& words) mutable {
+        const std::string piece = words.line();
+        return piece == "finish" ? lines.finish() : lines.next(piece);
+    };
+});
+
+const Subject kMenu("menu of recent files", [](Words& words) {
+    const auto index = words.number<std::size_t>();
+    return narrow(keldesk::menuText(index, words.wide()));
+});
+
+// A line behind the header of a trace, or the file's first line.
+std::string reasonOf(const std::string& file) {
+    try {
+        return std::to_string(trace::readTrace(file + "\n").size()) + " events";
+    } catch (const std::invalid_argument& error) {
+        return error.what();
+    }
+}
+const Subject kTraceFile("first line of a trace",
+                         [](Words& words) { return reasonOf(words.line()); });
+const Subject kTraceLine("second line of a trace", [](Words& words) {
+    return reasonOf(trace::headerLine("now") + "\n" + words.line());
+});
+
+const Subject kSpeed("speed of a replay", [](Words& words) {
+    const double time = words.number<double>(), factor = words.number<double>();
+    return trace::isSpeed(factor) ? std::to_string(trace::atSpeed(time, factor)) : "none";
+});
+
+}  // namespace
+}  // namespace kel

@@ -1,0 +1,102 @@
+#include "tests/wine/automation/script_host.h"
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include "com/error.h"
+#include "com/handles.h"
+#include "com/text.h"
+#include "tests/wine/support/temporary_folder.h"
+
+namespace kel::test {
+namespace {
+
+constexpr ULONGLONG kPatience = 40000;
+
+std::wstring textOf(HWND window) {
+    wchar_t text[300] = L"";
+    InternalGetWindowText(window, text, 300);
+    return text;
+}
+
+struct Search {
+    DWORD process;
+    const AwaitedWindow& wanted;
+    HWND found = nullptr;
+    bool hasText = false;
+};
+
+BOOL CALLBACK lookForText(HWND child, LPARAM parameter) {
+    Search& search = *reinterpret_cast<Search*>(parameter);
+    search.hasText |= IsWindowVisible(child) && textOf(child) == search.wanted.text;
+    return TRUE;
+}
+
+BOOL CALLBACK lookForWindow(HWND window, LPARAM parameter) {
+    Search& search = *reinterpret_cast<Search*>(parameter);
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    if (process != search.process || !IsWindowVisible(window)) return TRUE;
+    if (textOf(window) != search.wanted.caption) return TRUE;
+    search.hasText = search.wanted.text.empty();
+    EnumChildWindows(window, lookForText, parameter);
+    search.found = search.hasText ? window : nullptr;
+    return search.found == nullptr;
+}
+
+// Cancels the window once it is there, and gives it.
+HWND cancel(DWORD process, const AwaitedWindow& window) {
+    Search search{process, window};
+    EnumWindows(lookForWindow, reinterpret_cast<LPARAM>(&search));
+    if (search.found) PostMessageW(search.found, WM_COMMAND, IDCANCEL, 0);
+    return search.found;
+}
+
+com::FileHandle open(const std::wstring& path, DWORD access) {
+    SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+    return com::FileHandle(CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                       &inherited, OPEN_ALWAYS, 0, nullptr));
+}
+
+}  // namespace
+
+std::string runScriptHost(const std::string& script, const wchar_t* extension,
+                          std::deque<AwaitedWindow> windows) {
+    const TemporaryFolder folder;
+    const std::wstring file = folder.file(std::wstring(L"script") + extension, script);
+
+    PROCESS_INFORMATION started{};
+    {
+        const com::FileHandle in = open(L"NUL", GENERIC_READ);
+        const com::FileHandle out = open(folder.path() + L"\\output", GENERIC_WRITE);
+        STARTUPINFOW startup{};
+        startup.cb = sizeof startup;
+        startup.dwFlags = STARTF_USESTDHANDLES;
+        startup.hStdInput = in.get();
+        startup.hStdOutput = startup.hStdError = out.get();
+        std::wstring command = L"cscript //nologo \"" + file + L"\"";
+        if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                            &startup, &started))
+            throw com::lastError();
+    }
+    const com::FileHandle process(started.hProcess), thread(started.hThread);
+    HWND cancelled = nullptr;
+    const ULONGLONG end = GetTickCount64() + kPatience;
+    while (WaitForSingleObject(process.get(), 20) == WAIT_TIMEOUT) {
+        // The next one may look like the one that is about to go.
+        if (!windows.empty() && !IsWindow(cancelled)) {
+            cancelled = cancel(started.dwProcessId, windows.front());
+            if (cancelled) windows.pop_front();
+        }
+        if (GetTickCount64() < end) continue;
+        ADD_FAILURE() << "the script does not end";
+        TerminateProcess(process.get(), 1);
+    }
+    for (const AwaitedWindow& window : windows)
+        ADD_FAILURE() << "no window \"" << com::narrow(std::wstring_view(window.caption)) << "\"";
+    std::string text = folder.content(L"output");
+    std::erase(text, '\r');
+    return text;
+}
+
+}  // namespace kel::test
