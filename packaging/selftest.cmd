@@ -4,6 +4,7 @@ rem Registers the libraries of this folder for this user meanwhile. Leave keyboa
 rem some of the tests type. A program that hangs may be ended in the task manager; the rest goes on.
 setlocal
 cd /d "%~dp0"
+rem A redirection stands first in its line: a digit before it would name a handle.
 set report="%~dp0report.txt"
 set /a passed=0
 set /a failed=0
@@ -12,10 +13,10 @@ if not exist output mkdir output
 set system=%SystemRoot%\System32
 if exist %SystemRoot%\SysWOW64\cscript.exe set system=%SystemRoot%\SysWOW64
 
-echo KelUtils self-test>%report%
-ver>>%report%
-echo %DATE% %TIME% %PROCESSOR_ARCHITECTURE% %PROCESSOR_ARCHITEW6432%>>%report%
-chcp>>%report%
+>%report% echo KelUtils self-test
+>>%report% ver
+>>%report% echo %DATE% %TIME% %PROCESSOR_ARCHITECTURE% %PROCESSOR_ARCHITEW6432%
+>>%report% chcp
 
 call :run win32\hosts\kelregister\kelregister.exe win32\server\KelUtils.dll win32\bench\link\BenchLink.dll
 call :run win32\hosts\kelrun\kelrun.exe --diagnose
@@ -25,8 +26,8 @@ call :run win32\hosts\kelrun\kelrun.exe examples\offsets.kel --port COM3 --repla
 for /f %%f in (tests.txt) do call :run %%f --gtest_brief=1
 call :run win32\hosts\kelregister\kelregister.exe --unregister win32\server\KelUtils.dll win32\bench\link\BenchLink.dll
 
-echo.>>%report%
-echo %passed% programs passed, %failed% failed>>%report%
+>>%report% echo.
+>>%report% echo %passed% programs passed, %failed% failed
 echo %passed% programs passed, %failed% failed: see report.txt
 if %failed% gtr 0 exit /b 1
 exit /b 0
@@ -40,9 +41,9 @@ rem What does not even start has failed.
 cmd /c exit 99
 %* >%output% 2>&1 <nul
 set code=%errorlevel%
-echo.>>%report%
-echo ---- %*>>%report%
+>>%report% echo.
+>>%report% echo ---- %*
 type %output% >>%report%
-echo ---- exit code %code%>>%report%
+>>%report% echo ---- exit code %code%
 if %code%==0 (set /a passed+=1) else (set /a failed+=1)
 exit /b 0
