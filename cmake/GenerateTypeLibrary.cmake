@@ -29,3 +29,16 @@ foreach(kind "-t;tlb" "-h;h" "-u;_i.c")
         message("${remarks}")
     endif()
 endforeach()
+
+# The library tells when it was generated, as a text and as a number behind it: here always the same,
+# so that the same sources give the same bytes. Perl is in every Debian.
+execute_process(
+    COMMAND perl -0777 -i -p -e
+        [[s/(Created by WIDL version \S+ at ).{24}(\nW*\x13\0).{4}(?=W)/$1Thu Jan  1 00:00:00 1970$2\0\0\0\0/s or die "no date"]]
+        "${OUTPUT}.tlb"
+    RESULT_VARIABLE result
+    ERROR_VARIABLE output)
+if(NOT result EQUAL 0)
+    file(REMOVE "${OUTPUT}.tlb")
+    message(FATAL_ERROR "The date could not be taken out of ${OUTPUT}.tlb: ${output}")
+endif()

@@ -37,6 +37,9 @@ if(WIN32)
     # a function that GCC 12 splits here are not caught by anybody.
     add_compile_options(-msse2 -mfpmath=sse -mstackrealign -ffunction-sections -fdata-sections
         -fno-reorder-blocks-and-partition)
+    # The same bytes wherever the folder is; enough about lines for a backtrace, which kel_ship takes
+    # out of what is shipped.
+    add_compile_options("-ffile-prefix-map=${PROJECT_SOURCE_DIR}=." "-ffile-prefix-map=${PROJECT_BINARY_DIR}=build" -g1)
     # Texts of instruments and files of others are read inside the host's process: what would write
     # beyond an array ends the process at once. docs/security.md tells the whole.
     add_compile_options(-fstack-protector-strong)

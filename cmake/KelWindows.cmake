@@ -7,20 +7,45 @@ function(kel_add_dll name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "DEFINITION" "SOURCES;LIBRARIES")
     add_library(${name} SHARED ${arg_SOURCES} ${arg_DEFINITION})
     target_link_libraries(${name} PRIVATE ${arg_LIBRARIES})
-    target_link_options(${name} PRIVATE -Wl,--enable-stdcall-fixup -Wl,--kill-at
-        $<$<CONFIG:Release>:-s>)
+    target_link_options(${name} PRIVATE -Wl,--enable-stdcall-fixup -Wl,--kill-at)
     set_target_properties(${name} PROPERTIES PREFIX "")
+endfunction()
+
+# kel_ship(name description)
+# Makes a program or library ready for those who use it: with its version as a resource and
+# as KEL_VERSION, and its symbols in a file of their own beside it, NAME.debug, which debuggers
+# find by its name.
+function(kel_ship name description)
+    set(resource "${CMAKE_CURRENT_BINARY_DIR}/${name}_version.rc")
+    get_target_property(type ${name} TYPE)
+    set(file "${name}.exe")
+    set(file_type VFT_APP)
+    if(type STREQUAL "SHARED_LIBRARY")
+        set(file "${name}.dll")
+        set(file_type VFT_DLL)
+    endif()
+    configure_file("${PROJECT_SOURCE_DIR}/resources/version.rc.in" "${resource}" @ONLY)
+    target_sources(${name} PRIVATE "${resource}")
+    target_compile_definitions(${name} PRIVATE "KEL_VERSION=\"${PROJECT_VERSION}\"")
+    # It would write the present date into the files.
+    set(objcopy "${CMAKE_COMMAND}" -E env SOURCE_DATE_EPOCH=0 "${CMAKE_OBJCOPY}")
+    add_custom_command(TARGET ${name} POST_BUILD
+        COMMAND ${objcopy} --only-keep-debug ${file} ${file}.debug
+        COMMAND ${objcopy} --strip-all --add-gnu-debuglink=${file}.debug ${file}
+        WORKING_DIRECTORY "$<TARGET_FILE_DIR:${name}>"
+        VERBATIM)
 endfunction()
 
 # kel_import_library(name definition.def)
 # An import library for a platform DLL that the tool chain has none for.
 function(kel_import_library name definition)
     set(output "${CMAKE_CURRENT_BINARY_DIR}/lib${name}.a")
+    # Its symbols bear the name of the file as it is given here, which is to be the same everywhere.
     add_custom_command(
         OUTPUT "${output}"
-        COMMAND "${CMAKE_DLLTOOL}" -k -d "${definition}" -l "${output}"
+        COMMAND "${CMAKE_DLLTOOL}" --deterministic-libraries --temp-prefix ${name} -k -d "${CMAKE_CURRENT_SOURCE_DIR}/${definition}" -l "lib${name}.a"
         DEPENDS "${definition}"
-        WORKING_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}"
+        WORKING_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}"
         COMMENT "Making the import library ${name}"
         VERBATIM)
     add_custom_target(${name}_import DEPENDS "${output}")

@@ -68,16 +68,20 @@ register_libraries() {
     printf '%s\n' "$state" >"$WINEPREFIX/.registered"
 }
 
-# A throw-away copy of the prefix, with the registry as it was before any use.
+# Makes a copy of the prefix, with the registry as it was before any use, and uses it.
+copy_prefix() {
+    stop_prefix "$1"
+    rm -rf -- "$1"
+    mkdir -- "$1"
+    cp -a --reflink=auto -- "$kel_build/prefix"/{drive_c,dosdevices,.update-timestamp} "$1/"
+    cp -- "$kel_build/prefix/.pristine"/*.reg "$1/"
+    use_prefix "$1"
+}
+
+# A throw-away copy for the tests.
 make_test_prefix() {
-    local prefix=$kel_build/test-prefix
     say "copying the Wine prefix for the tests"
-    stop_prefix "$prefix"
-    rm -rf -- "$prefix"
-    mkdir -- "$prefix"
-    cp -a --reflink=auto -- "$kel_build/prefix"/{drive_c,dosdevices,.update-timestamp} "$prefix/"
-    cp -- "$kel_build/prefix/.pristine"/*.reg "$prefix/"
-    use_prefix "$prefix"
+    copy_prefix "$kel_build/test-prefix"
 }
 
 # Starts a server that stays, with Wine's helpers already running and holding no pipe of ours:

@@ -19,12 +19,14 @@ run_tests() {
     ended_early=yes
     take_lock 7 "$kel_build/.test-lock" "testing"
     lock_build
-    set_up
+    set_up "${package_tools[@]}"
     # Making the prefix is waiting for the most part.
     make_prefix &
     prefix_maker=$!
     at_exit end_process "$prefix_maker"
     build_all
+    logged "making the set-up program" "$kel_build/log/package.log" pack_setup ||
+        show_failure "$kel_build/log/package.log" "making the set-up program failed"
     wait "$prefix_maker" || exit
     unlock_build
 

@@ -7,11 +7,14 @@ exec </dev/null
 
 : "${WINEPREFIX:?names no Wine prefix: ./kel test prepares one}"
 kel_root=${here%/tests/*}
+kel_build=$kel_root/build
 source "$here/../../tools/report.sh"
 source "$here/../../tools/prefix.sh"
 source "$here/../../tools/instrument.sh"
 source "$here/../../tools/members.sh"
+source "$here/../../tools/package.sh"
 source "$here/harness.sh"
 source "$here/cases.sh"
+source "$here/package_cases.sh"
 
 "test_$1"

@@ -7,6 +7,7 @@
 #include <iterator>
 
 #include "tests/fuzz/target.h"
+#include "tests/support/project_file.h"
 
 namespace kel::fuzz {
 namespace {
@@ -19,7 +20,7 @@ TEST_P(Corpus, KeepsAllPromises) {
     const auto& [folder, target] = GetParam();
     std::size_t files = 0;
     for (const auto& entry :
-         std::filesystem::directory_iterator(std::filesystem::path(KEL_FUZZ_CORPUS) / folder)) {
+         std::filesystem::directory_iterator(test::projectFile("tests/fuzz/corpus") / folder)) {
         std::ifstream file(entry.path(), std::ios::binary);
         const std::vector<char> input{std::istreambuf_iterator<char>(file), {}};
         EXPECT_NO_THROW(target({input.data(), input.size()})) << entry.path();

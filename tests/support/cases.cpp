@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "tests/support/project_file.h"
+
 namespace kel::test {
 namespace {
 
@@ -21,10 +23,10 @@ std::string Step::text() const {
     return text;
 }
 
-std::vector<Case> readCases(const char* path) {
-    std::ifstream file(path);
+std::vector<Case> readCases(const char* name) {
+    std::ifstream file(projectFile(name));
     auto cases = readCases(file);
-    if (cases.empty()) throw std::runtime_error(std::string("There are no cases in ") + path);
+    if (cases.empty()) throw std::runtime_error(std::string("There are no cases in ") + name);
     return cases;
 }
 

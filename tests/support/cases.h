@@ -33,8 +33,8 @@ struct Case {
     std::vector<Step> steps;
 };
 
-// Throws when there is no such file, or no case in it.
-std::vector<Case> readCases(const char* path);
+// The name is relative to the project. Throws when there is no such file, or no case in it.
+std::vector<Case> readCases(const char* name);
 // The same from a text that is open already.
 std::vector<Case> readCases(std::istream& text);
 

@@ -116,7 +116,7 @@ TEST_P(DialogueCase, IsHeldAsExpected) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Instrument, DialogueCase,
-                         testing::ValuesIn(test::readCases(KEL_INSTRUMENT_DIALOGUES)),
+                         testing::ValuesIn(test::readCases("tests/core/bench/dialogues.txt")),
                          testing::PrintToStringParamName());
 
 TEST(InstrumentCommands, OnlySavedSettingsOutliveThePower) {

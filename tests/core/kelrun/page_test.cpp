@@ -7,6 +7,7 @@
 #include <string>
 
 #include "hosts/kelrun/model/report.h"
+#include "tests/support/project_file.h"
 
 namespace kel::kelrun {
 namespace {
@@ -57,7 +58,7 @@ TEST_F(KelrunReport, ShowsARunAsTheExampleDoes) {
     transcript.shown(u"\r\nERROR: Variable not found: nosuch\r\n>");
     transcript.ended(1, "a<b>.kel:3:2: Variable not found: nosuch");
 
-    std::ifstream file(KEL_KELRUN_PAGE, std::ios::binary);
+    std::ifstream file(test::projectFile("tests/core/kelrun/report.html"), std::ios::binary);
     const std::string expected{std::istreambuf_iterator<char>(file), {}};
     EXPECT_EQ(page, expected);
 }

@@ -8,6 +8,7 @@
 
 #include "tests/core/models/subject.h"
 #include "tests/support/cases.h"
+#include "tests/support/project_file.h"
 
 namespace kel::test {
 namespace {
@@ -19,7 +20,7 @@ std::map<std::string, std::function<Player()>>& subjects() {
 
 TEST(Models, DecideAsTheTablesSay) {
     std::map<std::string, int> played;
-    for (const auto& file : std::filesystem::directory_iterator(KEL_MODEL_CASES)) {
+    for (const auto& file : std::filesystem::directory_iterator(projectFile("tests/core/models"))) {
         if (file.path().extension() != ".txt") continue;
         for (const Case& rows : readCases(file.path().string().c_str())) {
             const std::string& name = rows.steps[0].settings.at(0);

@@ -57,7 +57,8 @@ TEST_P(ScriptCase, ShowsWhatIsExpected) {
         EXPECT_EQ(show(step, bench), step.expected) << "line " << step.line << "\n" << step.text();
 }
 
-INSTANTIATE_TEST_SUITE_P(Scripts, ScriptCase, testing::ValuesIn(test::readCases(KEL_SCRIPT_CASES)),
+INSTANTIATE_TEST_SUITE_P(Scripts, ScriptCase,
+                         testing::ValuesIn(test::readCases("tests/core/script/cases.txt")),
                          testing::PrintToStringParamName());
 
 }  // namespace

@@ -5,13 +5,13 @@
 #include <iterator>
 
 #include "script/engine/session.h"
+#include "tests/support/project_file.h"
 
 namespace kel::script {
 namespace {
 
 std::string readManual() {
-    std::ifstream file(KEL_SCRIPTING_MANUAL);
-    EXPECT_TRUE(file) << KEL_SCRIPTING_MANUAL;
+    std::ifstream file(test::projectFile("docs/scripting.md"));
     return {std::istreambuf_iterator<char>(file), {}};
 }
 

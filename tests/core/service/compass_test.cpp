@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "dialogs/service/model/compass_report.h"
+#include "tests/support/project_file.h"
 #include "tests/support/temporary_file.h"
 
 namespace kel::service {
@@ -23,9 +24,8 @@ TEST(CompassReportTest, HoldsWhatBelongsToACalibration) {
         report.beginCalibration();
         report.addReading(reading);
     }
-    const std::filesystem::path folder(KEL_COMPASS_REPORTS);
-    EXPECT_EQ(file.bytes(),
-              test::asTextFile(test::TemporaryFile::bytesOf(folder / "several.html")));
+    const auto expected = test::projectFile("tests/core/service/compass_reports/several.html");
+    EXPECT_EQ(file.bytes(), test::asTextFile(test::TemporaryFile::bytesOf(expected)));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "tests/support/cases.h"
+#include "tests/support/project_file.h"
 #include "tests/wine/automation/script_host.h"
 #include "tests/wine/support/library.h"
 #include "tests/wine/support/type_library.h"
@@ -35,7 +36,7 @@ void PrintTo(const Section& section, std::ostream* stream) {
 
 std::vector<Section> readSections() {
     std::vector<Section> sections;
-    std::ifstream file(KEL_MEMBERS);
+    std::ifstream file(projectFile("tests/wine/automation/members.txt"));
     for (std::string line; std::getline(file, line);) {
         if (line.empty() || line[0] == '#') continue;
         if (line[0] != ' ') {
@@ -202,7 +203,8 @@ TEST_P(VbScript, PrintsWhatIsExpected) {
     EXPECT_EQ(runScriptHost(step.text(), L".vbs", windows), step.expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(Automation, VbScript, testing::ValuesIn(readCases(KEL_VBSCRIPT_CASES)),
+INSTANTIATE_TEST_SUITE_P(Automation, VbScript,
+                         testing::ValuesIn(readCases("tests/wine/automation/vbscript.txt")),
                          testing::PrintToStringParamName());
 
 }  // namespace

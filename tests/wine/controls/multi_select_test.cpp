@@ -120,7 +120,7 @@ protected:
 };
 
 TEST_F(MultiSelectTest, Cases) {
-    for (const Case& row : readCases(KEL_SELECTIONS)) {
+    for (const Case& row : readCases("tests/wine/controls/selections.txt")) {
         SCOPED_TRACE(testing::PrintToString(row));
         const Step& step = row.steps.front();
         dialog_ = kelUtils().create<IMultiSelectDialog>(CLSID_MultiSelectDialog);

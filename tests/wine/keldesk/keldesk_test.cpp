@@ -13,6 +13,7 @@
 #include "com/text.h"
 #include "hosts/keldesk/resource_ids.h"
 #include "resources/resource_ids.h"
+#include "tests/support/project_file.h"
 #include "tests/wine/support/tcp_peer.h"
 
 namespace kel::test {
@@ -37,7 +38,8 @@ protected:
         window_ = waitForWindow(L"KelDesk", address + L" - KelDesk");
     }
     void launch(const std::wstring& arguments) {
-        std::wstring line = L"\"" + com::widen(KEL_DESK) + L"\"" + arguments;
+        std::wstring line =
+            L"\"" + projectFile("hosts/keldesk/keldesk.exe").wstring() + L"\"" + arguments;
         STARTUPINFOW startup{};
         startup.cb = sizeof startup;
         PROCESS_INFORMATION started{};

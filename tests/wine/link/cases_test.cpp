@@ -91,7 +91,8 @@ TEST_P(LinkCase, ShowsWhatIsExpected) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Link, LinkCase, testing::ValuesIn(kel::test::readCases(KEL_LINK_CASES)),
+INSTANTIATE_TEST_SUITE_P(Link, LinkCase,
+                         testing::ValuesIn(kel::test::readCases("tests/wine/link/cases.txt")),
                          testing::PrintToStringParamName());
 
 }  // namespace

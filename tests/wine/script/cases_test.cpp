@@ -93,7 +93,8 @@ TEST_P(ScriptCase, DoesOnTheLink) {
         EXPECT_EQ(play(step), step.expected) << "line " << step.line << "\n" << step.text();
 }
 
-INSTANTIATE_TEST_SUITE_P(Scripts, ScriptCase, testing::ValuesIn(readCases(KEL_SCRIPT_CASES)),
+INSTANTIATE_TEST_SUITE_P(Scripts, ScriptCase,
+                         testing::ValuesIn(readCases("tests/wine/script/cases.txt")),
                          testing::PrintToStringParamName());
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include "com/variant.h"
 #include "script/question_dialog.h"
 #include "tests/support/cases.h"
+#include "tests/support/project_file.h"
 #include "tests/wine/script/preprocessor_fixture.h"
 #include "tests/wine/support/dialog_driver.h"
 #include "tests/wine/support/dialog_faults.h"
@@ -87,7 +88,7 @@ protected:
 };
 
 TEST_F(QuestionTest, Cases) {
-    for (const Case& row : readCases(KEL_QUESTIONS)) {
+    for (const Case& row : readCases("tests/wine/script/questions.txt")) {
         SCOPED_TRACE(testing::PrintToString(row));
         const Step& step = row.steps.front();
         com::check(preprocessor_->ClearVariables());
@@ -101,7 +102,7 @@ TEST_F(QuestionTest, Cases) {
 }
 
 TEST_F(QuestionTest, TheExampleIsAnsweredByKeyboardAlone) {
-    std::ifstream file(KEL_EXAMPLES_FOLDER "/deploy-form.kel");
+    std::ifstream file(projectFile("examples/deploy-form.kel"));
     const std::string script{std::istreambuf_iterator<char>(file), {}};
     const DialogDriver user([](DialogDriver& driver) {
         act(driver, "wait Deployment");

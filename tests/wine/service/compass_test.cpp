@@ -3,6 +3,7 @@
 
 #include "interfaces/link_classes.h"
 #include "resources/resource_ids.h"
+#include "tests/support/project_file.h"
 #include "tests/support/temporary_file.h"
 #include "tests/wine/service/access_fixture.h"
 #include "tests/wine/service/fake_compass.h"
@@ -28,7 +29,7 @@ protected:
 
     static std::string expectedReport(const char* name) {
         return asTextFile(
-            TemporaryFile::bytesOf(std::filesystem::path(KEL_COMPASS_REPORTS) / name));
+            TemporaryFile::bytesOf(projectFile("tests/core/service/compass_reports") / name));
     }
     static std::wstring buttons(DialogDriver& driver) {
         std::wstring letters;

@@ -11,6 +11,7 @@
 #include "settings/settings_key.h"
 #include "settings/settings_list.h"
 #include "settings/vocabulary.h"
+#include "tests/support/project_file.h"
 #include "tests/wine/support/import_patch.h"
 #include "tests/wine/support/library.h"
 #include "tests/wine/support/registry_sandbox.h"
@@ -54,7 +55,7 @@ protected:
             0);
     }
 
-    static std::string fileText(const char* path) {
+    static std::string fileText(const std::filesystem::path& path) {
         std::ifstream file(path);
         return {std::istreambuf_iterator<char>(file), {}};
     }
@@ -81,7 +82,8 @@ TEST_F(SettingsTest, EverythingIsKeptAsTheTableSays) {
     const SettingsKey recorder = SettingsKey::forWriting(recorder::kKey);
     WriteStringSetting(recorder, recorder::kDownloadFolder, "");
     WriteStringSetting(recorder, recorder::kDownloadRate, "57600");
-    EXPECT_EQ(test::joined(sandbox_.listing()), fileText(KEL_KEPT_SETTINGS));
+    EXPECT_EQ(test::joined(sandbox_.listing()),
+              fileText(test::projectFile("tests/wine/settings/kept.txt")));
 }
 
 TEST_F(SettingsTest, ATextThatIsNotKeptWholeIsListedByItsBytes) {

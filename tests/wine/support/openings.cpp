@@ -117,7 +117,7 @@ private:
 
 std::vector<Opening> readOpenings() {
     std::vector<Opening> openings;
-    for (const Case& row : readCases(KEL_OPENINGS)) {
+    for (const Case& row : readCases("tests/wine/support/openings.txt")) {
         const Step& step = row.steps.at(0);
         Opening opening;
         opening.name = setting(step, "file");

@@ -1,0 +1,34 @@
+#pragma once
+// Files that tests read, found wherever the project and its build folder have been moved to.
+
+#include <filesystem>
+#include <stdexcept>
+
+#ifdef _WIN32
+#include <windows.h>
+#endif
+
+namespace kel::test {
+
+inline std::filesystem::path thisProgram() {
+#ifdef _WIN32
+    wchar_t path[1024];
+    return std::filesystem::path(path, path + GetModuleFileNameW(nullptr, path, std::size(path)));
+#else
+    return std::filesystem::read_symlink("/proc/self/exe");
+#endif
+}
+
+// The file or folder of this name in the nearest folder above this program that has it: names are
+// relative to the project's folder, or to the build folder. Throws where there is none.
+inline std::filesystem::path projectFile(const std::filesystem::path& name) {
+    const std::filesystem::path program = thisProgram();
+    for (auto folder = program.parent_path(); folder.has_relative_path();
+         folder = folder.parent_path()) {
+        if (exists(folder / name)) return (folder / name).make_preferred();
+    }
+    throw std::runtime_error("There is no " + name.string() + " in a folder above " +
+                             program.string());
+}
+
+}  // namespace kel::test
