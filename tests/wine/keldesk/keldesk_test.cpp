@@ -152,8 +152,8 @@ void lookOver(HMENU menu, std::set<std::wstring>& faults) {
 }
 
 TEST(KeldeskMenuTest, EveryEntryHasAKeyOfItsOwn) {
-    const HMODULE program =
-        LoadLibraryExW(com::widen(KEL_DESK).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    const HMODULE program = LoadLibraryExW(projectFile("hosts/keldesk/keldesk.exe").c_str(),
+                                           nullptr, LOAD_LIBRARY_AS_DATAFILE);
     const HMENU menu = LoadMenuW(program, MAKEINTRESOURCEW(IDR_DESK));
     ASSERT_GT(GetMenuItemCount(menu), 0);
     std::set<std::wstring> faults;

@@ -179,12 +179,17 @@ void openOrNot(const Opening& opening) {
     const Scene scene(opening);
     std::atomic<bool> isOver = false;
     DialogDriver user([&](DialogDriver& driver) {
-        int button = opening.button != 0 ? opening.button : IDCANCEL;
-        for (; !isOver; Sleep(2)) {
-            for (const HWND window : driver.dialogs())
-                PostMessageW(window, WM_COMMAND,
-                             static_cast<WPARAM>(std::exchange(button, IDCANCEL)), 0);
-        }
+        int button = opening.button;
+        driver.waitUntil("all calls to come back", [&] {
+            for (const HWND window : driver.dialogs()) {
+                // A question that cannot be cancelled is agreed to.
+                const bool isQuestion = GetDlgItem(window, IDYES) && !GetDlgItem(window, IDCANCEL);
+                const int end = isQuestion ? IDYES : IDCANCEL;
+                const int pressed = std::exchange(button, 0);
+                PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(pressed ? pressed : end), 0);
+            }
+            return isOver.load();
+        });
     });
     try {
         const auto object = scene.create();
