@@ -1,13 +1,12 @@
 #include "hosts/keldesk/main_window.h"
 
 #include <commctrl.h>
-#include <commdlg.h>
 
 #include <algorithm>
-#include <cwchar>
 
 #include "com/scoped.h"
 #include "com/variant.h"
+#include "hosts/keldesk/file_question.h"
 #include "hosts/keldesk/look.h"
 #include "hosts/keldesk/model/recent_menu.h"
 #include "hosts/keldesk/resource_ids.h"
@@ -48,39 +47,6 @@ std::wstring failureText() {
     } catch (const std::exception& error) {
         return wide(error.what());
     }
-}
-
-// A path that the user has chosen; empty when he has not.
-std::wstring askForFile(HWND owner, const wchar_t* title, const wchar_t* filter, bool isToSave) {
-    wchar_t path[32768] = L"";
-    OPENFILENAMEW question{};
-    question.lStructSize = sizeof question;
-    question.hwndOwner = owner;
-    question.lpstrFilter = filter;
-    question.lpstrFile = path;
-    question.nMaxFile = static_cast<DWORD>(std::size(path));
-    question.lpstrTitle = title;
-    question.Flags = OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_EXPLORER |
-                     (isToSave ? OFN_PATHMUSTEXIST : OFN_FILEMUSTEXIST);
-    const BOOL chosen = isToSave ? GetSaveFileNameW(&question) : GetOpenFileNameW(&question);
-    return chosen ? path : L"";
-}
-
-std::optional<Wait> waitOf(const std::wstring& directive,
-                           const com::ComPtr<IFlatCollection>& parameters) {
-    const bool isPlain = com::sameName(directive, L"WAIT");
-    if (!isPlain && !com::sameName(directive, L"WAIT_OK") &&
-        !com::sameName(directive, L"WAIT_PROMPT")) {
-        return std::nullopt;
-    }
-    long count = 0;
-    com::check(parameters->get_Count(&count), parameters);
-    if (count == 0) return std::nullopt;
-    com::Variant seconds;
-    com::check(parameters->get_Item(com::Variant(0L).get(), seconds.put()), parameters);
-    const com::Variant text = seconds.convertedTo(VT_BSTR);
-    return Wait{std::wcstol(std::wstring(com::view(text.get().bstrVal)).c_str(), nullptr, 10),
-                !isPlain};
 }
 
 }  // namespace
@@ -474,13 +440,10 @@ void MainWindow::runScript(const std::wstring& path) {
 void MainWindow::followScript(host::ScriptEvent event, const host::EventArguments& arguments) {
     switch (event) {
         case host::kLineStarted:
-            runningScript_ = arguments.text(0);
-            runningLine_ = arguments.number(1);
-            lineStart_ = std::chrono::steady_clock::now();
-            wait_.reset();
+            runningLine_.begin(arguments.text(0), arguments.number(1));
             return showLine();
         case host::kDirectiveStarted:
-            wait_ = waitOf(arguments.text(0), arguments.collection(1));
+            runningLine_.waitFor(arguments.text(0), arguments.collection(1));
             return showLine();
         case host::kVariableSet:
             return variables_->setRow({arguments.text(0), arguments.text(1)});
@@ -490,9 +453,7 @@ void MainWindow::followScript(host::ScriptEvent event, const host::EventArgument
 }
 
 void MainWindow::showLine() {
-    const auto elapsed = std::chrono::duration_cast<std::chrono::seconds>(
-        std::chrono::steady_clock::now() - lineStart_);
-    setPart(1, lineStatus(runningScript_, runningLine_, static_cast<long>(elapsed.count()), wait_));
+    setPart(1, runningLine_.status());
 }
 
 void MainWindow::toggleLog() {

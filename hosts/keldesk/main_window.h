@@ -3,7 +3,6 @@
 
 #include <windows.h>
 
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -13,7 +12,7 @@
 #include "hosts/keldesk/instrument.h"
 #include "hosts/keldesk/list_window.h"
 #include "hosts/keldesk/model/desk_options.h"
-#include "hosts/keldesk/model/line_status.h"
+#include "hosts/keldesk/running_line.h"
 #include "hosts/keldesk/script_runner.h"
 #include "hosts/keldesk/terminal_host.h"
 #include "ui/model/recent_paths.h"
@@ -77,11 +76,7 @@ private:
     std::unique_ptr<ListWindow> variables_;
     std::optional<Accelerators> accelerators_;
     ui::RecentPaths recent_;
-    // What runs, since when, and the wait that it asks for.
-    std::wstring runningScript_;
-    std::size_t runningLine_ = 0;
-    std::chrono::steady_clock::time_point lineStart_;
-    std::optional<Wait> wait_;
+    RunningLine runningLine_;
     // A dialog of the library works with the instrument.
     bool isInDialog_ = false;
     // The user has closed the window while a script ran.

@@ -61,7 +61,7 @@ while_in_use() {
 }
 
 test_installs_upgrades_and_uninstalls() {
-    local version setup older installed KEL_RUN=$KEL_RUN
+    local version setup older installed inside KEL_RUN=$KEL_RUN
     version=$(product_version)
     setup=$package_folder/KelUtils-$version-setup.exe
     [[ -f $setup ]] || give_up "there is no ${setup##*/}: ./kel package makes it"
@@ -88,7 +88,9 @@ test_installs_upgrades_and_uninstalls() {
     kelrun 0 "$(windows_path "$installed/examples/deploy.kel")" "${connection[@]}"
     expect_deployment
 
-    while_in_use set_up_silently 3 "$installed/uninstall.exe" "_?=$(windows_path "$installed")"
+    # A path without a blank, for an argument with one arrives in quotes that an uninstaller does not take.
+    inside=${installed#"$WINEPREFIX/drive_c"}
+    while_in_use set_up_silently 3 "$installed/uninstall.exe" "_?=C:${inside//\//\\}"
     (cd -- "$installed" && sha256sum --quiet -c SHA256SUMS) >&2 || give_up "files went in spite of their use"
     echo mine >"$installed/mine.kel"
     set_up_silently 0 "$installed/uninstall.exe"

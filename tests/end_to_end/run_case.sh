@@ -15,6 +15,8 @@ source "$here/../../tools/members.sh"
 source "$here/../../tools/package.sh"
 source "$here/harness.sh"
 source "$here/cases.sh"
+source "$here/document_cases.sh"
 source "$here/package_cases.sh"
+source "$here/registration_cases.sh"
 
 "test_$1"

@@ -134,7 +134,7 @@ TEST_P(PlatformFaultsTest, AreSurvived) {
             ++failures;
         }
     }
-    EXPECT_GT(failures, 2);
+    EXPECT_GT(failures, 0);
     // Nothing is left behind that the next one would stumble over.
     bool isSeen = false;
     open(GetParam(), [&](HWND) { isSeen = true; });
