@@ -12,11 +12,11 @@ class RecordReplayTest : public TraceTest {
 protected:
     void SetUp() override {
         nested = file + L".kel";
-        write("#SENDBREAK\n#WAIT_PROMPT 30\n");
+        write("#SENDBREAK\n#WAIT_PROMPT 600\n");
         name = com::narrow(nested.substr(nested.rfind(L'\\') + 1));
         script =
-            "set station Pier\n#WAIT_OK 30\n@number=SERIALNUMBER()\nget station\n#WAIT_PROMPT "
-            "30\n#RUNSCRIPT " +
+            "set station Pier\n#WAIT_OK 600\n@number=SERIALNUMBER()\nget station\n#WAIT_PROMPT "
+            "600\n#RUNSCRIPT " +
             name + "\n@n=MISSING()\n";
     }
     void TearDown() override { DeleteFileW(nested.c_str()); }
@@ -39,6 +39,8 @@ protected:
         ASSERT_EQ(run(), S_OK);
         ran = host->ran;
         shown = host->shown();
+        ASSERT_NE(shown.find(L"MISSING"), shown.npos) << "not run to its last line:\n"
+                                                      << com::narrow(shown);
         endSession();
     }
 
