@@ -84,6 +84,7 @@ test_installs_upgrades_and_uninstalls() {
     KEL_RUN=$installed/kelrun.exe
     kelrun 0 --version
     expect "$output" "kelrun $version"
+    link_program 0 "$installed/kel_link_conformance.exe" BenchLink.Communicator
     instrument tcp
     kelrun 0 "$(windows_path "$installed/examples/deploy.kel")" "${connection[@]}"
     expect_deployment
