@@ -45,4 +45,7 @@ void PrintTo(const Case& row, std::ostream* stream);
 std::string escaped(std::string_view text);
 std::string unescaped(std::string_view text);
 
+// Takes the first word off a line, with the blank behind it.
+std::string takeWord(std::string& line);
+
 }  // namespace kel::test

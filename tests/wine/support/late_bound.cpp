@@ -12,8 +12,11 @@ namespace kel::test {
 namespace {
 
 std::string showFailure(const Outcome& outcome) {
-    const std::pair<HRESULT, const char*> names[] = {
-        {E_FAIL, "E_FAIL"}, {E_INVALIDARG, "E_INVALIDARG"}, {DISP_E_BADINDEX, "DISP_E_BADINDEX"}};
+    const std::pair<HRESULT, const char*> names[] = {{E_FAIL, "E_FAIL"},
+                                                     {E_POINTER, "E_POINTER"},
+                                                     {E_ACCESSDENIED, "E_ACCESSDENIED"},
+                                                     {E_INVALIDARG, "E_INVALIDARG"},
+                                                     {DISP_E_BADINDEX, "DISP_E_BADINDEX"}};
     for (const auto& [known, name] : names)
         if (outcome.code == known) return name + (" " + outcome.reason);
     return std::to_string(outcome.code);
@@ -34,7 +37,18 @@ com::Variant argument(const std::string& word) {
 
 std::string show(const com::Variant& value) {
     if (value.type() == VT_BSTR) return "\"" + escaped(value.toText()) + "\"";
+    const bool isOdd = value.type() == VT_BOOL && value.get().boolVal != VARIANT_FALSE &&
+                       value.get().boolVal != VARIANT_TRUE;
+    if (isOdd) return "a truth value of " + std::to_string(value.get().boolVal);
     return value.type() == VT_EMPTY ? "" : value.toText();
+}
+
+std::string show(const Outcome& outcome) {
+    if (outcome.code != S_OK) return showFailure(outcome);
+    std::string shown = show(outcome.result);
+    for (const com::Variant& out : outcome.outs)
+        shown += " " + show(out);
+    return shown;
 }
 
 Outcome invoke(IDispatch* object, const std::string& line,
@@ -85,11 +99,7 @@ Outcome invoke(IDispatch* object, const std::string& line,
 std::string call(IDispatch* object, const std::string& line) {
     const Outcome outcome = invoke(object, line);
     if (outcome.code == DISP_E_UNKNOWNNAME) throw com::Error(outcome.code);
-    if (outcome.code != S_OK) return showFailure(outcome);
-    std::string shown = show(outcome.result);
-    for (const com::Variant& out : outcome.outs)
-        shown += " " + show(out);
-    return shown;
+    return show(outcome);
 }
 
 }  // namespace kel::test

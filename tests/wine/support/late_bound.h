@@ -33,5 +33,7 @@ std::string call(IDispatch* object, const std::string& line);
 // A text in quotes, with escapes; another value as its text, nothing as an
 // empty one.
 std::string show(const com::Variant& value);
+// The result and those of "out", or the code and the description of the failure.
+std::string show(const Outcome& outcome);
 
 }  // namespace kel::test

@@ -42,18 +42,6 @@ void runScript(IDispatch* object, const std::string& script) {
     EXPECT_EQ(preprocessor->PreprocessAndRun(com::Bstr(script).get(), &ran), S_OK);
 }
 
-// From "KelGateConnect\Connections Count = dword:3".
-void rememberLine(const std::string& line) {
-    const std::size_t equals = line.find(" = ");
-    const std::size_t name = line.find(' ');
-    const std::string section = line.substr(0, name);
-    const std::string value = line.substr(name + 1, equals - name - 1);
-    const std::string text = line.substr(equals + 3);
-    constexpr std::string_view kNumber = "dword:";
-    if (!text.starts_with(kNumber)) return remember(section, value, text);
-    remember(section, value, static_cast<DWORD>(std::stoul(text.substr(kNumber.size()))));
-}
-
 // Its files are all there already.
 com::ComPtr<FakeRecorder> makeRecorder() {
     const auto recorder = com::makeObject<FakeRecorder>(false);
@@ -70,11 +58,11 @@ com::ComPtr<FakeRecorder> makeRecorder() {
 }
 
 // What a component finds around it.
-class Scene {
+class Surroundings {
 public:
-    explicit Scene(const Opening& opening) : opening_(opening) {
+    explicit Surroundings(const Opening& opening) : opening_(opening) {
         for (const std::string& line : opening.remembered)
-            rememberLine(line);
+            remember(line);
         link_.hasPort = opening.hasPort;
         link_.connectionString = L"COM3:";
         link_.absentPorts = {{L"COM5", 0}, {L"COM6", 0}, {L"COM8", 0}};
@@ -150,7 +138,7 @@ void PrintTo(const Opening& opening, std::ostream* stream) {
 }
 
 void open(const Opening& opening, const std::function<void(HWND)>& look) {
-    const Scene scene(opening);
+    const Surroundings scene(opening);
     const auto object = scene.create();
     DialogDriver user([&](DialogDriver& driver) {
         const HWND window = driver.waitFor(opening.caption);
@@ -176,17 +164,17 @@ void open(const Opening& opening, const std::function<void(HWND)>& look) {
 }
 
 void openOrNot(const Opening& opening) {
-    const Scene scene(opening);
+    const Surroundings scene(opening);
     std::atomic<bool> isOver = false;
     DialogDriver user([&](DialogDriver& driver) {
         int button = opening.button;
         driver.waitUntil("all calls to come back", [&] {
-            for (const HWND window : driver.dialogs()) {
-                // A question that cannot be cancelled is agreed to.
-                const bool isQuestion = GetDlgItem(window, IDYES) && !GetDlgItem(window, IDCANCEL);
-                const int end = isQuestion ? IDYES : IDCANCEL;
-                const int pressed = std::exchange(button, 0);
-                PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(pressed ? pressed : end), 0);
+            const std::vector<HWND> windows = driver.dialogs();
+            if (button == 0 || windows.empty()) {
+                driver.leave();
+            } else {
+                PostMessageW(windows.front(), WM_COMMAND,
+                             static_cast<WPARAM>(std::exchange(button, 0)), 0);
             }
             return isOver.load();
         });
