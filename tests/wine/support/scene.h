@@ -43,7 +43,8 @@
 //     tell nothing|calls|fetches   what is told of the doubles; fetches: those of the port too
 //     forget                       what this step has told so far
 //     order FIRST | SECOND         checks that no call SECOND… came before any call FIRST…
-//     | TEXT, run, variables       a line of a script, its run, what it has set
+//     | TEXT, script FILE          a line of a script, a script of the project
+//     run, variables               runs the script, tells what scripts have set
 //     every call fails             plays all again with the first call of the doubles failing, with
 //                                  the second one, …: host's calls then succeed or tell that
 //                                  failure, "order" holds, "recall" always tells the same, all ends
@@ -64,6 +65,7 @@
 //     focus NAME                   until it has the focus
 //     show NAME…                   tells what they show: texts, [x] where checked, (disabled),
 //                                  (hidden), rows with + or - for their boxes and * where selected
+//     style NAME…, caption         tells classes and styles; what stands before the focus
 //     look                         tells what dialog_faults.h finds
 //     box CAPTION                  tells what a message box says and agrees
 //     host LINE                    the host does this inside its message loop, under the open

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <fstream>
+#include <iterator>
 #include <sstream>
 #include <stdexcept>
 
@@ -13,6 +15,7 @@
 #include "interfaces/link_classes.h"
 #include "settings/vocabulary.h"
 #include "tests/support/cases.h"
+#include "tests/support/project_file.h"
 #include "tests/wine/support/bench_link.h"
 #include "tests/wine/support/late_bound.h"
 #include "tests/wine/support/library.h"
@@ -120,6 +123,11 @@ void Stage::play(const std::string& line) {
         {"forget", [&] { transcript.forget(); }},
         {"order", [&] { checkOrder(rest); }},
         {"|", [&] { script_ += rest + "\n"; }},
+        {"script",
+         [&] {
+             std::ifstream file(projectFile(rest));
+             script_.assign(std::istreambuf_iterator<char>(file), {});
+         }},
         {"run",
          [&] {
              const com::Variant script(widened(std::exchange(script_, {})));

@@ -5,6 +5,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -141,6 +142,14 @@ void User::act(const std::string& line) {
              for (std::string name; names >> name;)
                  stage_.transcript.tell(name + ": " + described(control(name)));
          }},
+        {"style",
+         [&] {
+             std::istringstream names(rest);
+             for (std::string name; names >> name;)
+                 stage_.transcript.tell(name + ": " + styleOf(control(name)));
+         }},
+        {"caption",
+         [&] { stage_.transcript.tell(textOf(GetWindow(driver_.focus(), GW_HWNDPREV))); }},
         {"look",
          [&] {
              for (const std::string& fault : faultsOf(driver_.window()))
@@ -277,6 +286,16 @@ std::string User::described(HWND window) {
     return text;
 }
 
+// Its class and style; of that without what controls take away because they draw it themselves.
+std::string User::styleOf(HWND window) {
+    constexpr LONG kOwn = WS_BORDER | WS_VSCROLL;
+    char style[16];
+    std::snprintf(style, sizeof style, " %08lx", GetWindowLongW(window, GWL_STYLE) & ~kOwn);
+    const bool isOdd =
+        driver_.send(window, WM_GETFONT) != driver_.send(GetParent(window), WM_GETFONT);
+    return kindOf(window) + style + (isOdd ? " (another font)" : "");
+}
+
 // Each row: its box where there are boxes, a star where it is selected, its cells.
 std::string User::rowsOf(HWND list) {
     const bool hasBoxes = driver_.send(list, LVM_GETEXTENDEDLISTVIEWSTYLE) & LVS_EX_CHECKBOXES;
@@ -304,7 +323,7 @@ std::string User::rowsOf(HWND list) {
     return rows;
 }
 
-// Each item: a star where it is selected, what its tooltip says.
+// Each item: a star where it is selected, what its tooltip says, which begins with its label.
 std::string User::itemsOf(HWND tree) {
     const auto selected = driver_.send(tree, TVM_GETNEXTITEM, TVGN_CARET);
     std::string items;
@@ -319,8 +338,17 @@ std::string User::itemsOf(HWND tree) {
         asked.hItem = reinterpret_cast<HTREEITEM>(item);
         driver_.send(GetParent(tree), WM_NOTIFY, asked.hdr.idFrom,
                      reinterpret_cast<LPARAM>(&asked));
-        items += (items.empty() ? "" : ", ") + std::string(item == selected ? "*" : "") +
-                 com::narrow(text, CP_UTF8);
+        wchar_t label[256] = L"";
+        TVITEMW entry{};
+        entry.mask = TVIF_TEXT;
+        entry.hItem = asked.hItem;
+        entry.pszText = label;
+        entry.cchTextMax = static_cast<int>(std::size(label));
+        driver_.send(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&entry));
+        items += (items.empty() ? "" : ", ") + std::string(item == selected ? "*" : "");
+        if (!std::wstring_view(text).starts_with(label))
+            items += com::narrow(label, CP_UTF8) + ": ";
+        items += com::narrow(text, CP_UTF8);
     }
     return items;
 }

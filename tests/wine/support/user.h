@@ -34,6 +34,7 @@ private:
     // Its text, or its rows, or the place of its bar; whether it is checked, disabled or hidden.
     std::string described(HWND window);
     std::string textOf(HWND window);
+    std::string styleOf(HWND window);
     std::string rowsOf(HWND list);
     std::string itemsOf(HWND tree);
     LPARAM itemAt(HWND tree, int index);
