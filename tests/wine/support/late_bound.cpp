@@ -19,7 +19,7 @@ std::string showFailure(const Outcome& outcome) {
                                                      {DISP_E_BADINDEX, "DISP_E_BADINDEX"}};
     for (const auto& [known, name] : names)
         if (outcome.code == known) return name + (" " + outcome.reason);
-    return std::to_string(outcome.code);
+    return std::to_string(outcome.code) + (outcome.reason.empty() ? "" : " " + outcome.reason);
 }
 
 com::Variant argument(const std::string& word) {

@@ -34,7 +34,7 @@
 //                                  IdleProcessing, RadioConnection, SDI12Mode
 //     port COM1… free|absent|busy ERROR      of the streams that components make
 //     password TEXT                network streams connect with it only
-//     class serial|network double|bench|none
+//     class serial|network double|bench|hasty|none     hasty: the bench's, which waits briefly
 //     answer NAME true|false…      what a call that is named as in the transcript answers in turn
 //     fail call NUMBER, fail METHOD          counted from now; get_Port, put_Port, Close
 //     remember SECTION NAME = VALUE          in the store: a text, or dword:NUMBER

@@ -77,9 +77,8 @@ void User::play(const std::vector<const Step*>& steps) {
             }
         }
     }
-    if (!stage_.hasFailed()) return;
-    driver_.waitUntil("all calls to come back", [&] {
-        driver_.leave();
+    driver_.waitUntil("the host's calls to come back", [&] {
+        if (stage_.hasFailed()) driver_.leave();
         return stage_.isThrough.load();
     });
 }
@@ -106,7 +105,11 @@ void User::act(const std::string& line) {
         {"press", [&] { press(rest); }},
         {"key", [&] { key(rest); }},
         {"type", [&] { driver_.type(widened(rest)); }},
-        {"set", [&] { driver_.setText(identifierOf(takeWord(rest)), widened(rest)); }},
+        {"set",
+         [&] {
+             const std::string name = takeWord(rest);
+             driver_.setText(identifierOf(name), widened(rest));
+         }},
         {"choose", [&] { choose(rest); }},
         {"click", [&] { this->click(rest, click, 0); }},
         {"doubleclick", [&] { this->click(rest, twice, 0); }},
