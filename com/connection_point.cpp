@@ -138,21 +138,26 @@ HRESULT ConnectionPoint::EnumConnections(IEnumConnections** enumerator) {
     return guard(IID_IConnectionPoint, nullptr, [&] {
         out(enumerator) = nullptr;
         std::vector<CONNECTDATA> connections;
-        std::vector<ComPtr<IUnknown>> owners;
         const std::lock_guard lock(mutex_);
-        for (const auto& [cookie, sink] : sinks_) {
-            owners.emplace_back(sink.Get());
+        for (const auto& [cookie, sink] : sinks_)
             connections.push_back({sink.Get(), cookie});
-        }
-        *enumerator =
-            makeObject<ConnectionEnumerator>(std::move(connections), std::move(owners), 0).Detach();
+        *enumerator = enumerate(connections);
     });
 }
 
-IEnumConnectionPoints* enumerateOne(IConnectionPoint* point) {
-    return makeObject<PointEnumerator>(std::vector<LPCONNECTIONPOINT>{point},
-                                       std::vector<ComPtr<IUnknown>>{point}, 0)
-        .Detach();
+IEnumConnectionPoints* enumerate(const std::vector<ComPtr<IConnectionPoint>>& points) {
+    std::vector<LPCONNECTIONPOINT> list;
+    for (const ComPtr<IConnectionPoint>& point : points)
+        list.push_back(point.Get());
+    std::vector<ComPtr<IUnknown>> owners(list.begin(), list.end());
+    return makeObject<PointEnumerator>(std::move(list), std::move(owners), 0).Detach();
+}
+
+IEnumConnections* enumerate(const std::vector<CONNECTDATA>& connections) {
+    std::vector<ComPtr<IUnknown>> owners;
+    for (const CONNECTDATA& connection : connections)
+        owners.emplace_back(connection.pUnk);
+    return makeObject<ConnectionEnumerator>(connections, std::move(owners), 0).Detach();
 }
 
 }  // namespace kel::com

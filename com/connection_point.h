@@ -95,13 +95,14 @@ protected:
     ConnectionPoint events_{*this, *source, std::is_same_v<Sink, IDispatch>};
 };
 
-// The enumerator over a container's only connection point; the caller owns it.
-IEnumConnectionPoints* enumerateOne(IConnectionPoint* point);
+// Enumerators over what is in a list now. The caller owns them.
+IEnumConnectionPoints* enumerate(const std::vector<ComPtr<IConnectionPoint>>& points);
+IEnumConnections* enumerate(const std::vector<CONNECTDATA>& connections);
 
 template <const IID* source, class Sink>
 HRESULT Events<source, Sink>::EnumConnectionPoints(IEnumConnectionPoints** enumerator) {
     return guard(IID_IConnectionPointContainer, nullptr,
-                 [&] { out(enumerator) = enumerateOne(&events_); });
+                 [&] { out(enumerator) = enumerate({ComPtr<IConnectionPoint>(&events_)}); });
 }
 
 }  // namespace kel::com

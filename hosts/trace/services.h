@@ -1,6 +1,7 @@
 #pragma once
 // The wrappers of the link's services: loading firmware, collecting pressures, the compass.
 
+#include "hosts/trace/event_source.h"
 #include "hosts/trace/kinds.h"
 #include "hosts/trace/traced.h"
 
@@ -25,20 +26,39 @@ public:
 
 template <class Derived, class Service, class... Bases>
 class UploaderOf : public ServiceWrapper<Derived, Service, Bases...> {
+    using Base = ServiceWrapper<Derived, Service, Bases...>;
+
 public:
-    using ServiceWrapper<Derived, Service, Bases...>::ServiceWrapper;
+    using Base::Base;
 
     STDMETHODIMP put_PackageFile(VARIANT_BOOL package) override {
         return this->template call<&IFirmwareUploader::put_PackageFile>("put_PackageFile", package);
     }
     STDMETHODIMP Upload(BSTR path, VARIANT_BOOL hexadecimal, long baudRate, long accessCode,
                         VARIANT_BOOL* result) override {
+        const com::KeepAlive alive(*this);
+        const EventSource::Firing firing(events_);
         return this->template call<&IFirmwareUploader::Upload>("Upload", path, hexadecimal,
                                                                baudRate, accessCode, result);
     }
     STDMETHODIMP Verify(BSTR path, VARIANT_BOOL hexadecimal, VARIANT_BOOL* result) override {
+        const com::KeepAlive alive(*this);
+        const EventSource::Firing firing(events_);
         return this->template call<&IFirmwareUploader::Verify>("Verify", path, hexadecimal, result);
     }
+
+    std::optional<EventAnswered> fire(const EventFired& event) override {
+        return events_.fire(event);
+    }
+
+protected:
+    void* findInterface(REFIID iid) override {
+        if (iid != IID_IConnectionPointContainer) return Base::findInterface(iid);
+        return events_.isOffered() ? static_cast<IConnectionPointContainer*>(&events_) : nullptr;
+    }
+
+private:
+    EventSource events_{*this, DIID__IFirmwareUploaderEvents};
 };
 
 class Uploader final : public UploaderOf<Uploader, IFirmwareUploader> {

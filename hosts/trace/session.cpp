@@ -185,11 +185,13 @@ HRESULT Session::answer(const Invocation& call, long number, DWORD& lastError) {
 template <class MakeWhat>
 void Session::tell(MakeWhat&& makeWhat) noexcept {
     if (!recorder_ || FAILED(recordingFailure_)) return;
+    const DWORD lastError = GetLastError();
     try {
         recorder_->write({0, makeWhat()});
     } catch (...) {
         recordingFailure_ = com::codeOfCurrentException();
     }
+    SetLastError(lastError);
 }
 
 void Session::tellShown(const TracedObject& object, const std::wstring& text) noexcept {
@@ -206,6 +208,18 @@ void Session::tellScript(const std::string& object, std::wstring_view script) no
 
 void Session::tellScriptEnd(HRESULT result) noexcept {
     tell([&] { return CallbackEnded{static_cast<std::uint32_t>(result)}; });
+}
+
+void Session::tellEvent(const std::function<EventFired()>& make) noexcept {
+    tell(make);
+}
+
+void Session::tellEventEnd(const std::function<EventAnswered()>& make) noexcept {
+    tell(make);
+}
+
+bool Session::tells(const TracedObject& object, std::string_view method) const {
+    return replay_ && replay_->tells(object.name(), method);
 }
 
 }  // namespace kel::trace

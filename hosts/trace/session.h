@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -46,6 +47,13 @@ public:
     // The link runs a script, or ended it.
     void tellScript(const std::string& object, std::wstring_view script) noexcept;
     void tellScriptEnd(HRESULT result) noexcept;
+
+    // An object fires an event at one of its sinks, or has been answered.
+    void tellEvent(const std::function<EventFired()>& make) noexcept;
+    void tellEventEnd(const std::function<EventAnswered()>& make) noexcept;
+
+    // In a replay: whether a method of an object was ever called.
+    bool tells(const TracedObject& object, std::string_view method) const;
 
     ObjectTable& objects() { return objects_; }
     FailurePlan& failures() { return failures_; }

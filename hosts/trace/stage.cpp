@@ -26,6 +26,13 @@ void LinkStage::runScript(const CallbackStarted& callback) {
     object->runScript(fromText(callback.script));
 }
 
+std::optional<EventAnswered> LinkStage::fire(const EventFired& event) {
+    TracedObject* object = objects_.named(event.object);
+    if (!object) return std::nullopt;
+    const com::ComPtr<IUnknown> alive = object->wrapper();
+    return object->fire(event);
+}
+
 void LinkStage::wait(const std::string& object, double started, double recorded) {
     kel::trace::waitUntil(started + atSpeed(recorded, speed_), runsMessages(object), {});
 }

@@ -14,6 +14,7 @@ public:
 
     void show(const Shown& shown) override;
     void runScript(const CallbackStarted& callback) override;
+    std::optional<EventAnswered> fire(const EventFired& event) override;
     void wait(const std::string& object, double started, double recorded) override;
     bool waitUntil(const std::string& object, double recorded,
                    const std::function<bool()>& done) override;

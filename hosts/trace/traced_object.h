@@ -6,9 +6,11 @@
 #include <unknwn.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "com/error.h"
+#include "hosts/trace/model/event.h"
 
 namespace kel::trace {
 
@@ -39,6 +41,8 @@ public:
     virtual bool runsMessages() const { return true; }
     // The link ran a script: hands it to the host's preprocessor.
     virtual void runScript(const std::wstring&) {}
+    // The object told a sink of an event. Nothing where there is no such sink.
+    virtual std::optional<EventAnswered> fire(const EventFired&) { return std::nullopt; }
 
 private:
     const std::shared_ptr<Session> session_;

@@ -30,6 +30,11 @@ public:
         for (std::size_t i = 0; i < callback.script.size(); ++i)
             step();
     }
+    std::optional<trace::EventAnswered> fire(const trace::EventFired& event) override {
+        for (std::int64_t i = 0; i < event.sink; ++i)
+            step();
+        return trace::EventAnswered{0, event.in};
+    }
     void wait(const std::string&, double, double) override {}
     bool waitUntil(const std::string&, double, const std::function<bool()>& done) override {
         step();

@@ -10,26 +10,43 @@ std::string describe(const Position& position) {
     return position.file.empty() ? line : hosts::toUtf8(position.file) + ", " + line;
 }
 
+std::string list(const Json::Array& values) {
+    std::string text;
+    for (const Json& value : values) {
+        if (!text.empty()) text += ", ";
+        text += write(value);
+    }
+    return text;
+}
+
+std::string leaving(const Position& now) {
+    const std::string text = "The replay leaves its recording";
+    return (now.line != 0 ? text + " at " + describe(now) : text) + ": expected ";
+}
+
+std::string describe(const EventAnswered& answer) {
+    return answer.out.empty() ? "no answer" : "the answer " + list(answer.out);
+}
+
 }  // namespace
 
 std::string describe(const Call& call) {
-    std::string text = call.object + "." + call.method + "(";
-    for (const Json& argument : call.in) {
-        if (&argument != &call.in.front()) text += ", ";
-        text += write(argument);
-    }
-    return text + ")";
+    return call.object + "." + call.method + "(" + list(call.in) + ")";
 }
 
 std::string describeDifference(const Call* expected, const Call* actual, const Position& now) {
-    std::string text = "The replay leaves its recording";
-    if (now.line != 0) text += " at " + describe(now);
-    text += ": expected ";
+    std::string text = leaving(now);
     text += expected ? describe(*expected) : "no further call";
     if (expected && expected->position.line != 0) {
         text += " (recorded at " + describe(expected->position) + ")";
     }
     return text + (actual ? ", got " + describe(*actual) : ", which did not come");
+}
+
+std::string describeDifference(const EventFired& event, const EventAnswered& expected,
+                               const EventAnswered& actual, const Position& now) {
+    return leaving(now) + describe(expected) + " to event " + std::to_string(event.member) + "(" +
+           list(event.in) + ") of " + event.object + ", got " + describe(actual);
 }
 
 }  // namespace kel::trace

@@ -14,4 +14,8 @@ std::string describe(const Call& call);
 // was expected did not come. `now` is where in the script the host is.
 std::string describeDifference(const Call* expected, const Call* actual, const Position& now);
 
+// The sink of an event gives back another value than it did.
+std::string describeDifference(const EventFired& event, const EventAnswered& expected,
+                               const EventAnswered& actual, const Position& now);
+
 }  // namespace kel::trace

@@ -70,6 +70,17 @@ struct Teller {
     void operator()(const CallbackEnded& callback) const {
         members.push_back({"scriptEnd", hexadecimal(callback.result)});
     }
+    void operator()(const EventFired& event) const {
+        members.push_back({"event", event.member});
+        members.push_back({"object", event.object});
+        members.push_back({"sink", event.sink});
+        members.push_back({"in", event.in});
+        if (event.isQuestion) members.push_back({"asks", true});
+    }
+    void operator()(const EventAnswered& answer) const {
+        members.push_back({"eventEnd", hexadecimal(answer.result)});
+        members.push_back({"out", answer.out});
+    }
 };
 
 CallStarted callStarted(const Json& json) {
@@ -105,6 +116,11 @@ Shown shown(const Json& json, const Json& text, bool isByCaller) {
     return {json.at("object").utf8Text(), text.text(), isByCaller};
 }
 
+EventFired eventFired(const Json& json) {
+    return {json.at("object").utf8Text(), json.at("sink").integer(), json.at("event").integer(),
+            json.at("in").array(), json.find("asks") != nullptr};
+}
+
 }  // namespace
 
 std::string toLine(const Event& event) {
@@ -127,6 +143,10 @@ Event fromLine(std::string_view line) {
         event.what = shown(json, *echoed, true);
     } else if (const Json* script = json.find("script")) {
         event.what = CallbackStarted{json.at("object").utf8Text(), script->text()};
+    } else if (json.find("event")) {
+        event.what = eventFired(json);
+    } else if (const Json* answer = json.find("eventEnd")) {
+        event.what = EventAnswered{codeOf(*answer), json.at("out").array()};
     } else {
         event.what = CallbackEnded{codeOf(json.at("scriptEnd"))};
     }

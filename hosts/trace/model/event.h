@@ -67,9 +67,26 @@ struct CallbackEnded {
     std::uint32_t result = 0;
 };
 
+// A traced object told one of its sinks of an event; what the sink does follows, up to its answer.
+struct EventFired {
+    std::string object;
+    std::int64_t sink = 0;    // the sink that was advised as the first, second... of the object
+    std::int64_t member = 0;  // the event's dispatch identifier
+    Json::Array in;
+    bool isQuestion = false;  // a value was asked for
+};
+struct EventAnswered {
+    std::uint32_t result = 0;
+    Json::Array out = {};  // the value, where one was asked for and given
+
+    bool operator==(const EventAnswered&) const = default;
+};
+
 struct Event {
     double time = 0;  // milliseconds since the start of the recording
-    std::variant<CallStarted, CallEnded, Shown, CallbackStarted, CallbackEnded> what;
+    std::variant<CallStarted, CallEnded, Shown, CallbackStarted, CallbackEnded, EventFired,
+                 EventAnswered>
+        what;
 };
 
 // One line, without its end.

@@ -27,14 +27,26 @@ bool isFailure(std::uint32_t result) {
     return (result & 0x80000000u) != 0;
 }
 
-// Calls and scripts nest, so each end belongs to the innermost start that is still open.
+bool isStart(const Event& event) {
+    return as<CallStarted>(event) || as<CallbackStarted>(event) || as<EventFired>(event);
+}
+
+bool isEndOf(const Event& start, const Event& event) {
+    return (as<CallStarted>(start) && as<CallEnded>(event)) ||
+           (as<CallbackStarted>(start) && as<CallbackEnded>(event)) ||
+           (as<EventFired>(start) && as<EventAnswered>(event));
+}
+
+// Events nest no deeper where they are fired before a call that comes early.
+constexpr std::size_t kDeepest = 200;
+
+// Calls, scripts and events nest, so each end belongs to the innermost start that is still open.
 std::vector<std::size_t> partnersIn(const std::vector<Event>& events) {
     std::vector<std::size_t> partners(events.size(), events.size());
     std::vector<std::size_t> open;
     for (std::size_t i = 0; i < events.size(); ++i) {
-        if (as<CallStarted>(events[i]) || as<CallbackStarted>(events[i])) open.push_back(i);
-        const bool isEnd = as<CallEnded>(events[i]) || as<CallbackEnded>(events[i]);
-        if (!isEnd || open.empty()) continue;
+        if (isStart(events[i])) open.push_back(i);
+        if (open.empty() || !isEndOf(events[open.back()], events[i])) continue;
         partners[i] = open.back();
         partners[open.back()] = i;
         open.pop_back();
@@ -119,6 +131,8 @@ void Replay::play(std::size_t start, std::size_t end) {
         if (cursor_ != at) continue;
         if (as<CallbackStarted>(events_[at])) {
             playScript(at, partners_[at]);
+        } else if (as<EventFired>(events_[at])) {
+            playEvent(at, partners_[at]);
         } else {
             passOne();
         }
@@ -130,10 +144,25 @@ void Replay::play(std::size_t start, std::size_t end) {
 }
 
 void Replay::playScript(std::size_t at, std::size_t end) {
+    playCallback(at, end, [&] { stage_.runScript(std::get<CallbackStarted>(events_[at].what)); });
+}
+
+void Replay::playEvent(std::size_t at, std::size_t end) {
+    const auto& event = std::get<EventFired>(events_[at].what);
+    std::optional<EventAnswered> answer;
+    playCallback(at, end, [&] { answer = stage_.fire(event); });
+    if (!event.isQuestion || !answer) return;
+    const auto& recorded = std::get<EventAnswered>(events_[end].what);
+    if (answer->out != recorded.out) leave(describeDifference(event, recorded, *answer, now_));
+}
+
+// Lets the host do what it did when the link called it.
+template <class Work>
+void Replay::playCallback(std::size_t at, std::size_t end, Work&& work) {
     {
         const Limit limit(*this, end);
         cursor_ = at + 1;
-        stage_.runScript(std::get<CallbackStarted>(events_[at].what));
+        work();
         stopIfDifferent();
         passUncompared();
         if (const CallStarted* left = expected()) differ(left, nullptr);
@@ -148,11 +177,18 @@ void Replay::playCallOfHost(std::size_t at, double recorded, const std::string& 
     if (!came) differ(&std::get<CallStarted>(events_[at].what), nullptr);
 }
 
-// Moves to the next border: a compared call, a script, the end of what is being played.
+// Moves to the next compared call, script, or end of what is being played. Events on the way are
+// fired; what was cut off is not.
 void Replay::passUncompared() {
     const std::size_t limit = limits_.empty() ? events_.size() : limits_.back();
-    while (cursor_ < limit && !isBorder(cursor_))
-        passOne();
+    while (cursor_ < limit && (!isBorder(cursor_) || as<EventFired>(events_[cursor_]))) {
+        const std::size_t end = partners_[cursor_];
+        if (as<EventFired>(events_[cursor_]) && end < events_.size() && limits_.size() < kDeepest) {
+            playEvent(cursor_, end);
+        } else {
+            passOne();
+        }
+    }
     stopIfDifferent();
 }
 
@@ -201,7 +237,8 @@ void Replay::remember(std::size_t ended) {
 
 bool Replay::isBorder(std::size_t index) const {
     const auto* call = as<CallStarted>(events_[index]);
-    return (call && call->isCompared) || as<CallbackStarted>(events_[index]);
+    return (call && call->isCompared) || as<CallbackStarted>(events_[index]) ||
+           as<EventFired>(events_[index]);
 }
 
 const CallStarted* Replay::expected() const {
@@ -210,8 +247,19 @@ const CallStarted* Replay::expected() const {
 }
 
 void Replay::differ(const Call* expected, const Call* actual) {
-    difference_ = describeDifference(expected, actual, actual ? actual->position : now_);
+    leave(describeDifference(expected, actual, actual ? actual->position : now_));
+}
+
+void Replay::leave(std::string difference) {
+    difference_ = std::move(difference);
     throw Difference(difference_);
+}
+
+bool Replay::tells(const std::string& object, std::string_view method) const {
+    return std::ranges::any_of(events_, [&](const Event& event) {
+        const auto* call = as<CallStarted>(event);
+        return call && call->object == object && call->method == method;
+    });
 }
 
 void Replay::stopIfDifferent() const {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <map>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -27,6 +28,8 @@ public:
 
     virtual void show(const Shown& shown) = 0;
     virtual void runScript(const CallbackStarted& callback) = 0;
+    // Tells a sink of an event. Nothing where there is no such sink.
+    virtual std::optional<EventAnswered> fire(const EventFired& event) = 0;
 
     // Lets recorded milliseconds pass since `started` (of now()), for a call on an object.
     virtual void wait(const std::string& object, double started, double recorded) = 0;
@@ -47,7 +50,7 @@ class Difference : public std::runtime_error {
 
 // One cursor moves through the events. A compared call moves it to the call's recorded return; what
 // lies between is played: texts are shown at their time, scripts that the link ran are run again,
-// calls that the host made from its message loop meanwhile are waited for.
+// events are fired, calls that the host made from its message loop meanwhile are waited for.
 class Replay {
 public:
     Replay(std::vector<Event> events, Stage& stage);
@@ -61,6 +64,9 @@ public:
     // Empty while there is none.
     const std::string& difference() const { return difference_; }
 
+    // True when a method of an object was ever called.
+    bool tells(const std::string& object, std::string_view method) const;
+
 private:
     class Limit;
 
@@ -68,6 +74,9 @@ private:
     CallEnded uncompared(const Call& actual, Rule rule);
     void play(std::size_t start, std::size_t end);
     void playScript(std::size_t at, std::size_t end);
+    void playEvent(std::size_t at, std::size_t end);
+    template <class Work>
+    void playCallback(std::size_t at, std::size_t end, Work&& work);
     void playCallOfHost(std::size_t at, double recorded, const std::string& object);
     void passUncompared();
     bool passTo(const Call& actual);
@@ -76,15 +85,16 @@ private:
     bool isBorder(std::size_t index) const;
     const CallStarted* expected() const;
     [[noreturn]] void differ(const Call* expected, const Call* actual);
+    [[noreturn]] void leave(std::string difference);
     void stopIfDifferent() const;
 
     std::vector<Event> events_;
     Stage& stage_;
-    // For each start of a call or script its end, and the other way round; the number of events for
-    // what has no partner.
+    // For each start of a call, script or event its end, and the other way round; the number of
+    // events for what has no partner.
     std::vector<std::size_t> partners_;
     std::size_t cursor_ = 0;
-    // Ends of the calls and scripts that are being played; the innermost last.
+    // Ends of the calls, scripts and events that are being played; the innermost last.
     std::vector<std::size_t> limits_;
     // Last known answers, by object and method.
     std::map<std::string, CallEnded, std::less<>> known_;

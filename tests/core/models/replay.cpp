@@ -15,14 +15,17 @@ using test::Subject;
 using test::Words;
 
 // "recorded event; event..." begins: "call METHOD ARGUMENTS", "asked METHOD" for one that is not
-// compared, "end RESULTS CODE", "shown TEXT", "script", "scriptend", each 100 ms after the other.
+// compared, "end RESULTS CODE", "shown TEXT", "script", "scriptend", "event ARGUMENTS", "eventend
+// ANSWERS" of one that asks where it is answered, each 100 ms after the other.
 // "call", "ask" and "poll" call a method; "loop" and "script" make such a line for the next message
-// loop and the link's next script. Then "left", "screen", "clock".
+// loop and the link's next script or event, "answer" the answer to that. Then "left", "screen",
+// "clock".
 class ReplayPlayer : public Stage {
 public:
     std::string play(Words& words) {
         const std::string act = words.text();
         if (act == "recorded") return record(words.line().substr(act.size()));
+        if (act == "answer") return answer_ = EventAnswered{0, arrayIn(words)}, act;
         if (act == "loop" || act == "script")
             return (act == "loop" ? loop_ : script_).push_back(words.line().substr(act.size())),
                    act;
@@ -35,6 +38,11 @@ public:
 
     void show(const Shown& text) override { screen_ += hosts::toUtf8(text.text); }
     void runScript(const CallbackStarted&) override { run(script_); }
+    std::optional<EventAnswered> fire(const EventFired& event) override {
+        screen_ += write(Json(event.in));
+        run(script_);
+        return std::exchange(answer_, {});
+    }
     void wait(const std::string&, double started, double recorded) override {
         clock_ = std::max(clock_, started + recorded);
     }
@@ -60,6 +68,8 @@ private:
         const std::string kind = words.text();
         if (kind == "script") return CallbackStarted{"link1", u"#WAIT"};
         if (kind == "scriptend") return CallbackEnded{};
+        if (kind == "event") return EventFired{"uploader1", 1, 4, arrayIn(words), true};
+        if (kind == "eventend") return EventAnswered{0, arrayIn(words)};
         if (kind == "shown") return Shown{"serial1", Json(words.text()).text()};
         std::vector<std::string> rest = words.all();
         if (kind == "end") {
@@ -77,10 +87,14 @@ private:
         return call;
     }
 
+    static Json::Array arrayIn(Words& words) {
+        const std::vector<std::string> rest = words.all();
+        return rest.empty() ? Json::Array() : hosts::readJson(rest[0]).array();
+    }
+
     std::string call(const std::string& act, Words& words) {
         Call call{"serial1", words.text(), {}, {u"b.kel", 9}};
-        for (const std::string& arguments : words.all())
-            call.in = hosts::readJson(arguments).array();
+        call.in = arrayIn(words);
         const Rule rule = act == "ask"    ? Rule::kState
                           : act == "poll" ? Rule::kPolled
                                           : Rule::kCompared;
@@ -102,6 +116,7 @@ private:
 
     std::unique_ptr<Replay> replay_;
     std::vector<std::string> loop_, script_;
+    std::optional<EventAnswered> answer_;
     std::string screen_, nested_;
     double clock_ = 5000;
 };

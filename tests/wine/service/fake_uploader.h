@@ -1,15 +1,13 @@
 #pragma once
-// The link's firmware uploader as a double, which tells what it does in the log of the link.
+// The link's firmware uploader as a double.
 
 #include <functional>
-#include <string>
 #include <vector>
 
 #include "com/connection_point.h"
 #include "com/object.h"
-#include "com/text.h"
 #include "com/variant.h"
-#include "tests/wine/support/fake_link.h"
+#include "interfaces/KelUtils.h"
 
 namespace kel::test {
 
@@ -18,7 +16,6 @@ class FakeUploader final
                          com::Events<&DIID__IFirmwareUploaderEvents>> {
 public:
     static constexpr com::ClassDescription kClass{};
-    explicit FakeUploader(FakeLink& link) : link_(link) {}
 
     // What happens in the middle of an upload or a verification, and its answer.
     std::function<bool()> onUpload = [] { return true; };
@@ -31,40 +28,27 @@ public:
         events_.fire(2, {com::Variant(done), com::Variant(total)});
     }
     bool isHeard() const { return events_.hasSinks(); }
-    // To those who heard the last upload, also when they have left.
-    void sayToFormerSinks(std::wstring_view text) {
+    // Tells those who heard the last upload, also when they have left, and gives their answers.
+    std::vector<com::Variant> askFormerSinks(DISPID event, std::wstring_view text) {
         const com::Variant argument(text);
         VARIANTARG borrowed = argument.get();
         DISPPARAMS arguments{&borrowed, nullptr, 1, 0};
+        std::vector<com::Variant> answers;
         for (const auto& sink : std::exchange(uploadSinks_, {}))
-            sink->Invoke(1, IID_NULL, 0, DISPATCH_METHOD, &arguments, nullptr, nullptr, nullptr);
+            sink->Invoke(event, IID_NULL, 0, DISPATCH_METHOD, &arguments,
+                         answers.emplace_back().put(), nullptr, nullptr);
+        return answers;
     }
 
-    STDMETHODIMP Attach(IKelCommunicator* communicator) override {
-        return tell(communicator == link_.communicator() ? "Attach" : "Attach foreign");
+    STDMETHODIMP Attach(IKelCommunicator*) override { return S_OK; }
+    STDMETHODIMP put_PackageFile(VARIANT_BOOL) override { return S_OK; }
+    STDMETHODIMP put_CompanionFile(BSTR) override { return S_OK; }
+    STDMETHODIMP Upload(BSTR, VARIANT_BOOL, long, long, VARIANT_BOOL* result) override {
+        uploadSinks_ = events_.sinks<IDispatch>();
+        return *result = onUpload() ? 1 : 0, S_OK;
     }
-    STDMETHODIMP put_PackageFile(VARIANT_BOOL package) override {
-        return tell("PackageFile = " + std::to_string(package));
-    }
-    STDMETHODIMP put_CompanionFile(BSTR path) override {
-        return tell("CompanionFile = " + com::narrow(path));
-    }
-    STDMETHODIMP FindConnectionPoint(REFIID iid, IConnectionPoint** point) override {
-        const HRESULT code = tell("Advise");
-        return FAILED(code) ? code : Events::FindConnectionPoint(iid, point);
-    }
-    STDMETHODIMP Upload(BSTR path, VARIANT_BOOL hexadecimal, long baudRate, long accessCode,
-                        VARIANT_BOOL* result) override {
-        return tell("Upload " + com::narrow(path) + " " + std::to_string(hexadecimal) + " " +
-                        std::to_string(baudRate) + " " + std::to_string(accessCode),
-                    [&] {
-                        uploadSinks_ = events_.sinks<IDispatch>();
-                        *result = onUpload() ? 1 : 0;
-                    });
-    }
-    STDMETHODIMP Verify(BSTR path, VARIANT_BOOL hexadecimal, VARIANT_BOOL* result) override {
-        return tell("Verify " + com::narrow(path) + " " + std::to_string(hexadecimal),
-                    [&] { *result = onVerify() ? 1 : 0; });
+    STDMETHODIMP Verify(BSTR, VARIANT_BOOL, VARIANT_BOOL* result) override {
+        return *result = onVerify() ? 1 : 0, S_OK;
     }
 
 protected:
@@ -75,16 +59,6 @@ protected:
     }
 
 private:
-    HRESULT tell(
-        const std::string& call, const std::function<void()>& answer = [] {}) {
-        return com::guard(__uuidof(IFirmwareUploader), L"FakeUploader", [&] {
-            link_.calls.push_back(call);
-            if (link_.onCall) link_.onCall(call);
-            answer();
-        });
-    }
-
-    FakeLink& link_;
     std::vector<com::ComPtr<IDispatch>> uploadSinks_;
 };
 

@@ -48,7 +48,7 @@ protected:
         link_.echoWindow = 42;
         link_.isIdleProcessing = false;
         link_.onCall = [this](const std::string& call) {
-            if (call == "EchoWindow = 42") uploader_->sayToFormerSinks(L"Late");
+            if (call == "EchoWindow = 42") uploader_->askFormerSinks(1, L"Late");
         };
         dialog_->put_Communicator(link_.communicator());
         setFile(L"new.hex");
@@ -102,9 +102,10 @@ protected:
     const ImportPatch clock_{kelUtils().module(), "GetTickCount64",
                              reinterpret_cast<void*>(tellTickCount)};
     FakeLink link_;
-    com::ComPtr<FakeUploader> uploader_ = com::makeObject<FakeUploader>(link_);
-    std::optional<ClassObject> class_{std::in_place, link::kFirmwareUploaderClass,
-                                      uploader_->controlling()};
+    com::ComPtr<FakeUploader> uploader_ = com::makeObject<FakeUploader>();
+    std::optional<ClassObject> class_{std::in_place, link::kFirmwareUploaderClass, [this] {
+                                          return link_.around<IUnknown>(uploader_->controlling());
+                                      }};
     com::ComPtr<IUploadFirmwareDialog> dialog_ =
         kelUtils().create<IUploadFirmwareDialog>(CLSID_UploadFirmwareDialog);
 };
@@ -120,13 +121,17 @@ TEST_F(UploadFirmwareTest, LoadsAsTheUserWants) {
         {L"new.hex",
          {},
          L"",
-         "0\nCompanionFile = new.kfc\nAdvise\nUpload new.hex 0 57600 0\nVerify new.hex 0\n"},
-        {L"new.hex", {IDC_FIRMWARE_VERIFY}, L"-12", "0\nUpload new.hex 0 57600 -12\n", true},
+         "0\nCompanionFile = \"new.kfc\"\nAdvise\nUpload \"new.hex\" 0 57600 0\n"
+         "Verify \"new.hex\" 0\nUnadvise\n"},
+        {L"new.hex", {IDC_FIRMWARE_VERIFY}, L"-12", "0\nUpload \"new.hex\" 0 57600 -12\n", true},
         {L"a/b.KfH",
          {IDC_FIRMWARE_HEXADECIMAL, IDC_FIRMWARE_FAST},
          L"",
-         "-1\nAdvise\nUpload a/b.KfH -1 9600 0\nVerify a/b.KfH -1\n"},
-        {L"alone.hex", {IDC_FIRMWARE_VERIFY}, L"", "0\nAdvise\nUpload alone.hex 0 57600 0\n"},
+         "-1\nAdvise\nUpload \"a/b.KfH\" -1 9600 0\nVerify \"a/b.KfH\" -1\nUnadvise\n"},
+        {L"alone.hex",
+         {IDC_FIRMWARE_VERIFY},
+         L"",
+         "0\nAdvise\nUpload \"alone.hex\" 0 57600 0\nUnadvise\n"},
     };
     std::wstring code;
     for (const auto& row : rows) {
@@ -144,8 +149,8 @@ TEST_F(UploadFirmwareTest, LoadsAsTheUserWants) {
                 start(driver);
             },
             L"Update firmware - " + row.file.substr(row.file.find(L'/') + 1)));
-        EXPECT_EQ(link_.takeWork(),
-                  std::string(kSaved) + "Attach\nPackageFile = " + row.calls + kRestored + kWoken);
+        EXPECT_EQ(link_.takeWork(), std::string(kSaved) + "Attach \"link1\"\nPackageFile = " +
+                                        row.calls + kRestored + kWoken);
     }
     EXPECT_FALSE(isRemembered(""));
 }
@@ -230,12 +235,11 @@ TEST_F(UploadFirmwareTest, ShowsTheTransferAndEndsWithIt) {
         return true;
     };
     EXPECT_TRUE(show(start));
-    EXPECT_EQ(
-        link_.takeWork(),
-        std::string(kSaved) +
-            "Attach\nPackageFile = 0\nCompanionFile = new.kfc\nAdvise\nUpload new.hex 0 57600 0\n"
-            "Verify new.hex 0\n" +
-            kRestored + kWoken);
+    EXPECT_EQ(link_.takeWork(),
+              std::string(kSaved) +
+                  "Attach \"link1\"\nPackageFile = 0\nCompanionFile = \"new.kfc\"\nAdvise\n"
+                  "Upload \"new.hex\" 0 57600 0\nVerify \"new.hex\" 0\nUnadvise\n" +
+                  kRestored + kWoken);
 }
 
 TEST_F(UploadFirmwareTest, WithoutAnUploaderNothingIsLoaded) {

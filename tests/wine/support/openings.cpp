@@ -69,11 +69,10 @@ public:
         link_.busyPorts = {{L"COM4", ERROR_ACCESS_DENIED}};
         link_.gatewayPassword = L"sea";
         link_.access = recorder_->controlling();
-        link_.onCall = compassAccess_->onCall = pressureAccess_->onCall =
-            recorder_->onCall = [&](const std::string& call) {
-                if (!opening_.failingCall.empty() && call.starts_with(opening_.failingCall))
-                    throw com::Error(E_FAIL, kFailure);
-            };
+        link_.onCall = recorder_->onCall = [&](const std::string& call) {
+            if (!opening_.failingCall.empty() && call.starts_with(opening_.failingCall))
+                throw com::Error(E_FAIL, kFailure);
+        };
     }
 
     // The component, with a link where it wants one. Throws com::Error.
@@ -93,11 +92,13 @@ private:
     FakeLink link_;
     const ClassObject serial_{link::kSerialStreamClass, link_.port()};
     const ClassObject network_{link::kNetworkStreamClass, link_.network()};
-    const com::ComPtr<FakeCompass> compassAccess_ = com::makeObject<FakeCompass>();
-    const com::ComPtr<FakePressure> pressureAccess_ = com::makeObject<FakePressure>();
     const com::ComPtr<FakeRecorder> recorder_ = makeRecorder();
-    const ClassObject compass_{link::kCompassAccessClass, compassAccess_->controlling()};
-    const ClassObject pressure_{link::kPressureAccessClass, pressureAccess_->controlling()};
+    const ClassObject compass_{
+        link::kCompassAccessClass,
+        link_.around<IUnknown>(com::makeObject<FakeCompass>()->controlling()).Get()};
+    const ClassObject pressure_{
+        link::kPressureAccessClass,
+        link_.around<IUnknown>(com::makeObject<FakePressure>()->controlling()).Get()};
     const ClassObject collections_{link::kCollectionClass, [] { return makeCollection(false); }};
 };
 

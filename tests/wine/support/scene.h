@@ -39,7 +39,10 @@
 //     fail call NUMBER, fail METHOD          counted from now; get_Port, put_Port, Close
 //     remember SECTION NAME = VALUE          in the store: a text, or dword:NUMBER
 //     recall SECTION               tells what the store holds
-//     file NAME                    an empty one in $folder; $peer is a port with a listener
+//     file NAME, folder NAME       an empty one in $folder; $peer is a port with a listener
+//     same NAME FILE               checks that one in $folder is as a file of the project
+//     owner gone                   $owner, a window to be given to ShowModal, is closed
+//     hold CALL, go                the calls that begin so wait inside, running messages, until go
 //     tell nothing|calls|fetches   what is told of the doubles; fetches: those of the port too
 //     forget                       what this step has told so far
 //     order FIRST | SECOND         checks that no call SECOND… came before any call FIRST…
@@ -57,11 +60,12 @@
 //     window CAPTION, gone         waits for the window, or for its end
 //     press NAME                   a button that can be pressed
 //     set NAME TEXT; type TEXT     the whole text; keys for what has the focus
-//     key [Ctrl+|Shift+]Tab|Enter|…          Tab waits until the focus has moved
+//     key [Ctrl+|Shift+|Alt+]Tab|Enter|S|…   Tab waits until the focus has moved
 //     choose NAME TEXT|ROW…        in a box of choices; rows of a list, an item of a tree
 //     click|doubleclick|controlclick NAME ROW [box]
 //     close, message NAME, timer   WM_CLOSE, a registered message, a tick of timer 1
 //     wait NAME TEXT               until the control shows this; "*" stands for any text
+//     told TEXT                    until this step tells something that begins so
 //     focus NAME                   until it has the focus
 //     show NAME…                   tells what they show: texts, [x] where checked, (disabled),
 //                                  (hidden), rows with + or - for their boxes and * where selected

@@ -4,11 +4,13 @@
 
 #include <algorithm>
 #include <cctype>
+#include <chrono>
 #include <fstream>
 #include <iterator>
 #include <sstream>
 #include <stdexcept>
 
+#include "com/message_loop.h"
 #include "com/text.h"
 #include "com/variant.h"
 #include "interfaces/KelUtils.h"
@@ -16,6 +18,7 @@
 #include "settings/vocabulary.h"
 #include "tests/support/cases.h"
 #include "tests/support/project_file.h"
+#include "tests/support/temporary_file.h"
 #include "tests/wine/support/bench_link.h"
 #include "tests/wine/support/late_bound.h"
 #include "tests/wine/support/library.h"
@@ -30,6 +33,8 @@ void CALLBACK endRound(HWND window, UINT, UINT_PTR timer, DWORD) {
     KillTimer(window, timer);
     ++rounds;
 }
+
+constexpr std::chrono::seconds kLongestHold{10};
 
 void replace(std::string& text, const std::string& from, const std::string& to) {
     for (std::size_t at = 0; (at = text.find(from, at)) != text.npos; at += to.size())
@@ -58,6 +63,11 @@ void Transcript::abbreviate(const std::string& text, const std::string& sign) {
     signs_[text] = sign;
 }
 
+bool Transcript::tells(const std::string& start) const {
+    const std::lock_guard lock(mutex_);
+    return ("\n" + steps_.back()).find("\n" + start) != std::string::npos;
+}
+
 void Transcript::forget() {
     const std::lock_guard lock(mutex_);
     steps_.back().clear();
@@ -78,8 +88,13 @@ Stage::Stage(long failing) : failing_(failing) {
     network_.emplace(link::kNetworkStreamClass, ports.network());
     link.onCall = [this](const std::string& call) {
         if (tellsCalls_ && call != "Sleep 1") transcript.tell(call);
+        if (!held_.empty() && call.starts_with(held_)) hold();
     };
     if (failing_ > 0) link.failCall(failing_);
+}
+
+Stage::~Stage() {
+    if (owner_) DestroyWindow(owner_);
 }
 
 bool Stage::hasFailed() const {
@@ -115,6 +130,12 @@ void Stage::play(const std::string& line) {
         {"remember", [&] { remember(rest); }},
         {"recall", [&] { recall(rest); }},
         {"file", [&] { folder_->file(widened(rest), ""); }},
+        {"folder",
+         [&] { CreateDirectoryW((folder_->path() + L"\\" + widened(rest)).c_str(), nullptr); }},
+        {"same", [&] { compareFile(rest); }},
+        {"hold", [&] { held_ = rest; }},
+        {"go", [&] { held_.clear(); }},
+        {"owner", [&] { rest == "gone" ? void(DestroyWindow(owner_)) : refuse(line); }},
         {"tell",
          [&] {
              tellsCalls_ = rest != "nothing";
@@ -144,6 +165,26 @@ void Stage::play(const std::string& line) {
     std::unique_ptr<Prop>& prop = props_[word];
     if (!prop) prop = maker->second(*this);
     prop->prepare(rest);
+}
+
+// The link runs messages while it waits.
+void Stage::hold() {
+    const auto end = std::chrono::steady_clock::now() + kLongestHold;
+    while (!held_.empty()) {
+        if (std::chrono::steady_clock::now() > end) {
+            ADD_FAILURE() << "held for ever: " << std::exchange(held_, {});
+        }
+        com::sleepUntilMessage(std::chrono::milliseconds(10));
+        com::runWaitingMessages();
+    }
+}
+
+// "report.html tests/reports/whole.html", "report.html none"
+void Stage::compareFile(std::string line) const {
+    const std::string name = takeWord(line);
+    const std::string expected =
+        line == "none" ? line : asTextFile(TemporaryFile::bytesOf(projectFile(line)));
+    EXPECT_EQ(folder_->content(widened(name)), expected) << name;
 }
 
 void Stage::make(std::string line) {
@@ -311,7 +352,15 @@ std::string Stage::expanded(std::string line) {
         if (!peer_) peer_.emplace();
         put("$peer", com::narrow(peer_->port().view()));
     }
-    if (line.find("$folder") != line.npos || line.starts_with("file ")) {
+    if (line.find("$owner") != line.npos) {
+        if (!owner_) {
+            owner_ = CreateWindowW(L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 99, 99, nullptr,
+                                   nullptr, nullptr, nullptr);
+        }
+        replace(line, "$owner", std::to_string(HandleToLong(owner_)));
+    }
+    if (line.find("$folder") != line.npos || line.starts_with("file ") ||
+        line.starts_with("folder ")) {
         if (!folder_) folder_.emplace();
         put("$folder", com::narrow(folder_->path(), CP_UTF8));
     }

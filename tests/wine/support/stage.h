@@ -33,6 +33,8 @@ public:
     void tell(std::string line);
     // A text that is another one in every run is told by its sign.
     void abbreviate(const std::string& text, const std::string& sign);
+    // Whether the step that runs has a line that begins so.
+    bool tells(const std::string& start) const;
     // Empties the step that runs.
     void forget();
     void nextStep();
@@ -63,6 +65,9 @@ class Stage {
 public:
     // With a number that call of the doubles fails, counted from the first.
     explicit Stage(long failing = 0);
+    ~Stage();
+    Stage(const Stage&) = delete;
+    Stage& operator=(const Stage&) = delete;
 
     // A line of the host. Throws when it is not understood.
     void play(const std::string& line);
@@ -72,8 +77,8 @@ public:
     // The same, after the host's line.
     void playInside(DialogDriver& user, const std::string& line);
 
-    // The line with what its signs stand for: "$peer", a port on which somebody listens, and
-    // "$folder", a folder that goes with the scene.
+    // The line with what its signs stand for: "$peer", a port on which somebody listens, "$folder",
+    // a folder that goes with the scene, and "$owner", a window that does.
     std::string expanded(std::string line);
 
     // Whether the call has failed that was to. From any thread.
@@ -95,6 +100,8 @@ private:
     void setAnswers(const std::string& line);
     void setClass(std::string line);
     void setFailure(std::string line);
+    void hold();
+    void compareFile(std::string line) const;
     void recall(const std::string& section);
     void tellVariables();
     void checkOrder(const std::string& line) const;
@@ -108,7 +115,9 @@ private:
     std::map<std::string, std::unique_ptr<Prop>, std::less<>> props_;
     bench::test::TestWindow window_;
     com::ComPtr<IDispatch> object_;
+    HWND owner_ = nullptr;
     std::string script_;
+    std::string held_;
     bool tellsCalls_ = true;
 };
 

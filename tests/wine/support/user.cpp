@@ -39,10 +39,11 @@ int identifierOf(const std::string& name) {
 
 WORD keyOf(const std::string& name) {
     static const std::map<std::string, WORD, std::less<>> known = {
-        {"Tab", VK_TAB},      {"Enter", VK_RETURN}, {"Escape", VK_ESCAPE}, {"Space", VK_SPACE},
-        {"Up", VK_UP},        {"Down", VK_DOWN},    {"Left", VK_LEFT},     {"Right", VK_RIGHT},
-        {"Home", VK_HOME},    {"End", VK_END},      {"Ctrl", VK_CONTROL},  {"Shift", VK_SHIFT},
-        {"Delete", VK_DELETE}};
+        {"Tab", VK_TAB},       {"Enter", VK_RETURN}, {"Escape", VK_ESCAPE}, {"Space", VK_SPACE},
+        {"Up", VK_UP},         {"Down", VK_DOWN},    {"Left", VK_LEFT},     {"Right", VK_RIGHT},
+        {"Home", VK_HOME},     {"End", VK_END},      {"Ctrl", VK_CONTROL},  {"Shift", VK_SHIFT},
+        {"Delete", VK_DELETE}, {"Alt", VK_MENU}};
+    if (name.size() == 1 && std::isupper(static_cast<unsigned char>(name[0]))) return name[0];
     const auto found = known.find(name);
     if (found == known.end()) throw std::invalid_argument("there is no key " + name);
     return found->second;
@@ -130,6 +131,7 @@ void User::act(const std::string& line) {
              const HWND window = control(takeWord(rest));
              wait("the text '" + rest + "'", [&] { return fits(described(window), rest); });
          }},
+        {"told", [&] { wait("'" + rest + "'", [&] { return stage_.transcript.tells(rest); }); }},
         {"focus",
          [&] {
              const HWND window = control(rest);

@@ -3,14 +3,19 @@
 #include <fstream>
 #include <iterator>
 
+#include "tests/wine/support/class_object.h"
 #include "tests/wine/support/import_patch.h"
 
 namespace kel::trace::test {
 namespace {
 
+std::pair<CLSID, ComPtr<IClassFactory>> otherClass;
+
 // Stands for the platform, which would find the bench's classes if they were registered.
 HRESULT WINAPI benchClassObject(REFCLSID identifier, DWORD, COSERVERINFO*, REFIID iid,
                                 void** result) {
+    if (otherClass.second && identifier == otherClass.first)
+        return otherClass.second->QueryInterface(iid, result);
     return kel::test::benchLink().classObject(identifier, iid, result);
 }
 
@@ -64,9 +69,16 @@ ComPtr<ITraceSession> TraceTest::newSession() {
     return kel::test::kelTrace().create<ITraceSession>(__uuidof(TraceSession));
 }
 
-void TraceTest::startRecording() {
+void TraceTest::startRecording(std::pair<CLSID, IUnknown*> other) {
+    if (other.second) {
+        const kel::test::ClassObject found(other.first, other.second);
+        otherClass.first = other.first;
+        CoGetClassObject(other.first, CLSCTX_INPROC_SERVER, nullptr,
+                         IID_PPV_ARGS(&otherClass.second));
+    }
     const BenchClasses classes;
     ASSERT_EQ(session->Record(bstr(file).get()), S_OK);
+    otherClass.second.Reset();
 }
 
 void TraceTest::startReplay(double speed) {

@@ -50,8 +50,9 @@ protected:
     static ComPtr<ITraceSession> newSession();
 
     // Opens a session: to record into `file`, to replay it, or to count and fail only. The bench's
-    // link is found by its class identifiers when a session that is no replay begins.
-    void startRecording();
+    // link is found by its class identifiers when a session that is no replay begins; something
+    // else in the place of one of its classes.
+    void startRecording(std::pair<CLSID, IUnknown*> other = {});
     void startReplay(double speed = 0);
     void startCounting();
     // Also lets go the host.

@@ -1,5 +1,6 @@
 #include "com/variant.h"
 #include "tests/wine/service/fake_uploader.h"
+#include "tests/wine/support/event_sink.h"
 #include "tests/wine/trace/host.h"
 
 namespace kel::trace::test {
@@ -34,20 +35,110 @@ TEST_F(TransparencyTest, ObjectsCreatedByIdentifierAreWrapped) {
 TEST_F(TransparencyTest, AdditionsAreTracedWhereTheLinkHasThem) {
     kel::test::FakeLink fake;
     session = fake.session();
-    const auto uploader = com::makeObject<kel::test::FakeUploader>(fake);
+    const auto uploader = com::makeObject<kel::test::FakeUploader>();
     for (const bool isPlain : {false, true}) {
         uploader->isPlain = isPlain;
-        ComPtr<IUnknown> traced;
-        ASSERT_EQ(session->Wrap(uploader->controlling(), &traced), S_OK);
+        const auto traced = fake.around<IUnknown>(uploader->controlling());
         ComPtr<IFirmwareUploader2> added;
         EXPECT_EQ(traced.As(&added), isPlain ? E_NOINTERFACE : S_OK);
         EXPECT_EQ(asks<IFirmwareUploader>(traced.Get()), S_OK);
         if (isPlain) continue;
-        const long before = fake.callCount();
         EXPECT_EQ(added->put_CompanionFile(bstr(L"a.kfc").get()), S_OK);
-        EXPECT_EQ(fake.callCount(), before + 1);
-        EXPECT_EQ(fake.takeWork(), "CompanionFile = a.kfc\n");
+        EXPECT_EQ(fake.takeWork(), "CompanionFile = \"a.kfc\"\n");
     }
+}
+
+// An upload that three sinks hear: the first one makes a call, calls the last one in, and leaves at
+// its second event; the second one fails. What they and the host see.
+std::string heardUpload(const ComPtr<IFirmwareUploader>& uploader, bool answer = true) {
+    const auto point = kel::test::eventsOf(uploader.Get(), DIID__IFirmwareUploaderEvents);
+    ComPtr<kel::test::EventSink> sinks[3];
+    DWORD cookies[3]{};
+    std::string log;
+    const auto tell = [&](const char* what, long result) {
+        log += what + (" " + std::to_string(result)) + "\n";
+    };
+    const auto advise = [&](std::size_t i) {
+        tell("Advise", point->Advise(sinks[i]->controlling(), &cookies[i]));
+    };
+    for (std::size_t i = 0; i < 3; ++i) {
+        sinks[i] = com::makeObject<kel::test::EventSink>();
+        sinks[i]->answer = answer;
+        sinks[i]->onEvent = [&, i, events = 0](DISPID) mutable {
+            log += std::to_string(i) + ": " + std::exchange(sinks[i]->events, {});
+            if (i == 0) tell("PackageFile", uploader->put_PackageFile(VARIANT_TRUE));
+            if (i == 0 && events == 0) advise(2);
+            if (i == 0 && events == 1) tell("Unadvise", point->Unadvise(cookies[0]));
+            ++events;
+            return i == 1 ? E_FAIL : S_OK;
+        };
+    }
+    advise(0);
+    advise(1);
+    for (IUnknown* const refused :
+         {static_cast<IUnknown*>(nullptr), static_cast<IUnknown*>(point.Get())}) {
+        DWORD cookie = 7;
+        tell("Advise", point->Advise(refused, &cookie));
+        tell("cookie", static_cast<long>(cookie));
+    }
+    VARIANT_BOOL result = 7;
+    tell("Upload", uploader->Upload(bstr(L"a.hex").get(), VARIANT_TRUE, 9600, 7, &result));
+    tell("result", result);
+    ComPtr<IEnumConnections> connections;
+    tell("EnumConnections", point->EnumConnections(&connections));
+    CONNECTDATA each{};
+    while (connections->Next(1, &each, nullptr) == S_OK) {
+        for (long i = 0; i < 3; ++i)
+            if (each.pUnk == static_cast<IDispatch*>(sinks[i].Get())) tell("heard by", i);
+        each.pUnk->Release();
+    }
+    ComPtr<IConnectionPointContainer> container;
+    tell("Container", point->GetConnectionPointContainer(&container));
+    ComPtr<IFirmwareUploader> same;
+    tell("same", container.As(&same) == S_OK && same == uploader);
+    for (const DWORD cookie : cookies)
+        tell("Unadvise", point->Unadvise(cookie));
+    return log;
+}
+
+// Bare, recorded and replayed.
+TEST_F(TransparencyTest, EventsComeAsTheyWould) {
+    const auto inner = com::makeObject<kel::test::FakeUploader>();
+    std::string answers;
+    inner->onUpload = [&] {
+        inner->say(L"\x20AC");
+        inner->progress(1, 70000);
+        for (const com::Variant& answer : inner->askFormerSinks(4, L"b"))
+            answers += answer.toText() + " ";
+        inner->say(L"");
+        return true;
+    };
+    const auto upload = [&](bool answer = true) {
+        return heardUpload(createStream<IFirmwareUploader>(link::kFirmwareUploaderClass), answer);
+    };
+    const std::string bare = heardUpload(inner);
+    const std::string bareAnswers = std::exchange(answers, {});
+    EXPECT_EQ(bare,
+              "Advise 0\nAdvise 0\nAdvise -2147467261\ncookie 0\nAdvise -2147220990\ncookie 0\n"
+              "0: 1 \x80\nPackageFile 0\nAdvise 0\n1: 1 \x80\n"
+              "0: 2 1 70000\nPackageFile 0\nUnadvise 0\n1: 2 1 70000\n2: 2 1 70000\n"
+              "0: 4 b\nPackageFile 0\n1: 4 b\n1: 1 \n2: 1 \nUpload 0\nresult 1\n"
+              "EnumConnections 0\nheard by 1\nheard by 2\nContainer 0\nsame 1\n"
+              "Unadvise -2147220992\nUnadvise 0\nUnadvise 0\n");
+    EXPECT_EQ(bareAnswers, "True True ");
+
+    startRecording({link::kFirmwareUploaderClass, inner->controlling()});
+    EXPECT_EQ(upload(), bare);
+    EXPECT_EQ(std::exchange(answers, {}), bareAnswers);
+    endSession();
+    startReplay();
+    EXPECT_EQ(upload(), bare) << com::narrow(difference());
+    EXPECT_EQ(callsLeft(), 0);
+    EXPECT_EQ(answers, "");
+    endSession();
+    startReplay();
+    EXPECT_NE(upload(false), bare);
+    EXPECT_NE(difference().find(L"event 4"), std::wstring::npos) << com::narrow(difference());
 }
 
 TEST_F(TransparencyTest, IdentitiesAreKept) {
