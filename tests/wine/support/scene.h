@@ -84,17 +84,25 @@
 namespace kel::test {
 
 struct Scene {
+    std::string name;  // of its picture, or its file and line
     std::string file;
     Case lines;
 };
 
-// Names a scene by its file and line.
 void PrintTo(const Scene& scene, std::ostream* stream);
 
 // The scenes in a file, named relative to the project.
 std::vector<Scene> readScenes(const std::string& file);
 
-// Plays it; all that is not as expected is a failure of the test.
-void play(const Scene& scene);
+// The windows of the library, a scene for each.
+std::vector<Scene> readOpenings();
+
+// Plays it; all that is not as expected is a failure of the test. At "picture" another thread than
+// that of the window looks at it.
+void play(const Scene& scene, const std::function<void(HWND)>& look = {});
+
+// The same on a platform that fails: the user leaves whatever window there is until all calls have
+// come back, however they did.
+void playOrNot(const Scene& scene);
 
 }  // namespace kel::test

@@ -98,7 +98,7 @@ Stage::~Stage() {
 }
 
 bool Stage::hasFailed() const {
-    return failing_ > 0 && link.callCount() >= failing_;
+    return mayFail() || (failing_ > 0 && link.callCount() >= failing_);
 }
 
 void Stage::settle(DialogDriver& user) {
@@ -204,8 +204,10 @@ void Stage::make(std::string line) {
 void Stage::call(const std::string& line, const std::map<std::string, com::Variant>& values) {
     // Its last reference may go in the middle.
     IDispatch* const object = object_.Get();
+    if (!object) throw std::runtime_error("there is no component");
     const HCURSOR cursor = GetCursor();
     const Outcome outcome = invoke(object, line, values);
+    if (mayFail()) return;
     EXPECT_EQ(GetCursor(), cursor) << line;
     if (outcome.code == DISP_E_UNKNOWNNAME) refuse(line);
     if (failing_ > 0 && outcome.code != S_OK) {

@@ -63,8 +63,9 @@ const std::map<std::string_view, std::unique_ptr<Prop> (*)(Stage&)>& propMakers(
 // Made and used on the thread of the dialogs.
 class Stage {
 public:
-    // With a number that call of the doubles fails, counted from the first.
+    // With a number that call of the doubles fails, counted from the first; or the platform fails.
     explicit Stage(long failing = 0);
+    static constexpr long kAnything = -1;
     ~Stage();
     Stage(const Stage&) = delete;
     Stage& operator=(const Stage&) = delete;
@@ -81,12 +82,15 @@ public:
     // a folder that goes with the scene, and "$owner", a window that does.
     std::string expanded(std::string line);
 
-    // Whether the call has failed that was to. From any thread.
+    // Whether the call has failed that was to, or anything may have. From any thread.
     bool hasFailed() const;
+    bool mayFail() const { return failing_ == kAnything; }
 
     FakeLink link;
     FakeLink ports{link, "new "};  // the streams that components make
     Transcript transcript;
+    // Looks at the window of a picture, on the user's thread.
+    std::function<void(HWND)> look;
     // What lines named "recall" told.
     std::string recalled;
     // Whether all lines of the host are through, for the user's thread.

@@ -79,7 +79,7 @@ void User::play(const std::vector<const Step*>& steps) {
         }
     }
     driver_.waitUntil("the host's calls to come back", [&] {
-        if (stage_.hasFailed()) driver_.leave();
+        if (leaves_ || stage_.hasFailed()) driver_.leave();
         return stage_.isThrough.load();
     });
 }
@@ -152,6 +152,11 @@ void User::act(const std::string& line) {
          }},
         {"caption",
          [&] { stage_.transcript.tell(textOf(GetWindow(driver_.focus(), GW_HWNDPREV))); }},
+        {"picture",
+         [&] {
+             if (stage_.look) stage_.look(driver_.window());
+             leaves_ = true;
+         }},
         {"look",
          [&] {
              for (const std::string& fault : faultsOf(driver_.window()))

@@ -41,6 +41,7 @@ private:
 
     DialogDriver& driver_;
     Stage& stage_;
+    bool leaves_ = false;
 };
 
 }  // namespace kel::test
