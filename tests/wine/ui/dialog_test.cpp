@@ -13,8 +13,7 @@ using test::DialogDriver;
 
 constexpr int kField = 100;
 constexpr int kStatus = 101;
-constexpr int kFail = 102;
-constexpr int kWork = 103;
+constexpr int kWork = 102;
 
 DialogTemplate sample() {
     DialogTemplate description(L"Sample", 160, 60);
@@ -25,7 +24,7 @@ DialogTemplate sample() {
                      {4, 4, 60, 12},
                      kField});
     description.add({L"STATIC", L"", WS_CHILD | WS_VISIBLE, 0, {4, 20, 150, 10}, kStatus});
-    const WORD buttons[] = {IDOK, IDCANCEL, kFail, kWork};
+    const WORD buttons[] = {IDOK, IDCANCEL, kWork};
     for (const WORD button : buttons) {
         const auto left = static_cast<short>(4 + 50 * (&button - buttons));
         description.add(
@@ -72,7 +71,7 @@ private:
         const HCURSOR before = GetCursor();
         {
             const Busy busy(*this);
-            for (const int button : {kWork, kFail, IDOK})
+            for (const int button : {kWork, IDOK})
                 SendMessageW(window(), WM_COMMAND, static_cast<WPARAM>(button), 0);
             SetCursor(before);
             SendMessageW(window(), WM_SETCURSOR, reinterpret_cast<WPARAM>(window()), HTCLIENT);
@@ -94,28 +93,6 @@ TEST(DialogTest, TakesNothingButCancelWhileItIsBusy) {
     });
     EXPECT_EQ(dialog.runModal(sample(), nullptr), IDCANCEL);
     EXPECT_EQ(dialog.worked, "waits ended");
-}
-
-TEST(DialogTest, EndsByItsButtonsAndKeys) {
-    struct {
-        std::function<void(DialogDriver&)> step;
-        INT_PTR result;
-    } const ways[] = {
-        {[](DialogDriver& user) { user.press(IDOK); }, IDOK},
-        {[](DialogDriver& user) { user.press(IDCANCEL); }, IDCANCEL},
-        {[](DialogDriver& user) { user.key(VK_RETURN); }, IDOK},
-        {[](DialogDriver& user) { user.key(VK_ESCAPE); }, IDCANCEL},
-        {[](DialogDriver& user) { PostMessageW(user.window(), WM_CLOSE, 0, 0); }, IDCANCEL},
-    };
-    for (const auto& way : ways) {
-        SampleDialog dialog;
-        DialogDriver user([&](DialogDriver& driver) {
-            driver.waitFor(L"Sample");
-            way.step(driver);
-        });
-        EXPECT_EQ(dialog.runModal(sample(), nullptr), way.result);
-        EXPECT_EQ(dialog.window(), nullptr);
-    }
 }
 
 TEST(DialogTest, TellsWhyItCouldNotInitialise) {
