@@ -5,6 +5,7 @@ readonly package_tools=(nsis zip) # what it needs to be installed besides
 readonly shipped_programs=(
     server/KelUtils.dll hosts/trace/KelTrace.dll
     hosts/kelrun/kelrun.exe hosts/keldesk/keldesk.exe hosts/kelregister/kelregister.exe
+    hosts/conformance/kel_link_conformance.exe
 )
 readonly package_folder=$kel_build/package
 

@@ -46,6 +46,7 @@ std::vector<Content> contents(CardKind kind) {
                     {"LAST.DAT", 60}};
         case CardKind::kMany: {
             std::vector<Content> many;
+            many.reserve(kMany);
             for (int i = 0; i < kMany; ++i)
                 many.push_back({"F" + std::to_string(i) + ".DAT", i});
             return many;

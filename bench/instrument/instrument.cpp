@@ -27,7 +27,7 @@ std::string onTheLine(std::string_view text) {
 
 }  // namespace
 
-Instrument::Instrument(InstrumentOptions options)
+Instrument::Instrument(const InstrumentOptions& options)
     : device_(options),
       output_(options.garbleRate, options.seed),
       silent_(options.silent),

@@ -33,7 +33,7 @@ struct InstrumentOptions : DeviceOptions {
 // Asleep, the instrument drops everything but a break and three line ends in a row.
 class Instrument {
 public:
-    explicit Instrument(InstrumentOptions options);
+    explicit Instrument(const InstrumentOptions& options);
 
     void feed(std::string_view bytes, Duration now);
     // The bytes that are to be sent by `now`.

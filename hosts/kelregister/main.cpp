@@ -1,13 +1,12 @@
 // kelregister: registers libraries of components for one user.
 #include <windows.h>
 
-#include <ole2.h>
-
 #include "com/text.h"
 #include "hosts/kelregister/model/register_options.h"
 #include "hosts/kelregister/server_library.h"
 #include "hosts/kelregister/user_classes.h"
 #include "hosts/shared/console_program.h"
+#include "hosts/shared/ole.h"
 #include "hosts/shared/program_folder.h"
 
 namespace {
@@ -18,15 +17,6 @@ using host::ConsoleOutput;
 using host::ExitCode;
 
 constexpr wchar_t kDefaultLibrary[] = L"KelUtils.dll";
-
-// What libraries may expect of a program that registers them.
-class Ole {
-public:
-    Ole() { com::check(OleInitialize(nullptr)); }
-    ~Ole() { OleUninitialize(); }
-    Ole(const Ole&) = delete;
-    Ole& operator=(const Ole&) = delete;
-};
 
 std::wstring fullPath(const std::string& name) {
     const std::wstring given = com::widen(name, CP_UTF8);
@@ -54,7 +44,7 @@ void change(const std::wstring& path, bool unregister) {
 
 // Tells of each library; the first failure is the program's.
 ExitCode changeAll(const RegisterOptions& options, ConsoleOutput& errors) {
-    const Ole ole;
+    const host::Ole ole;
     ConsoleOutput output(STD_OUTPUT_HANDLE);
     ExitCode first = ExitCode::kRan;
     bool hasRegistered = false;

@@ -67,8 +67,8 @@ void setArguments(Invocation& made, Arguments... arguments) {
 }
 
 // The inner object answers for every interface that the wrapper does not have, and those calls are
-// not traced (IBinaryCommunicator, IRecorderAccess). Its way of being marshalled
-// would lead around the wrapper and is not offered.
+// not traced (IBinaryCommunicator, IRecorderAccess). Its way of being marshalled would lead around
+// the wrapper and is not offered.
 template <class Derived, class Interface, class... Bases>
 class Traced : public com::Object<Derived, com::Dual<Interface, Bases...>, com::Plain<ITraced>>,
                public TracedObject {

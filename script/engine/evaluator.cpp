@@ -50,13 +50,13 @@ std::optional<std::string> Evaluator::evaluate(const Expression& expression) con
 std::optional<std::string> Evaluator::evaluate(const Operand& operand) const {
     if (const auto* literal = std::get_if<Literal>(&operand))
         return std::string(program_.view(literal->text));
-    return variable(std::get<Reference>(operand));
+    return evaluate(std::get<Reference>(operand));
 }
 
 std::optional<std::string> Evaluator::evaluate(const Parameter& parameter) const {
     if (const auto* literal = std::get_if<Literal>(&parameter))
         return std::string(program_.view(literal->text));
-    if (const auto* reference = std::get_if<Reference>(&parameter)) return variable(*reference);
+    if (const auto* reference = std::get_if<Reference>(&parameter)) return evaluate(*reference);
     if (const auto* word = std::get_if<Word>(&parameter)) {
         const std::string_view text = program_.view(word->text);
         const std::string* value = environment_.variables.find(text);
@@ -73,11 +73,16 @@ std::optional<std::vector<std::string>> Evaluator::parameters(Range range) const
     return evaluateAll(*this, program_.parameters, range);
 }
 
-std::optional<std::string> Evaluator::variable(Reference reference) const {
+std::optional<std::string> Evaluator::evaluate(Reference reference) const {
+    const std::string* value = variable(reference);
+    return value ? std::optional(*value) : std::nullopt;
+}
+
+const std::string* Evaluator::variable(Reference reference) const {
     const std::string_view name = program_.view(reference.name);
-    if (const std::string* value = environment_.variables.find(name)) return *value;
-    environment_.reporter.errorAt(name.data(), "Variable not found:", {name});
-    return std::nullopt;
+    const std::string* value = environment_.variables.find(name);
+    if (!value) environment_.reporter.errorAt(name.data(), "Variable not found:", {name});
+    return value;
 }
 
 std::optional<std::string> Evaluator::call(const Call& call,

@@ -38,13 +38,14 @@ public:
 
     std::optional<std::string> evaluate(const Operand& operand) const;
     std::optional<std::string> evaluate(const Parameter& parameter) const;
+    std::optional<std::string> evaluate(Reference reference) const;
 
     // From left to right.
     std::optional<std::vector<std::string>> operands(Range range) const;
     std::optional<std::vector<std::string>> parameters(Range range) const;
 
-    // The value now, since calling out may change it.
-    std::optional<std::string> variable(Reference reference) const;
+    // Null after an error was told. Calling out may change or end the value.
+    const std::string* variable(Reference reference) const;
 
 private:
     std::optional<std::string> call(const Call& call, std::optional<std::string_view> target) const;

@@ -34,12 +34,14 @@ bool Executor::execute(const ComposedText& text) {
             line_ += program_.view(literal->text);
             continue;
         }
-        const auto* reference = std::get_if<Reference>(&segment);
+        if (const auto* reference = std::get_if<Reference>(&segment)) {
+            const std::string* value = evaluator_.variable(*reference);
+            if (!value) return false;
+            line_ += *value;
+            continue;
+        }
         const auto value =
-            reference != nullptr
-                ? evaluator_.variable(*reference)
-                : evaluator_.evaluate(
-                      program_.expressions[std::get<ExpressionIndex>(segment).index]);
+            evaluator_.evaluate(program_.expressions[std::get<ExpressionIndex>(segment).index]);
         if (!value) return false;
         line_ += *value;
     }

@@ -51,6 +51,10 @@ std::optional<Record> parseSentLine(Parse& parse, std::string_view line) {
     bool isInQuotes = false;
     while (literalSize < rest.size()) {
         const char c = rest[literalSize];
+        if (!parse.characters.isMark(c)) {
+            ++literalSize;
+            continue;
+        }
         const bool isReference = !isInQuotes && c == '%';
         const bool isExpression = !isInQuotes && c == '#' && rest.substr(literalSize, 2) == "##";
         if (!isReference && !isExpression) {

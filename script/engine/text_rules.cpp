@@ -35,6 +35,7 @@ Characters::Characters(const TextRules& rules) {
         const char c = static_cast<char>(byte);
         if (rules.isLetter(byte) || isDigit(c) || c == '_') classes_[i] |= kName;
         if (c == ' ' || c == '\t' || c == '\v' || c == '\f') classes_[i] |= kBlank;
+        if (c == '%' || c == '#' || c == '"') classes_[i] |= kMark;
         if (rules.isLeadByte(byte)) {
             classes_[i] |= kLead;
             hasLeadBytes_ = true;

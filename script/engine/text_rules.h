@@ -34,6 +34,8 @@ public:
     bool isBlank(char c) const { return (classes_[index(c)] & kBlank) != 0; }
     bool hasLeadBytes() const { return hasLeadBytes_; }
     bool isDigit(char c) const { return c >= '0' && c <= '9'; }
+    // What may begin or end something in a line that is sent.
+    bool isMark(char c) const { return (classes_[index(c)] & kMark) != 0; }
 
     // Bytes of the character at `position`: 2 for a lead byte with its trail byte, else 1.
     std::size_t width(std::string_view text, std::size_t position) const {
@@ -44,7 +46,7 @@ public:
     std::string_view trim(std::string_view text) const;
 
 private:
-    enum : unsigned char { kName = 1, kBlank = 2, kLead = 4 };
+    enum : unsigned char { kName = 1, kBlank = 2, kLead = 4, kMark = 8 };
     static std::size_t index(char c) { return static_cast<unsigned char>(c); }
 
     std::array<unsigned char, 256> classes_{};

@@ -84,6 +84,7 @@ test_installs_upgrades_and_uninstalls() {
     KEL_RUN=$installed/kelrun.exe
     kelrun 0 --version
     expect "$output" "kelrun $version"
+    link_program 0 "$installed/kel_link_conformance.exe" BenchLink.Communicator
     instrument tcp
     kelrun 0 "$(windows_path "$installed/examples/deploy.kel")" "${connection[@]}"
     expect_deployment
@@ -112,4 +113,23 @@ test_programs_do_not_tell_where_and_when_they_were_built() {
             give_up "a date in $program"
     done
     grep -aqE 'WIDL version .* 1970' "$file/server/KelUtils.dll" || give_up "a date in the type library"
+}
+
+# What protects a process from its own libraries, and what they need: the system alone.
+test_programs_are_moved_in_memory_and_need_the_system_alone() {
+    local program word
+    for program in "${shipped_programs[@]}" bench/link/BenchLink.dll; do
+        i686-w64-mingw32-objdump -p "$kel_build/win32/$program" >"$output"
+        for word in '\sDYNAMIC_BASE' '\sNX_COMPAT' 'Entry 5 [0-9a-f]+ [0-9a-f]*[1-9a-f][0-9a-f]* Base' 'DLL Name'; do
+            grep -qE "$word" "$output" || give_up "no $word in $program"
+        done
+        while read -r word; do
+            [[ -e $WINEPREFIX/drive_c/windows/system32/${word,,} ]] || give_up "$program needs $word"
+        done < <(sed -n 's/^.*DLL Name: //p' "$output")
+        i686-w64-mingw32-objdump -h "$kel_build/win32/$program" | grep CODE >"$output"
+        ! grep -v READONLY "$output" || give_up "writable code in $program"
+    done
+    i686-w64-mingw32-objdump -p "$kel_build/win32/server/KelUtils.dll" | sed -n 's/^.*\[ *[0-9]*\] \(Dll\)/\1/p' |
+        diff - <(printf 'Dll%s\n' CanUnloadNow GetClassObject RegisterServer UnregisterServer) >&2 ||
+        give_up "other entry points"
 }

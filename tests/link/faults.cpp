@@ -3,7 +3,7 @@
 #include <atomic>
 #include <thread>
 
-#include "tests/link/kit.h"
+#include "hosts/conformance/kit.h"
 
 namespace kel::conformance {
 

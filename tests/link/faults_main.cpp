@@ -6,7 +6,7 @@
 #include <cstdio>
 
 #include "com/module.h"
-#include "tests/link/check.h"
+#include "hosts/conformance/check.h"
 #include "tests/link/faults.h"
 
 namespace {

@@ -1,51 +1,36 @@
 #pragma once
-// Cases that stand in a text file, so that they read as what they are.
-//
-//     # A remark.
-//     > what is done, a line or more
-//     ? a setting
-//     what is expected, a line or more
-//
-// Another ">" or "?" begins the next step of the case, an empty line or a remark ends the case.
-// Escapes stand for what no line shows: \r \n \t \v \b \0 \\, \e for ESC, \d for DEL.
+// Cases that stand in text files of the project.
 
-#include <iosfwd>
+#include <fstream>
+#include <stdexcept>
 #include <string>
-#include <string_view>
-#include <vector>
+
+#include "hosts/conformance/model/cases.h"
+#include "tests/support/project_file.h"
+
+namespace kel::conformance {
+
+// Names a case by its line.
+inline void PrintTo(const Case& row, std::ostream* stream) {
+    *stream << "Line" << row.steps.front().line;
+}
+
+}  // namespace kel::conformance
 
 namespace kel::test {
 
-struct Step {
-    int line = 0;
-
-    std::vector<std::string> lines;
-    std::vector<std::string> settings;
-
-    // Each line with its end, escapes as they stand.
-    std::string expected;
-
-    // The lines with an end between them.
-    std::string text() const;
-};
-
-struct Case {
-    std::vector<Step> steps;
-};
+using conformance::Case;
+using conformance::escaped;
+using conformance::Step;
+using conformance::takeWord;
+using conformance::unescaped;
 
 // The name is relative to the project. Throws when there is no such file, or no case in it.
-std::vector<Case> readCases(const char* name);
-// The same from a text that is open already.
-std::vector<Case> readCases(std::istream& text);
-
-// Names a case by its line.
-void PrintTo(const Case& row, std::ostream* stream);
-
-// A text as the file shows it: control characters by their escapes.
-std::string escaped(std::string_view text);
-std::string unescaped(std::string_view text);
-
-// Takes the first word off a line, with the blank behind it.
-std::string takeWord(std::string& line);
+inline std::vector<Case> readCases(const char* name) {
+    std::ifstream file(projectFile(name));
+    auto cases = conformance::readCases(file);
+    if (cases.empty()) throw std::runtime_error(std::string("There are no cases in ") + name);
+    return cases;
+}
 
 }  // namespace kel::test

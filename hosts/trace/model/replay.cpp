@@ -229,6 +229,9 @@ void Replay::remember(std::size_t ended) {
         known_[keyOf(call->object, "get_" + call->method.substr(4))] = {.out = call->in};
     } else if (method == "Close") {
         known_[keyOf(call->object, "get_IsOpen")] = {.out = kNo};
+    } else if (method == "StartCalibration" || method == "StopCalibration") {
+        known_[keyOf(call->object, "get_Calibrating")] = {
+            .out = method == "StopCalibration" ? kNo : end->out};
     } else if (method == "OpenPort" || (method == "ConnectTo" && end->out != kNo)) {
         // A connection that existed before a failing attempt is kept.
         known_[keyOf(call->object, "get_IsOpen")] = {.out = end->out};

@@ -36,8 +36,10 @@ TEST(TraceText, EventsComeBack) {
               "\"compared\":false,\"file\":\"deploy.kel\",\"line\":7}");
     const CallEnded end{12, 0x80004005, {1, true}, PublishedError{u"gone", u"Link", "{1}"}, 5};
     const std::string ended = toLine({2.1234567, end});
-    for (const auto& line : {started, ended, toLine({3, CallbackStarted{"link1", u"#WAIT\r\n"}}),
-                             toLine({4, CallbackEnded{1}})}) {
+    for (const auto& line :
+         {started, ended, toLine({3, CallbackStarted{"link1", u"#WAIT\r\n"}}),
+          toLine({4, CallbackEnded{1}}), toLine({5, EventFired{"uploader1", 2, -1, {u"a"}, true}}),
+          toLine({6, EventAnswered{0x80004001, {true}}})}) {
         EXPECT_EQ(toLine(fromLine(line)), line);
     }
     EXPECT_NE(ended.find("\"t\":2.123,"), ended.npos);

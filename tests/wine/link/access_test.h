@@ -28,21 +28,6 @@ protected:
         link->put_Port(stream.Get());
     }
 
-    // Does something with instruments that refuse, or are gone after, so many commands.
-    template <class Session>
-    void withEveryFault(int commands, Session&& session) {
-        for (int n = 0; n <= 2 * commands; ++n) {
-            SCOPED_TRACE(n);
-            InstrumentOptions options;
-            options.vanishAfter = n > commands ? std::optional(n - commands) : std::nullopt;
-            options.failAfter = n < commands ? std::optional(n) : std::nullopt;
-            connect(options);
-            const bool succeeds = n == commands || n == 2 * commands;
-            EXPECT_EQ(session(), succeeds);
-            EXPECT_EQ(echoWindow(), window.number());
-        }
-    }
-
     long echoWindow() {
         long number = 1;
         EXPECT_EQ(stream->get_EchoWindow(&number), S_OK);

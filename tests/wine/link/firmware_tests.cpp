@@ -143,12 +143,6 @@ TEST_F(FirmwareTest, BrokenFilesAreRefusedBeforeAnythingIsSent) {
 
 TEST_F(FirmwareTest, FaultsAreFound) {
     const std::wstring file = folder.file(L"image.hex", kHexFile);
-    // Erase, two pieces, end; two pieces to compare.
-    withEveryFault(6, [&] {
-        attach();
-        return upload(file, true) && verify(file, true);
-    });
-
     InstrumentOptions options;
     options.badCell = 0x12007;
     connect(options);

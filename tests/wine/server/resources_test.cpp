@@ -52,33 +52,5 @@ TEST(Resources, ToolboxBitmapsShowSomething) {
     }
 }
 
-TEST(Resources, VersionIsTold) {
-    const std::wstring path = kelUtils().path();
-    std::string data(GetFileVersionInfoSizeW(path.c_str(), nullptr), '\0');
-    ASSERT_TRUE(GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(data.size()), data.data()));
-    void* value = nullptr;
-    UINT size = 0;
-    ASSERT_TRUE(VerQueryValueW(data.data(), L"\\", &value, &size));
-    EXPECT_EQ(static_cast<VS_FIXEDFILEINFO*>(value)->dwFileVersionMS, 0x00010000u);
-    ASSERT_TRUE(VerQueryValueW(data.data(), L"\\StringFileInfo\\040904B0\\OriginalFilename", &value,
-                               &size));
-    EXPECT_STREQ(static_cast<wchar_t*>(value), L"KelUtils.dll");
-}
-
-TEST(Exports, AreTheFourEntryPoints) {
-    const auto base = reinterpret_cast<const char*>(kelUtils().module());
-    const auto* headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(
-        base + reinterpret_cast<const IMAGE_DOS_HEADER*>(base)->e_lfanew);
-    const auto* exports = reinterpret_cast<const IMAGE_EXPORT_DIRECTORY*>(
-        base + headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_EXPORT].VirtualAddress);
-    const auto* names = reinterpret_cast<const DWORD*>(base + exports->AddressOfNames);
-    std::set<std::string> found;
-    for (DWORD i = 0; i < exports->NumberOfNames; ++i)
-        found.insert(base + names[i]);
-    EXPECT_EQ(found, (std::set<std::string>{"DllCanUnloadNow", "DllGetClassObject",
-                                            "DllRegisterServer", "DllUnregisterServer"}));
-    EXPECT_EQ(exports->NumberOfFunctions, 4u);
-}
-
 }  // namespace
 }  // namespace kel::test

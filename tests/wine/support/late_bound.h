@@ -1,38 +1,20 @@
 #pragma once
-// Calls as script languages make them, written as lines.
+// Calls as script languages make them, and what they show.
 
-#include <deque>
-#include <map>
 #include <string>
 
-#include "com/variant.h"
+#include "hosts/conformance/call_line.h"
 
 namespace kel::test {
 
-// What became of a call.
-struct Outcome {
-    DISPID member = 0;
-    HRESULT code = S_OK;
-    std::string reason;  // that a failing member told
-    com::Variant result;
-    std::deque<com::Variant> outs;
-    DWORD lastError = 0;  // of the thread, behind the call
-};
+using conformance::invoke;
+using conformance::Outcome;
+using conformance::show;
 
-// Calls a member; words of the line may be the names of values.
-Outcome invoke(IDispatch* object, const std::string& line,
-               const std::map<std::string, com::Variant>& values = {});
-
-// Calls a member by its name: "Name argument ..." or "Name argument ... =
-// value". An argument is a text in quotes, a number, "true", "false", "yes" (1,
-// which is not VARIANT_TRUE), "none" (a text that is a null pointer), or "out",
-// which takes a result. Gives what the call shows: its result and those of
-// "out", or the code and the description of its failure.
+// Gives what a call shows: its result and those of "out", or the code and the description of its
+// failure.
 std::string call(IDispatch* object, const std::string& line);
 
-// A text in quotes, with escapes; another value as its text, nothing as an
-// empty one.
-std::string show(const com::Variant& value);
 // The result and those of "out", or the code and the description of the failure.
 std::string show(const Outcome& outcome);
 

@@ -12,66 +12,6 @@
 namespace kel::test {
 namespace {
 
-bool isResult(const ELEMDESC& parameter) {
-    return parameter.paramdesc.wParamFlags & PARAMFLAG_FOUT;
-}
-
-// How a parameter is passed; pointers, enumerations and colours as numbers.
-VARTYPE typeOf(const ELEMDESC& parameter) {
-    const VARTYPE type = parameter.tdesc.vt;
-    return type == VT_PTR || type == VT_USERDEFINED ? VARTYPE{VT_I4} : type;
-}
-
-// A call in the interface's own order, with zeros of the right size.
-class ZeroCall {
-public:
-    explicit ZeroCall(const FUNCDESC& function)
-        : function_(function), places_(count()), values_(count()) {
-        for (std::size_t i = 0; i < count(); ++i)
-            if (isResult(parameter(i))) values_[i].byref = &places_[i].value;
-    }
-    ~ZeroCall() {
-        for (std::size_t i = 0; i < count(); ++i)
-            if (isResult(parameter(i))) free(parameter(i).tdesc.lptdesc->vt, places_[i].value);
-    }
-
-    std::size_t count() const { return static_cast<std::size_t>(function_.cParams); }
-    const ELEMDESC& parameter(std::size_t i) const { return function_.lprgelemdescParam[i]; }
-    void takePlace(std::size_t i) { values_[i].byref = nullptr; }
-
-    HRESULT operator()(IDispatch* object) {
-        std::vector<VARTYPE> types;
-        std::vector<VARIANT*> arguments;
-        for (std::size_t i = 0; i < count(); ++i) {
-            types.push_back(typeOf(parameter(i)));
-            arguments.push_back(&values_[i]);
-        }
-        VARIANT code{};
-        EXPECT_EQ(DispCallFunc(object, function_.oVft, CC_STDCALL, VT_ERROR, function_.cParams,
-                               types.data(), arguments.data(), &code),
-                  S_OK);
-        return code.scode;
-    }
-
-private:
-    struct Place {
-        VARIANT value{};
-    };
-
-    // `place` holds the bare result, or a VARIANT where that is the result.
-    static void free(VARTYPE type, VARIANT& place) {
-        void* const pointer = *reinterpret_cast<void**>(&place);
-        if (type == VT_VARIANT) VariantClear(&place);
-        if (type == VT_BSTR) SysFreeString(static_cast<BSTR>(pointer));
-        const bool isObject = type == VT_PTR || type == VT_DISPATCH || type == VT_UNKNOWN;
-        if (isObject && pointer) static_cast<IUnknown*>(pointer)->Release();
-    }
-
-    const FUNCDESC& function_;
-    std::vector<Place> places_;
-    std::vector<VARIANT> values_;
-};
-
 void expectTold(std::wstring_view source, const IID& interfaceId) {
     const auto told = takeError();
     ASSERT_TRUE(told) << "no error info";
@@ -88,7 +28,7 @@ void expectToldLateBound(IDispatch* object, const FUNCDESC& function, HRESULT co
     for (SHORT i = function.cParams; i-- > 0;) {
         const ELEMDESC& parameter = function.lprgelemdescParam[i];
         VARIANT value{};
-        value.vt = parameter.tdesc.vt == VT_PTR ? VARTYPE{VT_DISPATCH} : typeOf(parameter);
+        value.vt = parameter.tdesc.vt == VT_PTR ? VARTYPE{VT_DISPATCH} : passedAs(parameter);
         if (value.vt == VT_VARIANT) value.vt = VT_EMPTY;
         if (!isResult(parameter)) arguments.push_back(value);
     }
@@ -118,17 +58,12 @@ com::ComPtr<ITypeInfo> typeOf(IDispatch* object) {
 }  // namespace
 
 void expectNullPointersRefused(IDispatch* object, std::wstring_view source) {
-    forEachMember(typeOf(object), [&](ITypeInfo* declaredBy, const FUNCDESC& function) {
-        const ZeroCall complete(function);
-        for (std::size_t missing = 0; missing < complete.count(); ++missing) {
-            if (!isResult(complete.parameter(missing))) continue;
-            SCOPED_TRACE(kindOf(function.invkind) + nameOf(declaredBy, function.memid));
-            ZeroCall call(function);
-            call.takePlace(missing);
-            EXPECT_EQ(call(object), E_POINTER) << "parameter " << missing;
-            expectTold(source, attributesOf(declaredBy).guid);
-        }
-    });
+    passNulls(object, typeOf(object),
+              [&](ITypeInfo* declaredBy, const FUNCDESC& function, int parameter, HRESULT code) {
+                  SCOPED_TRACE(kindOf(function.invkind) + nameOf(declaredBy, function.memid));
+                  EXPECT_EQ(code, E_POINTER) << "parameter " << parameter;
+                  expectTold(source, attributesOf(declaredBy).guid);
+              });
 }
 
 void expectFailuresExplained(IDispatch* object, std::wstring_view source, std::string_view except) {

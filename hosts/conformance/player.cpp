@@ -1,4 +1,4 @@
-#include "tests/link/player.h"
+#include "hosts/conformance/player.h"
 
 #include <winsock2.h>
 
@@ -6,14 +6,13 @@
 #include <cwctype>
 #include <map>
 #include <optional>
-#include <sstream>
 #include <utility>
 
 #include "com/module.h"
 #include "com/object.h"
-#include "tests/link/pane.h"
-#include "tests/support/null_pointers.h"
-#include "tests/wine/support/late_bound.h"
+#include "hosts/conformance/call_line.h"
+#include "hosts/conformance/members.h"
+#include "hosts/conformance/pane.h"
 
 namespace kel::conformance {
 namespace {
@@ -48,8 +47,15 @@ public:
         });
     }
 
+    // The members that accept a null pointer, with the parameter.
     std::string nulls() const {
-        const std::string accepted = test::acceptedNullPointers(object_.Get(), type_);
+        std::string accepted;
+        passNulls(object_.Get(), type_,
+                  [&](ITypeInfo* declaredBy, const FUNCDESC& member, int parameter, HRESULT code) {
+                      if (code == E_POINTER) return;
+                      accepted +=
+                          nameOf(declaredBy, member.memid) + " " + std::to_string(parameter) + "; ";
+                  });
         return accepted.empty() ? "none" : accepted;
     }
 
@@ -117,13 +123,6 @@ std::wstring bare(std::wstring name) {
     if (name.ends_with(L':')) name.pop_back();
     std::ranges::transform(name, name.begin(), ::towupper);
     return name;
-}
-
-// The first word, and the line without it.
-std::string takeWord(std::string& line) {
-    const std::string word = line.substr(0, line.find(' '));
-    line.erase(0, std::min(word.size() + 1, line.size()));
-    return word;
 }
 
 class Player {
@@ -237,9 +236,9 @@ std::string Player::shownValue(const com::Variant& value) {
     }
     if (held.vt == (VT_ARRAY | VT_UI1)) {
         last_ = value;
-        return "\"" + test::escaped(bytesOf(held, "a call")) + "\"";
+        return "\"" + escaped(bytesOf(held, "a call")) + "\"";
     }
-    if (held.vt != VT_DISPATCH && held.vt != VT_UNKNOWN) return test::show(value);
+    if (held.vt != VT_DISPATCH && held.vt != VT_UNKNOWN) return show(value);
     if (!held.punkVal) return "nothing";
     if (isSame(held.punkVal, wire_.stream.Get())) return "stream";
     return isSame(held.punkVal, runner_->controlling()) ? "runner" : "another object";
@@ -252,7 +251,7 @@ std::string Player::called(const std::string& line, bool isBrief) {
         {"$runner", com::Variant(static_cast<IDispatch*>(runner_.Get()))},
         {"$nothing", com::Variant(static_cast<IDispatch*>(nullptr))},
         {"$last", last_}};
-    const test::Outcome outcome = test::invoke(target_.Get(), expanded(line), objects);
+    const Outcome outcome = invoke(target_.Get(), expanded(line), objects);
     error_ = outcome.lastError;
     if (outcome.code == DISP_E_UNKNOWNNAME) throw NotTried("the link has no such member: " + line);
     if (FAILED(outcome.code)) {
@@ -314,7 +313,7 @@ std::optional<std::string> Player::modified(const std::string& word, std::string
 // What the other end, windows, files and objects do; nothing for a word that is
 // none of these.
 std::optional<std::string> Player::acted(const std::string& word, const std::string& rest) {
-    const auto quoted = [](const std::string& text) { return "\"" + test::escaped(text) + "\""; };
+    const auto quoted = [](const std::string& text) { return "\"" + escaped(text) + "\""; };
     if (word == "on") return choose(rest), "";
     if (word == "fresh") return wire_ = link_.closedWire(), choose("stream"), "";
     if (word == "use") return used_ = isEchoing_ ? link_.echoingWire() : link_.wire(), "";
@@ -344,7 +343,7 @@ std::optional<std::string> Player::acted(const std::string& word, const std::str
     }
     if (word == "each") return items();
     if (word == "late") {
-        const auto outcome = test::invoke(wire_.stream.Get(), rest);
+        const auto outcome = invoke(wire_.stream.Get(), rest);
         return "member " + std::to_string(outcome.member) + ": " + shownValue(outcome.result);
     }
     return std::nullopt;
@@ -371,7 +370,7 @@ std::string Player::play(const std::string& line) {
 
 void playVariant(const Rule& rule, const std::string& variant, const Link& link) {
     Player player(rule, link);
-    for (const test::Step& step : rule.lines.steps) {
+    for (const Step& step : rule.lines.steps) {
         std::string shown, played;
         for (std::string line : step.lines) {
             if (const auto star = line.find('*'); star != line.npos) line.replace(star, 1, variant);
@@ -380,44 +379,12 @@ void playVariant(const Rule& rule, const std::string& variant, const Link& link)
             played += (played.empty() ? "" : "; ") + line;
         }
         const std::string expected = player.expanded(step.expected);
-        expect(shown == expected, test::escaped(expected) + " of " + test::escaped(played),
-               "it was " + test::escaped(shown));
+        expect(shown == expected, escaped(expected) + " of " + escaped(played),
+               "it was " + escaped(shown));
     }
 }
 
 }  // namespace
-
-const std::vector<Rule>& rules() {
-    static const std::vector<Rule> all = [] {
-        std::vector<Rule> read;
-        const HRSRC resource = FindResourceW(nullptr, L"RULES", MAKEINTRESOURCEW(10));
-        const auto* bytes = static_cast<const char*>(LockResource(LoadResource(nullptr, resource)));
-        std::istringstream text(std::string(bytes, SizeofResource(nullptr, resource)));
-        for (test::Case& lines : test::readCases(text)) {
-            Rule rule;
-            for (std::string setting : lines.steps.front().settings) {
-                const std::string word = takeWord(setting);
-                if (word == "rule") {
-                    rule.name = setting;
-                } else if (word == "for") {
-                    for (std::size_t end; !setting.empty(); setting.erase(0, end)) {
-                        end = std::min(setting.find(" | "), setting.size());
-                        rule.variants.push_back(setting.substr(0, end));
-                        end = std::min(end + 3, setting.size());
-                    }
-                } else {
-                    rule.subject = word;
-                    rule.wire = setting;
-                }
-            }
-            if (rule.variants.empty()) rule.variants.emplace_back();
-            rule.lines = std::move(lines);
-            read.push_back(std::move(rule));
-        }
-        return read;
-    }();
-    return all;
-}
 
 void play(const Rule& rule, const Link& link) {
     for (const std::string& variant : rule.variants)

@@ -1,8 +1,10 @@
 #pragma once
-// Plays a rule on a link.
+// The rules that links are to keep.
 
-#include "tests/link/kit.h"
-#include "tests/support/cases.h"
+#include <string>
+#include <vector>
+
+#include "hosts/conformance/model/cases.h"
 
 namespace kel::conformance {
 
@@ -12,13 +14,10 @@ struct Rule {
     std::string subject;                // "stream", "serial", "network" or "link"
     std::string wire;                   // "closed", "connected" or "echoing"
     std::vector<std::string> variants;  // in the place of the star, one after the other
-    test::Case lines;
+    Case lines;
 };
 
 // All of them, built into the program.
 const std::vector<Rule>& rules();
-
-// Throws Mend or NotTried.
-void play(const Rule& rule, const Link& link);
 
 }  // namespace kel::conformance

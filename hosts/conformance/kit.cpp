@@ -1,4 +1,4 @@
-#include "tests/link/kit.h"
+#include "hosts/conformance/kit.h"
 
 #include <cstdio>
 

@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "tests/link/player.h"
+#include "hosts/conformance/player.h"
 
 namespace kel::conformance {
 

@@ -1,4 +1,4 @@
-#include "tests/link/check.h"
+#include "hosts/conformance/check.h"
 
 #include <exception>
 

@@ -1,14 +1,9 @@
-#include "tests/support/cases.h"
+#include "hosts/conformance/model/cases.h"
 
 #include <algorithm>
-#include <fstream>
-#include <ostream>
-#include <stdexcept>
 #include <utility>
 
-#include "tests/support/project_file.h"
-
-namespace kel::test {
+namespace kel::conformance {
 namespace {
 
 constexpr std::string_view kLetters = "rntvb0\\ed";
@@ -21,13 +16,6 @@ std::string Step::text() const {
     for (const std::string& each : lines)
         text += (&each == &lines.front() ? "" : "\n") + each;
     return text;
-}
-
-std::vector<Case> readCases(const char* name) {
-    std::ifstream file(projectFile(name));
-    auto cases = readCases(file);
-    if (cases.empty()) throw std::runtime_error(std::string("There are no cases in ") + name);
-    return cases;
 }
 
 std::vector<Case> readCases(std::istream& text) {
@@ -54,10 +42,6 @@ std::vector<Case> readCases(std::istream& text) {
         }
     }
     return cases;
-}
-
-void PrintTo(const Case& row, std::ostream* stream) {
-    *stream << "Line" << row.steps.front().line;
 }
 
 std::string escaped(std::string_view text) {
@@ -90,4 +74,4 @@ std::string takeWord(std::string& line) {
     return word;
 }
 
-}  // namespace kel::test
+}  // namespace kel::conformance
