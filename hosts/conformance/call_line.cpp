@@ -10,7 +10,10 @@ namespace kel::conformance {
 namespace {
 
 com::Variant argument(const std::string& word) {
-    if (word[0] == '"') return com::Variant(std::string_view(word).substr(1, word.size() - 2));
+    if (word[0] == '"') {
+        const auto text = std::string_view(word).substr(1, word.size() - 2);
+        return com::Variant(com::widen(text, CP_UTF8));
+    }
     com::Variant value;
     VARIANT* place = value.put();
     place->vt = word == "none" ? VT_BSTR : VT_BOOL;

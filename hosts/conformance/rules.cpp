@@ -40,10 +40,4 @@ const std::vector<Rule>& rules() {
     return all;
 }
 
-std::string takeWord(std::string& line) {
-    const std::string word = line.substr(0, line.find(' '));
-    line.erase(0, std::min(word.size() + 1, line.size()));
-    return word;
-}
-
 }  // namespace kel::conformance

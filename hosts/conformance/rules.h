@@ -20,7 +20,4 @@ struct Rule {
 // All of them, built into the program.
 const std::vector<Rule>& rules();
 
-// The first word, and the line without it.
-std::string takeWord(std::string& line);
-
 }  // namespace kel::conformance

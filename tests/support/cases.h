@@ -22,6 +22,7 @@ namespace kel::test {
 using conformance::Case;
 using conformance::escaped;
 using conformance::Step;
+using conformance::takeWord;
 using conformance::unescaped;
 
 // The name is relative to the project. Throws when there is no such file, or no case in it.

@@ -68,4 +68,10 @@ std::string unescaped(std::string_view text) {
     return meant;
 }
 
+std::string takeWord(std::string& line) {
+    const std::string word = line.substr(0, line.find(' '));
+    line.erase(0, std::min(word.size() + 1, line.size()));
+    return word;
+}
+
 }  // namespace kel::conformance

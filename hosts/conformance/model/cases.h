@@ -39,4 +39,7 @@ std::vector<Case> readCases(std::istream& text);
 std::string escaped(std::string_view text);
 std::string unescaped(std::string_view text);
 
+// Takes the first word off a line, with the blank behind it.
+std::string takeWord(std::string& line);
+
 }  // namespace kel::conformance

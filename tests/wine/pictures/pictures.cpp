@@ -5,8 +5,8 @@
 
 #include "com/text.h"
 #include "tests/wine/support/dialog_faults.h"
-#include "tests/wine/support/openings.h"
 #include "tests/wine/support/picture.h"
+#include "tests/wine/support/scene.h"
 
 namespace kel::test {
 namespace {
@@ -15,10 +15,10 @@ TEST(Pictures, OfEveryWindow) {
     SetProcessDPIAware();
     const char* folder = std::getenv("KEL_PICTURES_FOLDER");
     ASSERT_NE(folder, nullptr);
-    for (const Opening& opening : readOpenings()) {
+    for (const Scene& opening : readOpenings()) {
         SCOPED_TRACE(opening.name);
         const std::wstring path = com::widen(std::string(folder) + "\\" + opening.name + ".png");
-        open(opening, [&](HWND window) {
+        play(opening, [&](HWND window) {
             savePicture(window, path);
             EXPECT_EQ(faultsOf(window), std::vector<std::string>());
         });

@@ -1,15 +1,9 @@
 #pragma once
 // The access to the compass as a double.
 
-#include <array>
-#include <atomic>
-#include <functional>
-#include <string>
-#include <vector>
-
 #include "com/object.h"
-#include "com/variant.h"
 #include "interfaces/KelUtils.h"
+#include "tests/wine/service/answers.h"
 
 namespace kel::test {
 
@@ -17,68 +11,34 @@ class FakeCompass final : public com::Object<FakeCompass, com::Dual<ICompassAcce
 public:
     static constexpr com::ClassDescription kClass{};
 
-    // Called inside each call, with its name; it fails as this throws.
-    std::function<void(const std::string& call)> onCall = [](const std::string&) {};
-    bool isPresent = true;
-    bool starts = true;
-    bool hasScores = true;
-    std::atomic<bool> isCalibrating = false;
-    std::vector<std::array<double, 3>> readings;  // heading, pitch and roll
-    std::atomic<std::size_t> readingsRead = 0;
-    long horizontal = 0;
-    long vertical = 0;
-    double field = 0;
+    Answers answers{{"Calibrating", {0}}};
 
-    STDMETHODIMP Attach(IKelCommunicator* link) override {
-        return call("Attach", [&] { link_ = link; });
-    }
+    STDMETHODIMP Attach(IKelCommunicator* link) override { return link_ = link, S_OK; }
     STDMETHODIMP get_Present(VARIANT_BOOL*) override { return E_NOTIMPL; }
     STDMETHODIMP get_Calibrating(VARIANT_BOOL* calibrating) override {
-        return call("Calibrating", [&] { *calibrating = isCalibrating; });
+        return answers.give("Calibrating", calibrating);
     }
-    STDMETHODIMP StopCalibration() override {
-        return call("StopCalibration", [&] { isCalibrating = false; });
-    }
-    STDMETHODIMP get_Heading(double* degrees) override {
-        return call("Heading", [&] { *degrees = readings[readingsRead][0]; });
-    }
-    STDMETHODIMP get_Pitch(double* degrees) override {
-        return call("Pitch", [&] { *degrees = readings[readingsRead][1]; });
-    }
-    STDMETHODIMP get_Roll(double* degrees) override {
-        return call("Roll", [&] {
-            *degrees = readings[readingsRead][2];
-            ++readingsRead;
-        });
-    }
+    STDMETHODIMP StopCalibration() override { return answers["Calibrating"] = {0}, S_OK; }
+    STDMETHODIMP get_Heading(double* degrees) override { return answers.give("Heading", degrees); }
+    STDMETHODIMP get_Pitch(double* degrees) override { return answers.give("Pitch", degrees); }
+    STDMETHODIMP get_Roll(double* degrees) override { return answers.give("Roll", degrees); }
     STDMETHODIMP Initialise(VARIANT_BOOL* result) override {
-        return call("Initialise", [&] { *result = isPresent; });
+        return answers.give("Initialise", result);
     }
     STDMETHODIMP StartCalibration(VARIANT_BOOL* result) override {
-        return call("StartCalibration", [&] { *result = isCalibrating = starts; });
+        answers.give("StartCalibration", result);
+        return answers["Calibrating"] = {double(*result)}, S_OK;
     }
-    STDMETHODIMP get_Busy(VARIANT_BOOL* busy) override {
-        return call("Busy", [&] { *busy = readingsRead == readings.size(); });
-    }
-    STDMETHODIMP ReadScores(long* horizontalScore, long* verticalScore, double* fieldStrength,
+    STDMETHODIMP get_Busy(VARIANT_BOOL* busy) override { return answers.give("Busy", busy); }
+    STDMETHODIMP ReadScores(long* horizontal, long* vertical, double* field,
                             VARIANT_BOOL* result) override {
-        return call("ReadScores", [&] {
-            *horizontalScore = horizontal;
-            *verticalScore = vertical;
-            *fieldStrength = field;
-            *result = hasScores;
-        });
+        answers.give("HorizontalScore", horizontal);
+        answers.give("VerticalScore", vertical);
+        answers.give("FieldStrength", field);
+        return answers.give("ReadScores", result);
     }
 
 private:
-    template <class Answer>
-    HRESULT call(const char* name, Answer&& answer) {
-        return guarded<ICompassAccess>([&] {
-            onCall(name);
-            answer();
-        });
-    }
-
     com::ComPtr<IKelCommunicator> link_;
 };
 

@@ -1,13 +1,9 @@
 #pragma once
 // The collector of pressure samples as a double.
 
-#include <atomic>
-#include <functional>
-#include <string>
-
 #include "com/object.h"
-#include "com/variant.h"
 #include "interfaces/KelUtils.h"
+#include "tests/wine/service/answers.h"
 
 namespace kel::test {
 
@@ -15,46 +11,27 @@ class FakePressure final : public com::Object<FakePressure, com::Dual<IPressureA
 public:
     static constexpr com::ClassDescription kClass{};
 
-    // Called inside each call, with its name; it fails as this throws.
-    std::function<void(const std::string& call)> onCall = [](const std::string&) {};
-    bool starts = true;
-    bool stops = true;
-    std::atomic<int> samples = 0;  // that are new
-    double current = 0;
-    double mean = 0;
-    double offset = 0;
+    Answers answers{{"NewData", {0}}};
 
-    STDMETHODIMP Attach(IKelCommunicator* link) override {
-        return call("Attach", [&] { link_ = link; });
-    }
+    STDMETHODIMP Attach(IKelCommunicator* link) override { return link_ = link, S_OK; }
     STDMETHODIMP StartCollection(VARIANT_BOOL* result) override {
-        return call("StartCollection", [&] { *result = starts; });
+        return answers.give("StartCollection", result);
     }
     STDMETHODIMP StopCollection(VARIANT_BOOL* result) override {
-        return call("StopCollection", [&] { *result = stops; });
+        return answers.give("StopCollection", result);
     }
     STDMETHODIMP get_NewData(VARIANT_BOOL* isNew) override {
-        return call("NewData", [&] { *isNew = samples > 0 && samples--; });
+        return answers.give("NewData", isNew);
     }
     STDMETHODIMP get_CurrentPressure(double* pressure) override {
-        return call("CurrentPressure", [&] { *pressure = current; });
+        return answers.give("CurrentPressure", pressure);
     }
     STDMETHODIMP get_MeanPressure(double* pressure) override {
-        return call("MeanPressure", [&] { *pressure = mean; });
+        return answers.give("MeanPressure", pressure);
     }
-    STDMETHODIMP get_Offset(double* pressure) override {
-        return call("Offset", [&] { *pressure = offset; });
-    }
+    STDMETHODIMP get_Offset(double* pressure) override { return answers.give("Offset", pressure); }
 
 private:
-    template <class Answer>
-    HRESULT call(const char* name, Answer&& answer) {
-        return guarded<IPressureAccess>([&] {
-            onCall(name);
-            answer();
-        });
-    }
-
     com::ComPtr<IKelCommunicator> link_;
 };
 

@@ -24,13 +24,14 @@ const std::map<std::string, const char*, std::less<>> kWords = {
 const std::set<std::string, std::less<>> kUnquoted = {"OpenPort", "PortExists", "ConnectTo",
                                                       "put_Port"};
 
-bool isFetch(std::string_view method) {
-    return method == "get_Port" || method == "get_Preprocessor" ||
-           method == "get_BytesInReadBuffer";
-}
+const std::set<std::string, std::less<>> kFetches = {"get_Port",    "get_Preprocessor",
+                                                     "get_NewData", "get_BytesInReadBuffer",
+                                                     "get_Busy",    "get_Calibrating"};
 
 std::string argument(const std::string& method, const VARIANT& value) {
     const auto word = kWords.find(method);
+    // A traced link has a name, which depends on what was traced before.
+    if (method == "Attach") return com::view(value.bstrVal) == L"foreign" ? "foreign" : "";
     if (value.vt == VT_BSTR)
         return kUnquoted.contains(method) ? com::narrow(value.bstrVal)
                                           : '"' + com::narrow(value.bstrVal) + '"';
@@ -88,7 +89,7 @@ private:
                 if (found == trace_.logs.end()) return;
                 const auto [log, prefix] = found->second;
                 const std::string name = com::narrow(method);
-                if (isFetch(name) && !log->tellsFetches) return;
+                if (kFetches.contains(name) && !log->tellsFetches) return;
                 log->calls.push_back(prefix + notation(name, *arguments));
                 // It may replace itself.
                 if (const auto hook = log->onCall) hook(std::string(log->calls.back()));

@@ -29,7 +29,8 @@ public:
     }
 
     // What was called, in order, with its arguments: "SendBreak 300", "BaudRate = 9600". Fetching
-    // the port or the preprocessor and asking for bytes that wait is told on demand only.
+    // the port or the preprocessor, and what is asked at every tick (for bytes that wait, for new
+    // readings), is told on demand only.
     std::vector<std::string> calls;
     bool tellsFetches = false;
 

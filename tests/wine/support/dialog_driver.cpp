@@ -47,6 +47,15 @@ bool isDialog(HWND window) {
     return IsWindowVisible(window) && IsWindowEnabled(window) && classOf(window) == L"#32770";
 }
 
+HWND findIn(HWND dialog, int identifier) {
+    HWND found = GetDlgItem(dialog, identifier);
+    for (HWND page = nullptr; (page = FindWindowExW(dialog, page, L"#32770", nullptr));) {
+        const HWND inside = findIn(page, identifier);
+        if (inside && (!found || IsWindowVisible(inside))) found = inside;
+    }
+    return found;
+}
+
 INPUT keyInput(WORD virtualKey, DWORD flags) {
     INPUT input{};
     input.type = INPUT_KEYBOARD;
@@ -120,6 +129,13 @@ std::vector<HWND> DialogDriver::dialogs() const {
     return windows;
 }
 
+void DialogDriver::leave() const {
+    for (const HWND window : dialogs()) {
+        const bool isQuestion = GetDlgItem(window, IDYES) && !GetDlgItem(window, IDCANCEL);
+        PostMessageW(window, WM_COMMAND, isQuestion ? IDYES : IDCANCEL, 0);
+    }
+}
+
 void DialogDriver::waitUntil(const char* what, const std::function<bool()>& holds) {
     const auto end = std::chrono::steady_clock::now() + kPatience;
     while (!holds()) {
@@ -129,20 +145,24 @@ void DialogDriver::waitUntil(const char* what, const std::function<bool()>& hold
     }
 }
 
+HWND DialogDriver::find(const std::wstring& caption) const {
+    HWND found = nullptr;
+    for (const HWND window : dialogs())
+        if (captionOf(window) == caption) found = window;
+    return found;
+}
+
 HWND DialogDriver::waitFor(const std::wstring& caption) {
     window_ = nullptr;
-    waitUntil(("for '" + com::narrow(caption) + "'").c_str(), [&] {
-        for (const HWND window : dialogs())
-            if (captionOf(window) == caption) window_ = window;
-        return window_ != nullptr;
-    });
+    waitUntil(("for '" + com::narrow(caption) + "'").c_str(),
+              [&] { return (window_ = find(caption)) != nullptr; });
     // It takes input when its loop has come round.
     send(window_, WM_NULL);
     return window_;
 }
 
 HWND DialogDriver::control(int identifier) {
-    const HWND found = GetDlgItem(window_, identifier);
+    const HWND found = findIn(window_, identifier);
     if (!found) throw std::runtime_error("there is no control " + std::to_string(identifier));
     return found;
 }

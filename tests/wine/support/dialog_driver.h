@@ -37,12 +37,17 @@ public:
 
     // Waits for a dialog with this caption that takes input. The following steps are for it.
     HWND waitFor(const std::wstring& caption);
+    // Whether there is one.
+    bool isThere(const std::wstring& caption) const { return find(caption) != nullptr; }
     // The dialogs that take input now.
     std::vector<HWND> dialogs() const;
+    // Cancels all dialogs; a question that cannot be cancelled is agreed to.
+    void leave() const;
     // Waits until something holds.
     void waitUntil(const char* what, const std::function<bool()>& holds);
 
     HWND window() const { return window_; }
+    // Of the window, or of a page inside it: of the one that is seen where several have it.
     HWND control(int identifier);
     std::wstring text(int identifier);
 
@@ -57,6 +62,7 @@ public:
     LRESULT send(HWND window, UINT message, WPARAM wide = 0, LPARAM longer = 0);
 
 private:
+    HWND find(const std::wstring& caption) const;
     void run(const std::function<void(DialogDriver&)>& steps);
     void giveUp(const std::string& reason);
 

@@ -15,4 +15,7 @@ using conformance::show;
 // failure.
 std::string call(IDispatch* object, const std::string& line);
 
+// The result and those of "out", or the code and the description of the failure.
+std::string show(const Outcome& outcome);
+
 }  // namespace kel::test

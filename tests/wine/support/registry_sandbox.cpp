@@ -101,6 +101,17 @@ void remember(const std::string& section, const std::string& name, const std::st
                     text.c_str(), static_cast<DWORD>(text.size() + 1));
 }
 
+void remember(const std::string& line) {
+    const std::size_t equals = line.find(" = ");
+    const std::size_t name = line.find(' ');
+    const std::string section = line.substr(0, name);
+    const std::string value = line.substr(name + 1, equals - name - 1);
+    const std::string text = line.substr(equals + 3);
+    constexpr std::string_view kNumber = "dword:";
+    if (!text.starts_with(kNumber)) return remember(section, value, text);
+    remember(section, value, static_cast<DWORD>(std::stoul(text.substr(kNumber.size()))));
+}
+
 std::string joined(const std::set<std::string>& lines) {
     std::string text;
     for (const std::string& line : lines)

@@ -6,13 +6,13 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace kel::test {
 
-// Files only, no folders in it.
 class TemporaryFolder {
 public:
     TemporaryFolder() {
@@ -24,9 +24,9 @@ public:
         EXPECT_TRUE(CreateDirectoryW(name, nullptr));
     }
     ~TemporaryFolder() {
-        for (const std::wstring& name : names())
-            DeleteFileW((path_ + L"\\" + name).c_str());
-        EXPECT_TRUE(RemoveDirectoryW(path_.c_str()));
+        std::error_code failure;
+        std::filesystem::remove_all(path_, failure);
+        EXPECT_FALSE(failure) << failure.message();
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;

@@ -4,8 +4,8 @@
 #include <cstdlib>
 
 #include "tests/wine/support/dialog_faults.h"
-#include "tests/wine/support/openings.h"
 #include "tests/wine/support/resource_counts.h"
+#include "tests/wine/support/scene.h"
 
 namespace kel::test {
 namespace {
@@ -19,12 +19,12 @@ int rounds() {
     return wanted ? std::atoi(wanted) : 20;
 }
 
-class OpeningsTest : public testing::TestWithParam<Opening> {};
+class OpeningsTest : public testing::TestWithParam<Scene> {};
 
 TEST_P(OpeningsTest, LeaveNothingBehind) {
     const auto openTimes = [](int times) {
         for (int i = 0; i < times; ++i) {
-            open(GetParam(),
+            play(GetParam(),
                  [](HWND window) { EXPECT_EQ(faultsOf(window), std::vector<std::string>()); });
         }
     };

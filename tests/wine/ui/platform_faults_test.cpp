@@ -9,7 +9,7 @@
 
 #include "tests/wine/support/import_patch.h"
 #include "tests/wine/support/library.h"
-#include "tests/wine/support/openings.h"
+#include "tests/wine/support/scene.h"
 #include "ui/atl.h"
 
 namespace kel::test {
@@ -118,16 +118,16 @@ int next(int call) {
     return call == 0 ? 1 : call * 5;
 }
 
-class PlatformFaultsTest : public testing::TestWithParam<Opening> {};
+class PlatformFaultsTest : public testing::TestWithParam<Scene> {};
 
 TEST_P(PlatformFaultsTest, AreSurvived) {
-    openOrNot(GetParam());
+    playOrNot(GetParam());
     int failures = 0;
     for (const auto& fault : kFaults) {
         const ImportPatch patch(kelUtils().module(), fault.function, fault.replacement);
         for (int call = 0;; call = next(call)) {
             callsThatGoWell = call;
-            openOrNot(GetParam());
+            playOrNot(GetParam());
             SCOPED_TRACE(fault.function + (" " + std::to_string(call)));
             EXPECT_EQ(kelUtils().canUnloadNow(), S_OK);
             if (callsThatGoWell >= 0) break;
@@ -137,7 +137,7 @@ TEST_P(PlatformFaultsTest, AreSurvived) {
     EXPECT_GT(failures, 0);
     // Nothing is left behind that the next one would stumble over.
     bool isSeen = false;
-    open(GetParam(), [&](HWND) { isSeen = true; });
+    play(GetParam(), [&](HWND) { isSeen = true; });
     EXPECT_TRUE(isSeen);
 }
 
