@@ -32,8 +32,10 @@ expect_reply() {
 expect_answer() { expect_reply "$1\\r" "$1"$'\r\n'"$2"$'\r\n'; }
 
 expect_end_of_instrument() {
+    process=$instrument_process
+    wait_until "the end of the instrument" has_ended
     code=0
-    wait "$instrument_process" || code=$?
+    wait "$process" || code=$?
     [[ $code == 0 ]] || give_up "the instrument failed"
 }
 
