@@ -9,6 +9,7 @@
 #include "hosts/model/unicode.h"
 #include "hosts/shared/model/address.h"
 #include "hosts/shared/model/failure.h"
+#include "hosts/shared/model/hint.h"
 #include "hosts/shared/model/source_text.h"
 #include "hosts/trace/model/speed.h"
 #include "hosts/trace/model/trace_text.h"
@@ -34,6 +35,13 @@ std::string shownOrFailure(Call&& call) {
 std::string named(const char* name, const std::string& value) {
     return value.empty() ? "" : std::string(name) + " " + value + "; ";
 }
+
+// "line | message".
+const Subject kHint("hint", [](Words& words) {
+    const std::string line = words.line();
+    const std::size_t bar = line.find(" | ");
+    return host::hint(line.substr(bar + 3), line.substr(0, bar));
+});
 
 const Subject kOptions("options of kelrun", [](Words& words) {
     return shownOrFailure([&] {

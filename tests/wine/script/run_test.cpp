@@ -85,21 +85,6 @@ TEST_F(RunTest, ScriptsRunFromScriptsAndFromForeignWords) {
     EXPECT_EQ(link_.takeWork(), "Link.RunCommandFile \"C:\\windows\\system32\\kernel32.dll\"\n");
 }
 
-TEST_F(RunTest, AScriptThatRunsItselfEndsWithAnError) {
-    int runs = 0;
-    link_.runFile = [&](BSTR, VARIANT_BOOL* result) {
-        ++runs;
-        *result = run("#RUNSCRIPT kernel32.dll");
-        return S_OK;
-    };
-    com::check(preprocessor_->put_ScriptPath(com::Bstr(L"C:\\windows\\system32").get()));
-    EXPECT_FALSE(run("#RUNSCRIPT kernel32.dll"));
-    EXPECT_EQ(runs, 32);
-    const std::string work = link_.takeWork();
-    EXPECT_TRUE(work.ends_with("dll\"\n" + report("Scripts are nested too deeply"))) << work;
-    EXPECT_FALSE(isReading());
-}
-
 TEST_F(RunTest, CancelStopsBeforeTheNextLine) {
     EXPECT_EQ(preprocessor_->Cancel(), S_OK);
     EXPECT_FALSE(isCancelled());
