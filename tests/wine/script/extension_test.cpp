@@ -42,39 +42,6 @@ TEST_F(ExtensionTest, WordsReceiveTheirNumberAndParameters) {
     EXPECT_EQ(preprocessor_->InstallCustomFunction(com::Bstr(L"x").get(), nullptr, 0), E_POINTER);
 }
 
-TEST_F(ExtensionTest, TheFirstThatHandlesAWordEndsTheSearch) {
-    for (const bool isFunction : {false, true}) {
-        std::string asked;
-        const wchar_t* word = isFunction ? L"Where" : L"Goto";
-        const auto first = install(word, isFunction);
-        const auto second = install(word, isFunction);
-        Answer firstAnswer;
-        first->onCall = [&](long, IFlatCollection*) { return asked += "1", firstAnswer; };
-        second->onCall = [&](long, IFlatCollection*) { return asked += "2", Answer{}; };
-        const char* script = isFunction ? "@WHERE()" : "#GOTO";
-        const struct {
-            Answer answer;
-            bool result;
-            const char* asked;
-        } rows[] = {{{true, true}, true, "1"},
-                    {{false, true}, true, "12"},
-                    {{true, false}, false, "1"},
-                    {{false, false}, false, "1"}};
-        for (const auto& row : rows) {
-            asked.clear();
-            firstAnswer = row.answer;
-            EXPECT_EQ(run(script), row.result) << row.asked;
-            EXPECT_EQ(asked, row.asked);
-        }
-        second->onCall = [](long, IFlatCollection*) { return Answer{false, true}; };
-        firstAnswer = {false, true};
-        link_.takeWork();
-        EXPECT_FALSE(run(script));
-        EXPECT_EQ(link_.takeWork(), isFunction ? report("Unknown function:", "WHERE")
-                                               : report("Unknown preprocessor directive:", "GOTO"));
-    }
-}
-
 TEST_F(ExtensionTest, AFailingHandlerEndsTheRunWithItsCodeAndWords) {
     const auto extension = install(L"Beep");
     extension->onCall = [](long, IFlatCollection*) -> Answer {
