@@ -51,6 +51,9 @@ test_an_instrument_serves_a_terminal_that_is_closed_and_reopened() {
     open_terminal "$folder/port"
     expect_answer 'get station' Pier
     expect_answer savesetup OK
+    expect_answer 'set station Other' OK
+    expect_answer restoresetup OK
+    expect_answer 'get station' Pier
     kill "$instrument_process"
     expect_end_of_instrument
     [[ ! -L $folder/port ]] || give_up "the link is left"
