@@ -4,6 +4,7 @@
 #include "hosts/keldesk/model/desk_options.h"
 #include "hosts/keldesk/model/line_status.h"
 #include "hosts/keldesk/model/recent_menu.h"
+#include "hosts/kelregister/model/register_options.h"
 #include "hosts/kelrun/model/dialogue_text.h"
 #include "hosts/kelrun/model/options.h"
 #include "hosts/model/unicode.h"
@@ -35,6 +36,16 @@ std::string shownOrFailure(Call&& call) {
 std::string named(const char* name, const std::string& value) {
     return value.empty() ? "" : std::string(name) + " " + value + "; ";
 }
+
+const Subject kRegister("options of kelregister", [](Words& words) {
+    return shownOrFailure([&] {
+        const auto options = kelregister::parseRegisterOptions(words.all());
+        std::string shown = options.unregister ? "unregister; " : "";
+        for (const std::string& library : options.libraries)
+            shown += named("library", library);
+        return shown + (options.help ? "help; " : "") + (options.version ? "version; " : "");
+    });
+});
 
 // "line | message".
 const Subject kHint("hint", [](Words& words) {

@@ -1,6 +1,7 @@
 // What the window kit, the general windows and the writer of HTML files decide.
 #include <algorithm>
 #include <cwctype>
+#include <stdexcept>
 
 #include "controls/model/check_rule.h"
 #include "controls/model/selector_layout.h"
