@@ -32,8 +32,10 @@ expect_reply() {
 expect_answer() { expect_reply "$1\\r" "$1"$'\r\n'"$2"$'\r\n'; }
 
 expect_end_of_instrument() {
+    process=$instrument_process
+    wait_until "the end of the instrument" has_ended
     code=0
-    wait "$instrument_process" || code=$?
+    wait "$process" || code=$?
     [[ $code == 0 ]] || give_up "the instrument failed"
 }
 
@@ -49,6 +51,9 @@ test_an_instrument_serves_a_terminal_that_is_closed_and_reopened() {
     open_terminal "$folder/port"
     expect_answer 'get station' Pier
     expect_answer savesetup OK
+    expect_answer 'set station Other' OK
+    expect_answer restoresetup OK
+    expect_answer 'get station' Pier
     kill "$instrument_process"
     expect_end_of_instrument
     [[ ! -L $folder/port ]] || give_up "the link is left"

@@ -119,38 +119,6 @@ INSTANTIATE_TEST_SUITE_P(Instrument, DialogueCase,
                          testing::ValuesIn(test::readCases("tests/core/bench/dialogues.txt")),
                          testing::PrintToStringParamName());
 
-TEST(InstrumentCommands, OnlySavedSettingsOutliveThePower) {
-    InstrumentOptions options;
-    std::string kept;
-    bool full = false;
-    options.store = [&](const InstrumentSetup& setup) {
-        if (!full) kept = setup.toText();
-        return !full;
-    };
-    Bench bench(options);
-    bench.ask("set station Pier");
-    bench.ask("savesetup");
-    bench.ask("set station Other");
-    EXPECT_EQ(InstrumentSetup::fromText(kept).get("station"), "Pier");
-    full = true;
-    EXPECT_EQ(bench.ask("savesetup"), "ERROR: the setup could not be saved");
-    bench.ask("restoresetup");
-    EXPECT_EQ(bench.ask("get station"), "Pier");
-
-    EXPECT_EQ(InstrumentSetup::fromText(InstrumentSetup().toText()), InstrumentSetup());
-    EXPECT_THROW(InstrumentSetup::fromText("interval=5\nrubbish\n"), CommandError);
-    EXPECT_THROW(InstrumentSetup::fromText("interval=0"), CommandError);
-}
-
-TEST(InstrumentLine, PromptAndAcknowledgementAreNeverPartOfOtherAnswers) {
-    Bench bench;
-    for (const char* command : {"help", "ver", "sernum", "show", "status", "sample", "rubbish"}) {
-        const auto answer = bench.ask(command);
-        EXPECT_EQ(answer.find('>'), std::string::npos) << answer;
-        EXPECT_EQ(answer.find("OK"), std::string::npos) << answer;
-    }
-}
-
 TEST(InstrumentCard, ABlockIsThatPartOfTheFile) {
     const CardFile whole{"DAY003.DAT", 4097, {}};
     const std::string content = cardContent(whole, 0, 4097);
@@ -205,18 +173,6 @@ TEST(InstrumentFaults, GarblesTheSameBytesForTheSameSeed) {
     for (std::size_t i = 0; i < clean.size(); ++i)
         damaged += clean[i] != garbled[i];
     EXPECT_NEAR(static_cast<double>(damaged) / static_cast<double>(clean.size()), 0.25, 0.05);
-}
-
-TEST(InstrumentFaults, VanishesAfterTheLastAnswerWasTaken) {
-    InstrumentOptions options;
-    options.vanishAfter = 2;
-    Bench bench(options);
-    EXPECT_EQ(bench.say("\rget rate\r"), "\r\n>get rate\r\n2\r\n>");
-    EXPECT_FALSE(bench.instrument.vanished());
-    bench.instrument.feed("get rate\rget rate\r", bench.now);
-    EXPECT_FALSE(bench.instrument.vanished());
-    EXPECT_EQ(bench.instrument.take(bench.now), "get rate\r\n2\r\n>");
-    EXPECT_TRUE(bench.instrument.vanished());
 }
 
 }  // namespace

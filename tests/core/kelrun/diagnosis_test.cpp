@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "hosts/kelregister/model/register_options.h"
-#include "hosts/shared/model/failure.h"
 #include "hosts/shared/model/image.h"
 
 namespace kel::kelrun {
@@ -69,23 +67,6 @@ TEST(ImageBits, ReadsTheMachineOfAFile) {
          {std::string(), std::string("MZ"), std::string("text"), image("\x01\x01"), image("L"),
           image("\x4C\x01", 0xFF), image("\x4C\x01", 0x7F), image("\x4C\x01").substr(1)})
         EXPECT_EQ(host::imageBits(other), 0);
-}
-
-TEST(RegisterOptions, ReadsLibrariesAndWhatToDo) {
-    using Arguments = std::vector<std::string>;
-    const auto options =
-        kelregister::parseRegisterOptions(Arguments{"a.dll", "--unregister", "--", "--help"});
-    EXPECT_TRUE(options.unregister && !options.help && !options.version);
-    EXPECT_EQ(options.libraries, (Arguments{"a.dll", "--help"}));
-    EXPECT_TRUE(kelregister::parseRegisterOptions(Arguments{"--version"}).version);
-    for (const char* wrong : {"", "--undo", "-h"}) {
-        try {
-            kelregister::parseRegisterOptions(Arguments{wrong});
-            ADD_FAILURE() << wrong;
-        } catch (const host::Failure& failure) {
-            EXPECT_EQ(failure.code(), host::ExitCode::kUsage);
-        }
-    }
 }
 
 }  // namespace

@@ -9,18 +9,12 @@
 #include "hosts/kelrun/model/options.h"
 #include "hosts/kelrun/model/transcript.h"
 #include "hosts/shared/model/diagnostic.h"
-#include "hosts/shared/model/hint.h"
 #include "hosts/shared/model/source_text.h"
 
 namespace kel::kelrun {
 namespace {
 
-using namespace std::string_literals;
 using host::SourceText;
-
-std::string quotes(const std::string& text) {
-    return "a text needs double quotes: \"" + text + "\"";
-}
 
 TEST(KelrunOptions, HelpFitsAScreenAndNamesEveryExitCode) {
     const std::string help = helpText();
@@ -48,40 +42,6 @@ TEST(KelrunDiagnostic, IsWrittenForUsersAndForEditors) {
               "\u00FC\"},\n"
               R"({"file":"b.kel","line":0,"column":0,"severity":"warning","message":"odd"})"
               "\n]\n");
-}
-
-TEST(KelrunHint, HelpsWhereItIsSureTo) {
-    constexpr char kCondition[] = "as in a == \"b\" or a != \"b\", blanks included";
-    constexpr char kBlanks[] = "no blanks beside the = of an assignment";
-    const struct {
-        const char* message;
-        const char* line;
-        std::string hint;
-    } cases[] = {
-        {"Variable not found: B14", "#IF station == B14 // ours", quotes("B14")},
-        {"Variable not found: B14", "@station=B14", quotes("B14")},
-        {"Variable not found: B14", "#IF B14 != station", ""},
-        {"Variable not found: B1", "#IF B1 == B15", ""},
-        {"Variable not found: B14", "set station %B14", ""},
-        {"Variable not found: \"a\"b", "@x=\"a\"b", ""},
-        {"Variable not found: ", "@x=", ""},
-        {"Invalid function name: 12.5", "  @depth=12.5", quotes("12.5")},
-        {"Invalid function name: Pier 7", "@x=Pier 7", quotes("Pier 7")},
-        {"Invalid function name: 'x'", "@x='x'", quotes("x")},
-        {"Invalid function name:  1", "@a= 1", kBlanks},
-        {"Invalid expression 'b =\"1\"'", "@b =\"1\"", kBlanks},
-        {"Invalid expression 'b'", "@b", ""},
-        {"Invalid syntax in #IF statement", "#IF a = b", kCondition},
-        {"Unknown preprocessor directive: WIAT", "#WIAT 5", "did you mean #WAIT?"},
-        {"Unknown preprocessor directive: elsif", "#elsif", "did you mean #ELSEIF?"},
-        {"Unknown preprocessor directive: SETBUADRAT", "", "did you mean #SETBAUDRATE?"},
-        {"Unknown preprocessor directive: TIDE", "#TIDE", ""},
-        {"Unknown function: DAET", "@x=DAET()", "did you mean DATE?"},
-        {"Unknown function: TODAY", "@x=TODAY()", ""},
-        {"Unterminated string", "@a=\"x", ""},
-    };
-    for (const auto& row : cases)
-        EXPECT_EQ(host::hint(row.message, row.line), row.hint) << row.line;
 }
 
 // "kind text" of each entry; the clock stands still.

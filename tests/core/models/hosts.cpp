@@ -4,11 +4,13 @@
 #include "hosts/keldesk/model/desk_options.h"
 #include "hosts/keldesk/model/line_status.h"
 #include "hosts/keldesk/model/recent_menu.h"
+#include "hosts/kelregister/model/register_options.h"
 #include "hosts/kelrun/model/dialogue_text.h"
 #include "hosts/kelrun/model/options.h"
 #include "hosts/model/unicode.h"
 #include "hosts/shared/model/address.h"
 #include "hosts/shared/model/failure.h"
+#include "hosts/shared/model/hint.h"
 #include "hosts/shared/model/source_text.h"
 #include "hosts/trace/model/speed.h"
 #include "hosts/trace/model/trace_text.h"
@@ -34,6 +36,23 @@ std::string shownOrFailure(Call&& call) {
 std::string named(const char* name, const std::string& value) {
     return value.empty() ? "" : std::string(name) + " " + value + "; ";
 }
+
+const Subject kRegister("options of kelregister", [](Words& words) {
+    return shownOrFailure([&] {
+        const auto options = kelregister::parseRegisterOptions(words.all());
+        std::string shown = options.unregister ? "unregister; " : "";
+        for (const std::string& library : options.libraries)
+            shown += named("library", library);
+        return shown + (options.help ? "help; " : "") + (options.version ? "version; " : "");
+    });
+});
+
+// "line | message".
+const Subject kHint("hint", [](Words& words) {
+    const std::string line = words.line();
+    const std::size_t bar = line.find(" | ");
+    return host::hint(line.substr(bar + 3), line.substr(0, bar));
+});
 
 const Subject kOptions("options of kelrun", [](Words& words) {
     return shownOrFailure([&] {

@@ -1,12 +1,14 @@
 // What the window kit, the general windows and the writer of HTML files decide.
 #include <algorithm>
 #include <cwctype>
+#include <stdexcept>
 
 #include "controls/model/check_rule.h"
 #include "controls/model/selector_layout.h"
 #include "controls/model/status_layout.h"
 #include "html/html_stream.h"
 #include "script/engine/clock.h"
+#include "script/model/form_layout.h"
 #include "tests/core/models/subject.h"
 #include "tests/support/temporary_file.h"
 #include "ui/model/formats.h"
@@ -108,6 +110,54 @@ const Subject kStatus("layout of the status", [](Words& words) {
     const bool showsBar = words.text() == "bar";
     const auto layout = layOut(design, showsBar, words.text() == "cancel");
     return std::to_string(layout.windowHeight) + " " + std::to_string(layout.cancelTop);
+});
+
+// "title; count kind caption initial choices; ...", where "m*500" is a long text. The window, its
+// buttons, its pane if it scrolls, the first three rows. A character is four units wide.
+const Subject kForm("form of a question", [](Words& words) -> std::string {
+    std::istringstream parts(words.line());
+    script::Form form;
+    const auto take = [](Words& from) {
+        const std::string text = from.text();
+        const std::size_t star = text.find('*');
+        if (star == text.npos) return test::wide(text);
+        return std::wstring(std::stoul(text.substr(star + 1)), test::wide(text)[0]);
+    };
+    for (std::string part; std::getline(parts, part, ';');) {
+        Words row(part);
+        if (form.title.empty()) {
+            form.title = take(row);
+            continue;
+        }
+        const auto count = row.number<std::size_t>();
+        const std::string kind = row.text();
+        script::FormRow made{kind == "check"    ? script::ControlKind::Check
+                             : kind == "select" ? script::ControlKind::Select
+                                                : script::ControlKind::Input,
+                             take(row),
+                             take(row),
+                             {}};
+        if (kind == "select") made.choices = {take(row)};
+        form.rows.insert(form.rows.end(), count, made);
+    }
+    try {
+        const auto place = [](const script::Place& at) {
+            return shown({at.left, at.top, at.left + at.width, at.top + at.height});
+        };
+        const auto all = layOut(form, {680, 440, 10},
+                                [](auto text) { return static_cast<int>(4 * text.size()); });
+        std::string text = std::to_string(all.width) + " " + std::to_string(all.height) + "; " +
+                           place(all.ok) + "; " + place(all.cancel);
+        if (all.scrolls) text += "; " + std::to_string(all.visibleRows) + " in " + place(all.pane);
+        for (std::size_t i = 0; i < std::min<std::size_t>(all.rows.size(), 3); ++i) {
+            text += "; " + narrow(all.rows[i].caption) + " " + place(all.rows[i].captionPlace) +
+                    ", " + place(all.rows[i].field);
+            if (all.rows[i].listWidth) text += ", list " + std::to_string(all.rows[i].listWidth);
+        }
+        return text;
+    } catch (const std::length_error&) {
+        return "too many";
+    }
 });
 
 const Subject kClockTexts("date and time", [](Words& words) {

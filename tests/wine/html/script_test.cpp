@@ -1,14 +1,12 @@
 // The table of objects and the script host, as host programs and their scripts use them.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-
 #include "com/late_bound.h"
 #include "com/text.h"
 #include "interfaces/KelUtils.h"
 #include "tests/wine/support/dialog_driver.h"
 #include "tests/wine/support/library.h"
+#include "tests/wine/support/temporary_folder.h"
 
 namespace kel::test {
 namespace {
@@ -34,7 +32,6 @@ protected:
         com::check(own->get_ScriptControl(&control));
         control_.emplace(control);
     }
-    ~ScriptTest() override { std::filesystem::remove_all(folder_); }
 
     void put(const wchar_t* name, IDispatch* object) {
         EXPECT_EQ(objects_->put_Item(com::Bstr(std::wstring_view(name)).get(), object), S_OK);
@@ -47,11 +44,7 @@ protected:
             return "fails";
         }
     }
-    std::wstring file(const std::string& bytes) const {
-        const auto path = folder_ / "script.js";
-        std::ofstream(path, std::ios::binary) << bytes;
-        return path.wstring();
-    }
+    std::wstring file(const std::string& bytes) const { return folder_.file(L"script.js", bytes); }
     // 0 or 1 for what it answers, -1 when it fails.
     int load(const std::wstring& path) {
         VARIANT_BOOL result = 7;
@@ -75,12 +68,7 @@ protected:
                com::narrow(description.view());
     }
 
-    const std::filesystem::path folder_ = [] {
-        auto folder = std::filesystem::temp_directory_path() /
-                      ("kel_html_" + std::to_string(GetCurrentProcessId()));
-        std::filesystem::create_directories(folder);
-        return folder;
-    }();
+    const TemporaryFolder folder_;
     com::ComPtr<IKelObjects> objects_ = makeTable();
     com::ComPtr<IKelScriptObject2> script_ = kelUtils().create<IKelScriptObject2>(CLSID_KelScript);
     std::optional<com::LateBound> control_;
@@ -152,8 +140,8 @@ TEST_F(ScriptTest, LoadsFilesOfEveryEncoding) {
         wide += std::string{character, '\0'};
     EXPECT_EQ(load(file(wide)), 1);
     EXPECT_EQ(eval(L"name()"), "x");
-    EXPECT_EQ(load(folder_.wstring()), 0);
-    EXPECT_EQ(load((folder_ / "none.js").wstring()), 0);
+    EXPECT_EQ(load(folder_.path()), 0);
+    EXPECT_EQ(load(folder_.path() + L"\\none.js"), 0);
     EXPECT_EQ(load(L""), 0);
     EXPECT_EQ(lastError(), L"");
     VARIANT_BOOL result = 7;

@@ -1,7 +1,5 @@
 // Everything that can fail, fails; the object stays usable and nothing is leaked.
 
-#include <cstdlib>
-
 #include "tests/wine/script/preprocessor_fixture.h"
 #include "tests/wine/support/import_patch.h"
 #include "tests/wine/support/refusals.h"
@@ -105,29 +103,6 @@ TEST_F(FailureTest, TextsOfAnyContentGoThrough) {
     VARIANT_BOOL result = VARIANT_FALSE;
     EXPECT_EQ(preprocessor_->PreprocessAndRun(nullptr, &result), S_OK);
     EXPECT_EQ(result, VARIANT_TRUE);
-}
-
-// By KEL_LARGE_SCRIPT in megabytes as large as the machine holds.
-TEST_F(FailureTest, LargeScriptsAndLongLinesGoThrough) {
-    const char* wanted = std::getenv("KEL_LARGE_SCRIPT");
-    const std::size_t size = (wanted ? std::atoi(wanted) : 2) * std::size_t{1000000};
-    std::wstring script(size / 10, L'x');
-    std::size_t lines = 0;
-    for (; script.size() < size; ++lines) {
-        script += L"\n// a remark that is not sent\n@a=1\nset depth %a\n#IF a == 2\nno\n#ENDIF";
-    }
-    std::size_t sent = 0;
-    std::size_t longest = 0;
-    link_.onCall = [&](const std::string& call) {
-        if (call.starts_with("WriteString")) {
-            ++sent;
-            longest = std::max(longest, call.size());
-        }
-        link_.calls.clear();
-    };
-    EXPECT_TRUE(runWide(script));
-    EXPECT_EQ(sent, lines + 1);
-    EXPECT_GT(longest, size / 10);
 }
 
 }  // namespace

@@ -1,9 +1,9 @@
 // The built-in words beyond what the cases tell: the clock, files, the message box.
 #include <filesystem>
 #include <fstream>
-#include <thread>
 
 #include "tests/wine/script/preprocessor_fixture.h"
+#include "tests/wine/support/dialog_driver.h"
 
 namespace kel::test {
 namespace {
@@ -57,39 +57,28 @@ TEST_F(WordsTest, RunScriptLooksIntoBothFolders) {
 }
 
 // Waits for the box of MSGBOX, notes what it shows and presses a button.
-class BoxDriver {
-public:
-    explicit BoxDriver(int button) : thread_([this, button] { drive(button); }) {}
-    ~BoxDriver() { thread_.join(); }
-
+struct BoxDriver {
     std::wstring text;
     bool hasWarningIcon = false;
     HWND owner = nullptr;
+    DialogDriver user;
 
-private:
-    void drive(int button) {
-        HWND box = nullptr;
-        for (int tries = 0; tries < 2000 && !IsWindowVisible(box); ++tries) {
-            Sleep(5);
-            box = FindWindowW(L"#32770", L"Message");
-            DWORD process = 0;
-            GetWindowThreadProcessId(box, &process);
-            if (process != GetCurrentProcessId()) box = nullptr;
-        }
+    explicit BoxDriver(int button)
+        : user([this, button](auto& driver) { drive(driver, button); }) {}
+
+    void drive(DialogDriver& driver, int button) {
+        const HWND box = driver.waitFor(L"Message");
         wchar_t shown[100] = {};
-        DWORD_PTR icon = 0;
         for (HWND child = nullptr; (child = FindWindowExW(box, child, L"STATIC", nullptr));) {
-            if (!SendMessageW(child, STM_GETICON, 0, 0)) GetWindowTextW(child, shown, 100);
-            icon |= SendMessageW(child, STM_GETICON, 0, 0);
+            const LRESULT icon = driver.send(child, STM_GETICON);
+            const HICON warning = LoadIconW(nullptr, MAKEINTRESOURCEW(32515));
+            hasWarningIcon |= icon && reinterpret_cast<HICON>(icon) == warning;
+            if (!icon) driver.send(child, WM_GETTEXT, 100, reinterpret_cast<LPARAM>(shown));
         }
         text = shown;
-        hasWarningIcon =
-            reinterpret_cast<HICON>(icon) == LoadIconW(nullptr, MAKEINTRESOURCEW(32515));
         owner = GetWindow(box, GW_OWNER);
-        PostMessageW(GetDlgItem(box, button), BM_CLICK, 0, 0);
+        driver.press(button);
     }
-
-    std::thread thread_;
 };
 
 TEST_F(WordsTest, MessageBoxAsksTheUser) {

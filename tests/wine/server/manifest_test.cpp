@@ -159,16 +159,5 @@ TEST(ManifestText, NamesEveryInterface) {
     EXPECT_EQ(joined(found), joined(expected));
 }
 
-// The system looks into the library first when a host's own manifest names the assembly.
-TEST(ManifestText, StandsInTheLibraryAsWell) {
-    const HRSRC resource =
-        FindResourceW(kelUtils().module(), MAKEINTRESOURCEW(1), MAKEINTRESOURCEW(24));
-    ASSERT_NE(resource, nullptr);
-    EXPECT_EQ(std::string(static_cast<const char*>(
-                              LockResource(LoadResource(kelUtils().module(), resource))),
-                          SizeofResource(kelUtils().module(), resource)),
-              manifestText());
-}
-
 }  // namespace
 }  // namespace kel::test

@@ -156,15 +156,5 @@ TEST_F(Registration, StopsAtTheFirstRefusedKey) {
     EXPECT_EQ(registered(), nothing_);
 }
 
-HRESULT WINAPI refuseTypeLibrary(ITypeLib*, LPOLESTR, LPOLESTR) {
-    return TYPE_E_REGISTRYACCESS;
-}
-
-TEST_F(Registration, GivesTheFailureOfTheTypeLibrary) {
-    const ImportPatch patch(kelUtils().module(), "RegisterTypeLib",
-                            reinterpret_cast<void*>(refuseTypeLibrary));
-    EXPECT_EQ(registerServer(), TYPE_E_REGISTRYACCESS);
-}
-
 }  // namespace
 }  // namespace kel::test

@@ -1,12 +1,9 @@
 // The store, down to the bytes that it leaves in the registry.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <iterator>
-#include <new>
-#include <utility>
 
 #include "settings/settings_key.h"
 #include "settings/settings_list.h"
@@ -15,25 +12,6 @@
 #include "tests/wine/support/import_patch.h"
 #include "tests/wine/support/library.h"
 #include "tests/wine/support/registry_sandbox.h"
-
-namespace {
-
-int refusedAllocation;  // counts down; 0 refuses none
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-    const bool refused = refusedAllocation > 0 && --refusedAllocation == 0;
-    void* const memory = refused ? nullptr : std::malloc(size);
-    if (!memory) throw std::bad_alloc();
-    return memory;
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
 
 namespace kel::settings {
 namespace {
@@ -84,17 +62,6 @@ TEST_F(SettingsTest, EverythingIsKeptAsTheTableSays) {
     WriteStringSetting(recorder, recorder::kDownloadRate, "57600");
     EXPECT_EQ(test::joined(sandbox_.listing()),
               fileText(test::projectFile("tests/wine/settings/kept.txt")));
-}
-
-TEST_F(SettingsTest, ATextThatIsNotKeptWholeIsListedByItsBytes) {
-    put(firmware::kKey, "Nothing", REG_SZ, "");
-    put(firmware::kKey, "Bare", REG_SZ, std::string_view("ab ", 2));
-    put(firmware::kKey, "Two", REG_SZ, std::string_view("a\0b\0", 4));
-    put(firmware::kKey, "Zero", REG_SZ, std::string_view("\0", 1));
-    const std::string key = "Software\\Kelvra\\Components\\UploadFirmwareDialog : ";
-    for (const char* line :
-         {"Nothing = type 1:", "Bare = type 1: 61 62", "Two = type 1: 61 00 62 00", "Zero = \"\""})
-        EXPECT_EQ(sandbox_.listing().count(key + line), 1u) << line;
 }
 
 TEST_F(SettingsTest, OnlyWholeTextsOfTheRightKindAreRead) {
@@ -292,25 +259,6 @@ TEST_F(WatchedSettingsTest, ATextIsWrittenUpToItsFirstZeroAndKeysAreClosedOnce) 
     EXPECT_FALSE(WriteStringSetting(key, firmware::kLastUsedFile, "c"));
     EXPECT_FALSE(SettingsKey(key, "Below", KEY_READ));
     EXPECT_EQ(ReadStringSetting(firmware::kKey, firmware::kLastUsedFile, ""), "a");
-}
-
-TEST_F(WatchedSettingsTest, WantOfMemoryIsPassedOnAndLeavesNoKeyOpen) {
-    const std::string longText(100, 'x');
-    const Entries entries = {{longText, longText, longText}, {longText, longText, longText}};
-    const std::string application(50, 'p');
-    int refused = 0;
-    for (bool done = false; !done;) {
-        refusedAllocation = ++refused;
-        try {
-            writeList(recent_files::key(application), connections::kFields, entries);
-            const Entries read = readList(recent_files::key(application), connections::kFields);
-            done = std::exchange(refusedAllocation, 0) > 0;
-            EXPECT_EQ(read, entries) << refused;
-        } catch (const std::bad_alloc&) {
-        }
-        EXPECT_EQ(openKeys, 0) << refused;
-    }
-    EXPECT_GT(refused, 10) << "allocations are refused at all";
 }
 
 }  // namespace

@@ -340,18 +340,7 @@ TEST_F(ControlTest, IsLeftAsItWasByDamagedSettings) {
     const auto persistence = to<IPersistStreamInit>(copy.Get());
     for (std::size_t size = 0; size < bytes.size(); ++size) {
         EXPECT_TRUE(FAILED(persistence->Load(streamOf(bytes.substr(0, size)).Get()))) << size;
-        // A shorter part that says so itself.
-        std::string part = bytes.substr(0, size);
-        if (size >= 8) part[4] = static_cast<char>(size - 8), part[5] = 0;
-        persistence->Load(streamOf(part).Get());
-        if (size < 8) {
-            EXPECT_EQ(settingsOf(copy.Get()), kDefaults) << size;
-        }
-    }
-    for (std::size_t place = 0; place < bytes.size() * 8; ++place) {
-        std::string damaged = bytes;
-        damaged[place / 8] = static_cast<char>(damaged[place / 8] ^ (1 << place % 8));
-        persistence->Load(streamOf(damaged).Get());
+        EXPECT_EQ(settingsOf(copy.Get()), kDefaults) << size;
     }
     EXPECT_EQ(persistence->Load(streamOf(bytes).Get()), S_OK);
     EXPECT_EQ(settingsOf(copy.Get()), kOthers);
