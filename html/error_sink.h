@@ -29,7 +29,7 @@ public:
     STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
                         UINT*) override {
         constexpr DISPID kErrorEvent = 3000;
-        return com::guard(IID_IDispatch, nullptr, [&] {
+        return com::guardLateBound([&] {
             // A copy: what it shows may let go of everything, and leave() is called meanwhile.
             const std::function<void()> told = told_;
             if (member == kErrorEvent && told) told();

@@ -95,7 +95,7 @@ FontWatch::FontWatch(IFontDisp* font, std::function<void()> changed)
     com::ComPtr<IConnectionPointContainer> container;
     if (FAILED(font->QueryInterface(IID_PPV_ARGS(&container)))) return;
     com::ComPtr<IConnectionPoint> point;
-    com::check(container->FindConnectionPoint(IID_IPropertyNotifySink, &point));
+    if (FAILED(container->FindConnectionPoint(IID_IPropertyNotifySink, &point))) return;
     com::check(point->Advise(static_cast<IPropertyNotifySink*>(sink_.Get()), &cookie_));
     point_ = point;
 }

@@ -164,8 +164,8 @@ void Control::placeWindow(const RECT& position, const RECT* clip) {
         OffsetRect(&visible, -position.left, -position.top);
         region = CreateRectRgnIndirect(&visible);
     }
-    // The window takes the region over.
-    SetWindowRgn(window, region, TRUE);
+    // The window takes the region over, unless it refuses it.
+    if (!SetWindowRgn(window, region, TRUE) && region) DeleteObject(region);
     MoveWindow(window, position.left, position.top, position.right - position.left,
                position.bottom - position.top, TRUE);
     ShowWindow(window, SW_SHOWNA);

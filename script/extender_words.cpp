@@ -24,13 +24,15 @@ int ExtenderWords::add(std::wstring name) {
 }
 
 com::Variant ExtenderWords::ask(com::ComPtr<IDispatch> handler, long word,
-                                IFlatCollection* parameters) {
+                                IFlatCollection* parameters, VARTYPE wanted) {
     if (!handler) return {};
     const std::wstring name = names_.at(static_cast<std::size_t>(word));
     try {
-        return com::LateBound(std::move(handler))
-            .callItself({com::Variant(std::wstring_view(name)),
-                         com::Variant(static_cast<IDispatch*>(parameters))});
+        com::Variant answer = com::LateBound(std::move(handler))
+                                  .callItself({com::Variant(std::wstring_view(name)),
+                                               com::Variant(static_cast<IDispatch*>(parameters))});
+        if (isNothing(answer)) return {};
+        return answer.convertedTo(wanted);
     } catch (const com::Error& error) {
         // Some script engines tell the reason to their own host only.
         const std::wstring& reason = error.description();
@@ -48,10 +50,10 @@ HRESULT ExtenderWords::DirectiveHandler(IKelCommunicator*, long directive,
         com::out(result) = VARIANT_TRUE;
         const com::KeepAlive alive(*this);
         try {
-            const com::Variant answer = ask(directives_, directive, parameters);
-            if (isNothing(answer)) return;
+            const com::Variant answer = ask(directives_, directive, parameters, VT_BOOL);
+            if (answer.type() == VT_EMPTY) return;
             *handled = VARIANT_TRUE;
-            *result = answer.convertedTo(VT_BOOL).get().boolVal;
+            *result = answer.get().boolVal;
         } catch (const com::Error&) {
             // It has been told, and ends the script as any error of a word does.
             *handled = VARIANT_TRUE;
@@ -69,9 +71,9 @@ HRESULT ExtenderWords::FunctionHandler(IKelCommunicator*, long function,
         com::out(result) = VARIANT_TRUE;
         const com::KeepAlive alive(*this);
         try {
-            const com::Variant answer = ask(functions_, function, parameters);
-            if (isNothing(answer)) return;
-            *value = com::Bstr(com::view(answer.convertedTo(VT_BSTR).get().bstrVal)).release();
+            com::Variant answer = ask(functions_, function, parameters, VT_BSTR);
+            if (answer.type() == VT_EMPTY) return;
+            *value = answer.release().bstrVal;
             *handled = VARIANT_TRUE;
         } catch (const com::Error&) {
             *handled = VARIANT_TRUE;

@@ -30,9 +30,11 @@ public:
                                  VARIANT_BOOL* result) override;
 
 private:
-    // What a handler gives for a word; empty where it passes the word on. Where it throws, that is
-    // told as an error of the script, and the exception passes on.
-    com::Variant ask(com::ComPtr<IDispatch> handler, long word, IFlatCollection* parameters);
+    // What a handler gives for a word, as the wanted type; empty where it passes the word on. Where
+    // it throws, or gives something else, that is told as an error of the script, and the exception
+    // passes on.
+    com::Variant ask(com::ComPtr<IDispatch> handler, long word, IFlatCollection* parameters,
+                     VARTYPE wanted);
 
     IPreprocessorControl& preprocessor_;
     com::ComPtr<IDispatch> directives_;

@@ -174,7 +174,8 @@ void OutputPane::replace(LPARAM text) {
 }
 
 std::size_t OutputPane::length() const {
-    return shown_ - pending_.removed + pending_.added.size();
+    // Where room has been made, less may be left than is to be taken back.
+    return shown_ - std::min(pending_.removed, shown_) + pending_.added.size();
 }
 
 void OutputPane::append(std::wstring_view text) {

@@ -94,10 +94,11 @@ void TerminalWindow::arrange() {
 
 void TerminalWindow::openSearch() {
     if (!searchBar_) {
-        searchBar_ = std::make_unique<SearchBar>(component_, *output_);
-        searchBar_->onLayout = [this] { arrange(); };
-        searchBar_->onClosed = [this] { takeFocus(); };
-        searchBar_->create(window());
+        auto bar = std::make_unique<SearchBar>(component_, *output_);
+        bar->onLayout = [this] { arrange(); };
+        bar->onClosed = [this] { takeFocus(); };
+        bar->create(window());
+        searchBar_ = std::move(bar);
     }
     searchBar_->open();
 }

@@ -20,7 +20,7 @@ function runDirective(name, parameters) {
     seen += name + join(parameters) + ';';
     if (name == 'PASS') return;
     if (name == 'THROW') throw new Error('no tide today');
-    return name != 'STOP';
+    return name == 'ODD' ? 'perhaps' : name != 'STOP';
 }
 function evaluate(name, parameters) {
     if (name == 'nothing') return;
@@ -56,7 +56,7 @@ protected:
         control_->call(L"AddCode", {com::Variant(std::wstring_view(kHandlers))});
         EXPECT_EQ(extender_->InstallDirective(com::Bstr(L"EARLY").get()), E_INVALIDARG);
         com::check(extender_->put_Preprocessor(preprocessor_.Get()), extender_);
-        for (const wchar_t* name : {L"PASS", L"THROW", L"STOP", L"GO"})
+        for (const wchar_t* name : {L"PASS", L"THROW", L"STOP", L"GO", L"ODD"})
             com::check(extender_->InstallDirective(com::Bstr(std::wstring_view(name)).get()));
         for (const wchar_t* name : {L"join", L"nothing", L"fails"})
             com::check(extender_->InstallFunction(com::Bstr(std::wstring_view(name)).get()));
@@ -97,6 +97,8 @@ TEST_F(ExtenderTest, WhatIsPassedOnIsUnknown) {
 TEST_F(ExtenderTest, AnExceptionIsAnErrorOfTheScript) {
     EXPECT_FALSE(run("ver\n#THROW\nsernum"));
     EXPECT_EQ(lastDiagnostic(), "The handler of THROW failed");
+    EXPECT_FALSE(run("#ODD"));
+    EXPECT_EQ(lastDiagnostic(), "The handler of ODD failed");
     EXPECT_FALSE(run("@x=fails()"));
     EXPECT_EQ(lastDiagnostic(), "The handler of fails failed");
     const auto thrower = com::makeObject<Thrower>();

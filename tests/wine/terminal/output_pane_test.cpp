@@ -73,6 +73,12 @@ TEST_F(OutputPaneTest, TakesPiecesHoweverTheyAreFed) {
     EXPECT_EQ(ask(WM_GETTEXTLENGTH), 0);
     feed(L"again");
     EXPECT_EQ(shown(), L"again");
+
+    // More is taken back than the limit has left.
+    EXPECT_EQ(terminal->put_OutputLimit(4), S_OK);
+    feed(L"\b\b\b\b\b");
+    EXPECT_EQ(ask(WM_GETTEXTLENGTH), 0);
+    EXPECT_EQ(shown(), L"");
 }
 
 TEST_F(OutputPaneTest, ShowsWhatItHasCollectedByItself) {
