@@ -342,6 +342,9 @@ TEST_F(SessionDialogTest, ConnectsUnattendedOrTellsWhyNot) {
     link_.hasPort = false;
     ports_.busyPorts[L"COM2"] = ERROR_SHARING_VIOLATION;
     EXPECT_EQ(attempt(), L"Unable to connect to 'COM2' (32)");
+    // A link that does not tell why has failed all the same.
+    ports_.busyPorts[L"COM2"] = ERROR_SUCCESS;
+    EXPECT_EQ(attempt(), L"Unable to connect to 'COM2' (0)");
     rememberSession(212, 212);
     EXPECT_EQ(attempt(), L"No network connection is remembered");
     rememberPeer();
