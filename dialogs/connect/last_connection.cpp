@@ -1,5 +1,7 @@
 #include "dialogs/connect/last_connection.h"
 
+#include <algorithm>
+
 #include "com/text.h"
 #include "com/variant.h"
 #include "dialogs/connect/connection_store.h"
@@ -23,7 +25,9 @@ void connectSerial(const com::ComPtr<IKelCommunicator>& link, const std::wstring
     if (serial.hasOpenSerialPort() && serial.isCurrent(port.name)) {
         serial.setRate(port.rate, kSessionRules);
     } else if (const auto error = serial.connect(port.name, port.rate)) {
-        failWith(sessionFailureText(port.name, *error), HRESULT_FROM_WIN32(*error));
+        // A link need not tell why; the failure stays one.
+        failWith(sessionFailureText(port.name, *error),
+                 *error == ERROR_SUCCESS ? E_FAIL : HRESULT_FROM_WIN32(*error));
     }
 }
 

@@ -6,6 +6,7 @@
 #include "com/text.h"
 
 namespace kel::host {
+
 std::string systemText(DWORD code) {
     wchar_t text[512];
     const DWORD size = FormatMessageW(

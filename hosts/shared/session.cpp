@@ -29,6 +29,8 @@ void connectAsLastTime(const com::ComPtr<IKelCommunicator>& link, const std::str
             ExitCode::kNoConnection,
             "no connection: " + (reason.empty() ? describe(error) : com::narrow(reason, CP_UTF8)));
     }
+    if (!com::isTrue(isConnected))
+        throw Failure(ExitCode::kNoConnection, "no connection: none was made");
 }
 
 void rememberConnection(const com::ComPtr<IKelCommunicator>& link, const std::string& application) {
