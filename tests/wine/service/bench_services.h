@@ -159,9 +159,8 @@ protected:
         const auto hasFailed = [&] {
             const std::wstring status = shown(service.statusLine);
             const bool isOrdinary =
-                status.empty() || std::ranges::any_of(kOrdinary, [&](auto text) {
-                    return status.starts_with(text);
-                });
+                status.empty() ||
+                std::ranges::any_of(kOrdinary, [&](auto text) { return status.starts_with(text); });
             if (!isOrdinary) told_.insert(com::narrow(status));
             isTold_ = isTold_ || !isOrdinary;
             return isTold_.load();
@@ -236,6 +235,5 @@ protected:
     const TemporaryFolder folder_;
     const std::wstring firmware_ = folder_.file(L"new.bin", "abcdefghijklmnopqrstuvwxyz");
 };
-
 
 }  // namespace kel::test

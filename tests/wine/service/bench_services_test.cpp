@@ -1,7 +1,7 @@
 // The four services on the bench's link, with its own access objects and a virtual instrument:
 // beside a terminal that is alive, and with every call failing.
-#include "hosts/trace/KelTrace.h"
 #include "tests/wine/service/bench_services.h"
+#include "hosts/trace/KelTrace.h"
 #include "tests/wine/service/live_terminal.h"
 
 namespace kel::test {
