@@ -4,7 +4,7 @@ readonly soak_openings=1000
 readonly soak_minutes=30
 
 # Opens and closes every window, lets every call of the platform fail, makes every component, and runs
-# scripts for half an hour; looks for what is left behind.
+# scripts for half an hour, beside instruments in trouble; looks for what is left behind.
 soak() {
     prepare_windows ui_wine_tests server_wine_tests service_wine_tests
     start_server
@@ -12,6 +12,7 @@ soak() {
     soak_part "every window opened $soak_openings times" ui '*OpeningsTest*' KEL_OPENING_ROUNDS="$soak_openings"
     soak_part "every component made $soak_openings times" server '*MadeAgainAndAgain*' KEL_OPENING_ROUNDS="$soak_openings"
     soak_part "every call of the platform fails under every window" ui '*PlatformFaultsTest*' KEL_EVERY_FAULT=1
+    soak_part "instruments in every mood after every command" service '*TroubledInstruments*' KEL_EVERY_TROUBLE=1
     soak_part "the recorder's download cancelled at 200 random moments" service '*CancelledAtAnyMoment*' KEL_RECORDER_ROUNDS=200
     soak_part "scripts beside a terminal for $soak_minutes minutes" service 'LongRunTest.*' KEL_SOAK_MINUTES="$soak_minutes"
     ((failures == 0)) || fail "$failures of the parts above found something"

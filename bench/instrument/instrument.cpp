@@ -29,9 +29,11 @@ std::string onTheLine(std::string_view text) {
 
 Instrument::Instrument(const InstrumentOptions& options)
     : device_(options),
-      output_(options.garbleRate, options.seed),
+      output_(options.seed),
       silent_(options.silent),
       slow_(options.slow),
+      garbleRate_(options.garbleRate),
+      commandsToTrouble_(options.troubleAfter),
       commandsLeft_(options.vanishAfter),
       successesLeft_(options.failAfter),
       mode_(options.asleep ? Mode::kAsleep : Mode::kAwake) {}
@@ -170,11 +172,13 @@ void Instrument::answer(const Answer& answer, Duration now) {
     }
     say(bytes, due);
     if (commandsLeft_) --*commandsLeft_;
+    if (commandsToTrouble_ > 0) --commandsToTrouble_;
 }
 
 // Answers come one after the other, each as slow as asked for.
 Duration Instrument::answerDue(Duration now) const {
-    return std::max(now, output_.lastDue().value_or(now)) + slow_;
+    const auto due = std::max(now, output_.lastDue().value_or(now));
+    return isTroubled() ? due + slow_ : due;
 }
 
 void Instrument::endStream(Duration now) {
@@ -201,7 +205,8 @@ void Instrument::greet(Duration due) {
 }
 
 void Instrument::say(std::string_view bytes, Duration due) {
-    if (!silent_) output_.push(bytes, due);
+    if (silent_ && isTroubled()) return;
+    output_.push(bytes, due, isTroubled() ? garbleRate_ : 0);
 }
 
 }  // namespace kel::bench

@@ -18,6 +18,7 @@ struct InstrumentOptions : DeviceOptions {
     Duration slow{0};                // added to every answer
     double garbleRate = 0;           // share of damaged bytes, 0 to 1
     std::uint32_t seed = 1;          // of the damage
+    int troubleAfter = 0;            // answered commands; before, none of the three above
     std::optional<int> vanishAfter;  // answered commands; the line is then gone
     std::optional<int> failAfter;    // answered commands; all later ones are refused
 };
@@ -57,6 +58,7 @@ private:
     void endLine(Duration now);
     void answer(const Answer& answer, Duration now);
     Duration answerDue(Duration now) const;
+    bool isTroubled() const { return commandsToTrouble_ == 0; }
     void endStream(Duration now);
     void receiveBreak(Duration now);
     void wake(Duration now);
@@ -68,6 +70,8 @@ private:
     LineOutput output_;
     bool silent_;
     Duration slow_;
+    double garbleRate_;
+    int commandsToTrouble_;
     std::optional<int> commandsLeft_;
     std::optional<int> successesLeft_;
     Mode mode_;

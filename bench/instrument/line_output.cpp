@@ -4,19 +4,16 @@
 
 namespace kel::bench {
 
-LineOutput::LineOutput(double garbleRate, std::uint32_t seed)
-    : garbleRate_(garbleRate), random_(seed) {}
-
-void LineOutput::push(std::string_view bytes, Duration due) {
+void LineOutput::push(std::string_view bytes, Duration due, double garbleRate) {
     if (bytes.empty()) return;
     if (pieces_.empty() || due > pieces_.back().due) pieces_.push_back({due, {}});
     auto& piece = pieces_.back().bytes;
-    if (garbleRate_ == 0) {
+    if (garbleRate == 0) {
         piece.append(bytes);
         return;
     }
     for (const char byte : bytes)
-        piece.push_back(damaged(byte));
+        piece.push_back(damaged(byte, garbleRate));
 }
 
 std::string LineOutput::take(Duration now) {
@@ -38,10 +35,10 @@ std::optional<Duration> LineOutput::lastDue() const {
     return pieces_.back().due;
 }
 
-char LineOutput::damaged(char byte) {
+char LineOutput::damaged(char byte, double rate) {
     // The standard distributions differ between libraries; the generator itself does not.
     const double draw = static_cast<double>(random_()) / 4294967296.0;
-    if (draw >= garbleRate_) return byte;
+    if (draw >= rate) return byte;
     return static_cast<char>(byte ^ (1 << (random_() % 7)));
 }
 

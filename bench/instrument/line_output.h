@@ -14,13 +14,14 @@ namespace kel::bench {
 using Duration = std::chrono::microseconds;
 
 // What the instrument has said and the line has not carried away yet, in order and with the times
-// from which each piece may go. Damages bytes at a given rate, the same ones for the same seed.
+// from which each piece may go. Damages bytes, the same ones for the same seed.
 class LineOutput {
 public:
-    LineOutput(double garbleRate, std::uint32_t seed);
+    explicit LineOutput(std::uint32_t seed) : random_(seed) {}
 
-    // A piece never overtakes an earlier one: its time is moved back if need be.
-    void push(std::string_view bytes, Duration due);
+    // A piece never overtakes an earlier one: its time is moved back if need be. Of its bytes that
+    // share is damaged.
+    void push(std::string_view bytes, Duration due, double garbleRate);
     // Everything that may go at `now`.
     std::string take(Duration now);
     // When the first piece may go; nothing when there is none.
@@ -35,9 +36,8 @@ private:
         std::string bytes;
     };
 
-    char damaged(char byte);
+    char damaged(char byte, double rate);
 
-    double garbleRate_;
     std::mt19937 random_;
     std::deque<Piece> pieces_;
 };

@@ -22,6 +22,7 @@ enum Option : int {
     kSlow,
     kGarble,
     kSeed,
+    kTroubleAfter,
     kVanishAfter,
     kFailAfter,
     kCard,
@@ -50,6 +51,7 @@ constexpr option kOptions[] = {
     {"slow", required_argument, nullptr, kSlow},
     {"garble", required_argument, nullptr, kGarble},
     {"seed", required_argument, nullptr, kSeed},
+    {"trouble-after", required_argument, nullptr, kTroubleAfter},
     {"vanish-after", required_argument, nullptr, kVanishAfter},
     {"fail-after", required_argument, nullptr, kFailAfter},
     {"card", required_argument, nullptr, kCard},
@@ -98,6 +100,7 @@ Faults
   --slow MS             every answer takes MS milliseconds longer
   --garble RATE         damages this share of the bytes it sends, 0 to 1
   --seed N              of the damage, 1 unless given; the same seed damages the same bytes
+  --trouble-after N     silent, slow and garbling only after N answered commands
   --gateway-fault KIND  the gateway lets nobody in: refuse, hang or drop
   --vanish-after N      after N answered commands closes the line and ends
   --fail-after N        refuses all commands after N answered ones
@@ -202,6 +205,10 @@ ProgramOptions parseOptions(int argumentCount, char** arguments) {
             case kSeed:
                 options.instrument.seed =
                     integer<std::uint32_t>(which, 0, std::numeric_limits<std::uint32_t>::max());
+                break;
+            case kTroubleAfter:
+                options.instrument.troubleAfter =
+                    integer(which, 0, std::numeric_limits<int>::max());
                 break;
             case kVanishAfter:
                 options.instrument.vanishAfter = integer(which, 1, std::numeric_limits<int>::max());

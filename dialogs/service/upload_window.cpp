@@ -164,7 +164,7 @@ bool UploadWindow::transfer(const Choices& choices) {
                        uploader);
         });
     if (!isUploaded || !choices.verifies) return isUploaded;
-    return carryOut(L"Verifying the firmware", L"The firmware is loaded, but differs from the file",
+    return carryOut(L"Verifying the firmware", L"The firmware is loaded, but could not be verified",
                     [&](VARIANT_BOOL* done) {
                         com::check(uploader->Verify(file.get(), isHexadecimal, done), uploader);
                     });

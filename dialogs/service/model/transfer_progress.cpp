@@ -49,7 +49,7 @@ std::wstring TransferProgress::line() const {
 }
 
 std::wstring TransferProgress::lastLine(const std::wstring& failure) const {
-    return told_.empty() ? failure : told_;
+    return told_.empty() ? failure : failure + L": " + told_;
 }
 
 }  // namespace kel::service

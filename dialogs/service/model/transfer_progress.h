@@ -34,7 +34,7 @@ public:
     // With the time that remains, as far as it can be told.
     std::wstring line() const;
 
-    // What stays when the step has failed: what it said last, or `failure` where it said nothing.
+    // What stays when the step has failed: that, and what it said last.
     std::wstring lastLine(const std::wstring& failure) const;
 
 private:

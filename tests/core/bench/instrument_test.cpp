@@ -54,7 +54,7 @@ std::string stateOf(const Bench& bench) {
            (due ? ", due in " + std::to_string((*due - bench.now) / 1ms) + " ms" : ", nothing due");
 }
 
-constexpr std::string_view kInstrumentSettings = " silent slow card code bad ramp blind fail ";
+constexpr std::string_view kInstrumentSettings = " silent slow card code bad ramp blind fail trouble ";
 
 class DialogueCase : public testing::TestWithParam<test::Case> {
 protected:
@@ -80,6 +80,7 @@ protected:
         if (name == "bad") options.badCell = std::stoul(value);
         if (name == "ramp") options.sensors = {std::stod(value), 0, 1, true};
         if (name == "blind") options.sensors.compass = false;
+        if (name == "trouble") options.troubleAfter = std::stoi(value);
         if (name == "fail") options.failAfter = std::stoi(value);
         return kInstrumentSettings.find(" " + name + " ") != std::string_view::npos;
     }

@@ -176,9 +176,10 @@ TEST_F(UploadFirmwareTest, AFailureLeavesOnlyTheWayOut) {
         std::function<void(DialogDriver&)> leave;
     } rows[] = {
         {false, L"", L"The firmware was not loaded", close},
-        {false, L"Wrong code", L"Wrong code", escape},
-        {true, L"", L"The firmware is loaded, but differs from the file", escape},
-        {true, L"Block 3 differs", L"Block 3 differs", close},
+        {false, L"Wrong code", L"The firmware was not loaded: Wrong code", escape},
+        {true, L"", L"The firmware is loaded, but could not be verified", escape},
+        {true, L"Block 3 differs",
+         L"The firmware is loaded, but could not be verified: Block 3 differs", close},
     };
     for (const auto& row : rows) {
         const auto fail = [&] {

@@ -27,6 +27,8 @@ public:
     bool acceptsSoon();
     bool hasClient() const { return client_ != INVALID_SOCKET; }
     void send(std::string_view bytes);
+    // False when the client has gone.
+    bool sends(std::string_view bytes);
     // Waits until so many bytes have come.
     std::string receive(std::size_t count);
     // What has come; waits at most a millisecond for something.

@@ -1,0 +1,178 @@
+// Whatever waits for an instrument, on instruments that are silent, slow, garble or vanish; what
+// the user may be told then stands in troubles.txt.
+#include <cstdlib>
+#include <sstream>
+
+#include "com/message_loop.h"
+#include "tests/support/cases.h"
+#include "tests/wine/service/bench_services.h"
+#include "tests/wine/service/live_terminal.h"
+#include "tests/wine/support/resource_counts.h"
+
+namespace kel::test {
+namespace {
+
+using bench::InstrumentOptions;
+using std::chrono::milliseconds;
+
+constexpr char kTroubles[] = "tests/wine/service/troubles.txt";
+constexpr char kInner[] = "inner.kel";
+constexpr int kMostCommands = 60;
+
+const struct {
+    const char* name;
+    void (*set)(InstrumentOptions& options, int commands);
+} kMoods[] = {
+    {"silent", [](InstrumentOptions& options, int) { options.silent = true; }},
+    {"late", [](InstrumentOptions& options, int) { options.slow = std::chrono::hours(1); }},
+    {"slow", [](InstrumentOptions& options, int) { options.slow = milliseconds(1500); }},
+    {"noisy", [](InstrumentOptions& options, int) { options.garbleRate = 0.01; }},
+    {"garbling", [](InstrumentOptions& options, int) { options.garbleRate = 0.3; }},
+    {"vanishing", [](InstrumentOptions& options, int after) { options.vanishAfter = after; }},
+};
+
+class TroubledInstruments : public BenchServices, public testing::WithParamInterface<Case> {
+protected:
+    // Does its work on the present link; true when that is done. Its component stays the same.
+    using Operation = std::function<bool(HRESULT* code)>;
+
+    Operation operation(const std::string& text) {
+        if (text.starts_with("script ")) return script(com::widen(text.substr(7)));
+        if (text == "terminal") return [this](HRESULT* code) { return beTyped(code); };
+        const auto* service = std::ranges::find(kServices, text, &Service::name);
+        const auto dialog = kelUtils().create<IKelModalDialog>(*service->component);
+        return [this, service, dialog](HRESULT* code) {
+            return serve(*service, dialog, link.Get(), code);
+        };
+    }
+
+    Operation script(const std::wstring& text) {
+        const auto preprocessor = kelUtils().create<IPreprocessorControl>(CLSID_Preprocessor);
+        preprocessor->put_ScriptPath(com::Bstr(folder_.path()).get());
+        return [this, preprocessor, text](HRESULT* code) {
+            told_.clear();
+            const std::wstring inner =
+                folder_.file(com::widen(kInner), "ver\r\n#WAIT_PROMPT 1\r\n");
+            preprocessor->put_Communicator(link.Get());
+            link->put_Preprocessor(preprocessor.Get());
+            VARIANT_BOOL hasRun = VARIANT_FALSE;
+            *code = preprocessor->PreprocessAndRun(com::Bstr(text).get(), &hasRun);
+            com::ComPtr<IScriptDiagnostics> all;
+            long count = 0;
+            preprocessor->get_Diagnostics(&all);
+            all->get_Count(&count);
+            for (long i = 0; i < count; ++i) {
+                com::ComPtr<IScriptDiagnostic> each;
+                com::Bstr message;
+                all->get_Item(i, &each);
+                each->get_Message(message.put());
+                told_.insert(com::narrow(message.view()));
+            }
+            isTold_ = count > 0;
+            link->put_Preprocessor(nullptr);
+            preprocessor->put_Communicator(nullptr);
+            DeleteFileW(inner.c_str());
+            return hasRun == VARIANT_TRUE;
+        };
+    }
+
+    // A command and its answer. That nothing comes is all that a terminal can tell.
+    bool beTyped(HRESULT* code) {
+        told_.clear();
+        stream->put_IdleProcessing(VARIANT_TRUE);
+        LiveTerminal terminal(link.Get());
+        VARIANT_BOOL isSent = VARIANT_FALSE;
+        *code = stream->WriteString(com::Bstr(L"ver").get(), VARIANT_TRUE, 0, &isSent);
+        const auto end = std::chrono::steady_clock::now() + milliseconds(300);
+        while (!terminal.text().ends_with(L"\r\n>") && std::chrono::steady_clock::now() < end) {
+            com::sleepUntilMessage(milliseconds(10));
+            com::runWaitingMessages();
+        }
+        gaveUp_ = true;
+        stream->put_IdleProcessing(VARIANT_FALSE);
+        // The terminal lets go of the port.
+        stream->put_EchoWindow(window.number());
+        return terminal.text().ends_with(L"\r\n>");
+    }
+
+    // On an instrument in a mood from its so manieth command on; then, with the same component, on
+    // a healthy one. False when the trouble came too late.
+    bool expectSurvived(const std::string& mood, int commands, std::uint32_t seed) {
+        const Step& step = GetParam().steps.front();
+        if (HasFailure()) return false;
+        SCOPED_TRACE(mood + " after " + std::to_string(commands) + ", seed " +
+                     std::to_string(seed));
+        const Operation work = operation(step.text());
+        InstrumentOptions options = instrument();
+        options.troubleAfter = commands;
+        options.seed = seed;
+        std::ranges::find(kMoods, mood, [](auto& row) { return row.name; })->set(options, commands);
+        setUp(options, L"50");
+        const std::size_t windows = countResources().windows;
+        patience_ = milliseconds(300);
+        HRESULT code = E_FAIL;
+        const bool isDone = work(&code);
+        if (code != S_OK) told_.insert(com::narrow(takeError().value().description));
+        EXPECT_TRUE(isDone || isTold_ || gaveUp_ || code != S_OK) << "nobody is told";
+        for (const std::string& each : told_)
+            EXPECT_TRUE(mayBeTold(each)) << escaped(each);
+        EXPECT_TRUE(isRestored(stream.Get()));
+        EXPECT_EQ(countResources().windows, windows);
+        hasAllFiles();
+        forgetOtherFiles();
+        if (HasFailure()) return false;
+
+        setUp(instrument(), L"2");
+        patience_.reset();
+        EXPECT_TRUE(work(&code)) << "it does not recover";
+        EXPECT_EQ(code, S_OK);
+        hasAllFiles();
+        return !isDone || !told_.empty();
+    }
+
+    // A line of what is expected, or its begin before "*".
+    bool mayBeTold(const std::string& text) const {
+        std::istringstream lines(GetParam().steps.front().expected);
+        for (std::string line; std::getline(lines, line);) {
+            const std::string wanted = unescaped(line);
+            if (wanted.ends_with('*') ? text.starts_with(wanted.substr(0, wanted.size() - 1))
+                                      : text == wanted)
+                return true;
+        }
+        return false;
+    }
+
+    // Names of the listing are garbled too.
+    void forgetOtherFiles() {
+        for (const std::wstring& name : folder_.names())
+            if (name != L"new.bin") DeleteFileW((folder_.path() + L"\\" + name).c_str());
+    }
+};
+
+// A setting is a mood and the number of commands that are answered before; where somebody has the
+// time there are all moods, all numbers, and some seeds.
+TEST_P(TroubledInstruments, AreSurvived) {
+    if (!std::getenv("KEL_EVERY_TROUBLE")) {
+        for (const std::string& setting : GetParam().steps.front().settings) {
+            std::istringstream words(setting);
+            std::string mood;
+            int commands = 0;
+            words >> mood >> commands;
+            expectSurvived(mood, commands, 1);
+        }
+    } else {
+        int last = 0;
+        while (expectSurvived("silent", last, 1) && last < kMostCommands)
+            ++last;
+        for (const auto& mood : kMoods)
+            for (int commands = 0; commands <= last; ++commands)
+                for (std::uint32_t seed = 1; seed <= (mood.name[0] == 'g' ? 3 : 1); ++seed)
+                    expectSurvived(mood.name, commands, seed);
+    }
+    expectNothingLeft();
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, TroubledInstruments, testing::ValuesIn(readCases(kTroubles)));
+
+}  // namespace
+}  // namespace kel::test
