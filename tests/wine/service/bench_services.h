@@ -75,7 +75,9 @@ inline const Service kServices[] = {
      &CLSID_CompassCalibDialog,
      L"Compass calibration",
      IDC_COMPASS_TEXT,
-     {{IDC_COMPASS_START}, {IDC_COMPASS_STOP, IDC_COMPASS_HEADING}, {IDC_COMPASS_START}},
+     {{IDC_COMPASS_START},
+      {IDC_COMPASS_STOP, IDC_COMPASS_HEADING},
+      {IDC_COMPASS_START, IDC_COMPASS_TEXT, L"Horizontal"}},
      0,
      1,
      "compass",
@@ -84,7 +86,7 @@ inline const Service kServices[] = {
 
 // How the status lines begin as long as nothing fails.
 inline constexpr const wchar_t* kOrdinary[] = {
-    L"Click", L"Loading",     L"The firmware is",          L"Verifying", L"Comparing", L"Reading",
+    L"Click", L"Loading",     L"The firmware is as",       L"Verifying", L"Comparing", L"Reading",
     L"Begin", L"Compass ini", L"The download is complete", L"Horizontal"};
 
 // The text of a message box.
@@ -159,7 +161,7 @@ protected:
         const auto hasFailed = [&] {
             const std::wstring status = shown(service.statusLine);
             const bool isOrdinary =
-                status.empty() ||
+                status.empty() || status == L"The firmware is loaded" ||
                 std::ranges::any_of(kOrdinary, [&](auto text) { return status.starts_with(text); });
             if (!isOrdinary) told_.insert(com::narrow(status));
             isTold_ = isTold_ || !isOrdinary;

@@ -84,7 +84,7 @@ TEST_P(BenchServicesTest, AReplayDoesTheSame) {
         com::ComPtr<IKelCommunicator> traced;
         ASSERT_EQ(session->Attach(isReplay ? nullptr : link.Get(), &traced), S_OK);
         HRESULT code = E_FAIL;
-        const bool isDone = serve(traced.Get(), &code);
+        const bool isDone = serve(GetParam(), traced.Get(), &code);
         const bool isAbsent = isReplay && !isTraced;
         EXPECT_EQ(code, isAbsent ? E_NOINTERFACE : S_OK);
         EXPECT_EQ(isDone, !isAbsent);
