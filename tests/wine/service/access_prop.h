@@ -40,16 +40,15 @@ public:
 protected:
     // Anew, since what it can do is asked only once.
     void install() { registerClass(stage_.link.around<IUnknown>(double_->controlling()).Get()); }
-
-    Stage& stage_;
-    com::ComPtr<Double> double_ = com::makeObject<Double>();
-
-private:
     void registerClass(IUnknown* object) {
         class_.reset();
         class_.emplace(identifier, object);
     }
 
+    Stage& stage_;
+    com::ComPtr<Double> double_ = com::makeObject<Double>();
+
+private:
     std::optional<ClassObject> class_;
 };
 

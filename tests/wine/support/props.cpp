@@ -20,6 +20,7 @@ namespace {
 // Answers as the other access objects, and besides:
 //
 //     uploader plain               takes one file and tells nothing
+//     uploader bare                is not traced: nothing stands between it and who listens
 //     uploader say TEXT            its events
 //     uploader progress 250 1000
 //     uploader late TEXT           to those who heard the last upload
@@ -35,6 +36,8 @@ public:
             double_ = com::makeObject<FakeUploader>();
             double_->isPlain = true;
             install();
+        } else if (word == "bare") {
+            registerClass(double_->controlling());
         } else if (word == "say") {
             double_->say(widened(rest));
         } else if (word == "late") {
