@@ -24,16 +24,10 @@ std::unique_ptr<Prop> makeProp(Stage& stage) {
 template <class Double, const CLSID& identifier>
 class AccessProp : public Prop {
 public:
-    explicit AccessProp(Stage& stage) {
-        class_.emplace(identifier, stage.link.around<IUnknown>(double_->controlling()).Get());
-    }
+    explicit AccessProp(Stage& stage) : stage_(stage) { install(); }
 
     void prepare(const std::string& line) override {
-        if (line == "none") {
-            class_.reset();
-            class_.emplace(identifier, nullptr);
-            return;
-        }
+        if (line == "none") return registerClass(nullptr);
         std::string rest = line;
         auto& answers = double_->answers[takeWord(rest)];
         answers.clear();
@@ -44,7 +38,15 @@ public:
     }
 
 protected:
-    const com::ComPtr<Double> double_ = com::makeObject<Double>();
+    // Anew, since what it can do is asked only once.
+    void install() { registerClass(stage_.link.around<IUnknown>(double_->controlling()).Get()); }
+    void registerClass(IUnknown* object) {
+        class_.reset();
+        class_.emplace(identifier, object);
+    }
+
+    Stage& stage_;
+    com::ComPtr<Double> double_ = com::makeObject<Double>();
 
 private:
     std::optional<ClassObject> class_;

@@ -2,12 +2,15 @@
 // The link's firmware uploader as a double.
 
 #include <functional>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "com/connection_point.h"
 #include "com/object.h"
 #include "com/variant.h"
 #include "interfaces/KelUtils.h"
+#include "tests/wine/service/answers.h"
 
 namespace kel::test {
 
@@ -17,38 +20,39 @@ class FakeUploader final
 public:
     static constexpr com::ClassDescription kClass{};
 
-    // What happens in the middle of an upload or a verification, and its answer.
-    std::function<bool()> onUpload = [] { return true; };
-    std::function<bool()> onVerify = [] { return true; };
+    Answers answers;
+    // What happens in the middle of an upload, where anything does.
+    std::function<void()> onUpload;
     // Takes one file, and tells nothing.
     bool isPlain = false;
 
+    bool isHeard() const { return events_.hasSinks(); }
     void say(std::wstring_view text) { events_.fire(1, {com::Variant(text)}); }
     void progress(long done, long total) {
         events_.fire(2, {com::Variant(done), com::Variant(total)});
     }
-    bool isHeard() const { return events_.hasSinks(); }
     // Tells those who heard the last upload, also when they have left, and gives their answers.
     std::vector<com::Variant> askFormerSinks(DISPID event, std::wstring_view text) {
         const com::Variant argument(text);
         VARIANTARG borrowed = argument.get();
         DISPPARAMS arguments{&borrowed, nullptr, 1, 0};
-        std::vector<com::Variant> answers;
+        std::vector<com::Variant> told;
         for (const auto& sink : std::exchange(uploadSinks_, {}))
-            sink->Invoke(event, IID_NULL, 0, DISPATCH_METHOD, &arguments,
-                         answers.emplace_back().put(), nullptr, nullptr);
-        return answers;
+            sink->Invoke(event, IID_NULL, 0, DISPATCH_METHOD, &arguments, told.emplace_back().put(),
+                         nullptr, nullptr);
+        return told;
     }
 
-    STDMETHODIMP Attach(IKelCommunicator*) override { return S_OK; }
+    STDMETHODIMP Attach(IKelCommunicator* link) override { return link_ = link, S_OK; }
     STDMETHODIMP put_PackageFile(VARIANT_BOOL) override { return S_OK; }
     STDMETHODIMP put_CompanionFile(BSTR) override { return S_OK; }
     STDMETHODIMP Upload(BSTR, VARIANT_BOOL, long, long, VARIANT_BOOL* result) override {
         uploadSinks_ = events_.sinks<IDispatch>();
-        return *result = onUpload() ? 1 : 0, S_OK;
+        if (onUpload) onUpload();
+        return answers.give("Upload", result);
     }
     STDMETHODIMP Verify(BSTR, VARIANT_BOOL, VARIANT_BOOL* result) override {
-        return *result = onVerify() ? 1 : 0, S_OK;
+        return answers.give("Verify", result);
     }
 
 protected:
@@ -59,6 +63,7 @@ protected:
     }
 
 private:
+    com::ComPtr<IKelCommunicator> link_;
     std::vector<com::ComPtr<IDispatch>> uploadSinks_;
 };
 

@@ -1,9 +1,18 @@
 // The kinds of doubles besides the link and its ports.
+#include <cderr.h>
+#include <commdlg.h>
+
+#include <cwchar>
+
+#include "com/text.h"
 #include "interfaces/link_classes.h"
 #include "tests/wine/service/access_prop.h"
 #include "tests/wine/service/fake_compass.h"
 #include "tests/wine/service/fake_pressure.h"
 #include "tests/wine/service/fake_recorder.h"
+#include "tests/wine/service/fake_uploader.h"
+#include "tests/wine/support/import_patch.h"
+#include "tests/wine/support/library.h"
 #include "tests/wine/support/stage.h"
 
 namespace kel::test {
@@ -40,13 +49,118 @@ private:
     const ClassObject collections_{link::kCollectionClass, [] { return makeCollection(false); }};
 };
 
+// Answers as the other access objects, and besides:
+//
+//     uploader plain               takes one file and tells nothing
+//     uploader bare                is not traced: nothing stands between it and who listens
+//     uploader say TEXT            its events
+//     uploader progress 250 1000
+//     uploader late TEXT           to those who heard the last upload
+//     uploader heard               tells whether anybody listens
+class UploaderProp final : public AccessProp<FakeUploader, link::kFirmwareUploaderClass> {
+public:
+    using AccessProp::AccessProp;
+
+    void prepare(const std::string& line) override {
+        std::string rest = line;
+        const std::string word = takeWord(rest);
+        if (word == "plain") {
+            double_ = com::makeObject<FakeUploader>();
+            double_->isPlain = true;
+            install();
+        } else if (word == "bare") {
+            registerClass(double_->controlling());
+        } else if (word == "say") {
+            double_->say(widened(rest));
+        } else if (word == "late") {
+            double_->askFormerSinks(1, widened(rest));
+        } else if (word == "progress") {
+            const long done = std::stol(takeWord(rest));
+            double_->progress(done, std::stol(rest));
+        } else if (word == "heard") {
+            stage_.transcript.tell(double_->isHeard() ? "heard" : "not heard");
+        } else {
+            AccessProp::prepare(line);
+        }
+    }
+};
+
+// "clock 52000": so many milliseconds have passed since the start of the system.
+class ClockProp final : public Prop {
+public:
+    explicit ClockProp(Stage&) {}
+    void prepare(const std::string& line) override { time_ = std::stoull(line); }
+
+private:
+    static ULONGLONG WINAPI tell() { return time_; }
+
+    static inline std::atomic<ULONGLONG> time_ = 0;
+    const ImportPatch clock_{kelUtils().module(), "GetTickCount64", reinterpret_cast<void*>(tell)};
+};
+
+// "platform as Windows": from now on the active dialog gets no Cancel in the name of a button that
+// is disabled, which Wine sends.
+class PlatformProp final : public Prop {
+public:
+    explicit PlatformProp(Stage&) {}
+    void prepare(const std::string& line) override {
+        if (line != "as Windows") throw std::invalid_argument("not understood: " + line);
+        original_ = reinterpret_cast<DLGPROC>(
+            SetWindowLongPtrW(GetActiveWindow(), DWLP_DLGPROC, reinterpret_cast<LONG_PTR>(behave)));
+    }
+
+private:
+    static INT_PTR CALLBACK behave(HWND window, UINT message, WPARAM wide, LPARAM longer) {
+        if (message == WM_COMMAND && wide == IDCANCEL && longer != 0 &&
+            !IsWindowEnabled(reinterpret_cast<HWND>(longer)))
+            return TRUE;
+        return original_(window, message, wide, longer);
+    }
+
+    static inline DLGPROC original_ = nullptr;
+};
+
+// "chooser as Windows": the platform's chooser of files refuses names with a bar, and what it is
+// asked is told: the name, the extension by default, the kinds of files.
+class ChooserProp final : public Prop {
+public:
+    explicit ChooserProp(Stage& stage) {
+        stage_ = &stage;
+        original_ = chooser_.original<decltype(GetOpenFileNameW)>();
+    }
+    void prepare(const std::string& line) override {
+        if (line != "as Windows") throw std::invalid_argument("not understood: " + line);
+    }
+
+private:
+    static BOOL WINAPI choose(OPENFILENAMEW* question) {
+        std::wstring asked = std::wstring(question->lpstrFile) + L"; " + question->lpstrDefExt;
+        for (const wchar_t* part = question->lpstrFilter; *part != L'\0'; part += wcslen(part) + 1)
+            asked.append(L"; ").append(part);
+        stage_->transcript.tell(com::narrow(asked, CP_UTF8));
+        return !wcschr(question->lpstrFile, L'|') && original_(question);
+    }
+    static DWORD WINAPI tellRefusal() { return FNERR_INVALIDFILENAME; }
+
+    static inline Stage* stage_ = nullptr;
+    static inline decltype(GetOpenFileNameW)* original_ = nullptr;
+    const ImportPatch chooser_{kelUtils().module(), "GetOpenFileNameW",
+                               reinterpret_cast<void*>(choose)};
+    const ImportPatch error_{kelUtils().module(), "CommDlgExtendedError",
+                             reinterpret_cast<void*>(tellRefusal)};
+};
+
 }  // namespace
 
 const std::map<std::string_view, std::unique_ptr<Prop> (*)(Stage&)>& propMakers() {
     static const std::map<std::string_view, std::unique_ptr<Prop> (*)(Stage&)> makers = {
+        {"chooser", makeProp<ChooserProp>},
+        {"clock", makeProp<ClockProp>},
         {"compass", makeProp<AccessProp<FakeCompass, link::kCompassAccessClass>>},
+        {"platform", makeProp<PlatformProp>},
         {"pressure", makeProp<AccessProp<FakePressure, link::kPressureAccessClass>>},
         {"recorder", makeProp<RecorderProp>},
+        {"uploader", makeProp<UploaderProp>},
     };
     return makers;
 }

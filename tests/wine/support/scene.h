@@ -64,6 +64,7 @@
 //     choose NAME TEXT|ROW…        in a box of choices; rows of a list, an item of a tree
 //     click|doubleclick|controlclick NAME ROW [box]
 //     close, message NAME, timer   WM_CLOSE, a registered message, a tick of timer 1
+//     command NAME                 the command of a control, be it disabled
 //     wait NAME TEXT               until the control shows this; "*" stands for any text
 //     told TEXT                    until this step tells something that begins so
 //     focus NAME                   until it has the focus

@@ -170,7 +170,8 @@ void Stage::play(const std::string& line) {
 // The link runs messages while it waits.
 void Stage::hold() {
     const auto end = std::chrono::steady_clock::now() + kLongestHold;
-    while (!held_.empty()) {
+    const std::string held = held_;
+    while (held_ == held) {
         if (std::chrono::steady_clock::now() > end) {
             ADD_FAILURE() << "held for ever: " << std::exchange(held_, {});
         }
@@ -356,7 +357,7 @@ std::string Stage::expanded(std::string line) {
     }
     if (line.find("$owner") != line.npos) {
         if (!owner_) {
-            owner_ = CreateWindowW(L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, 99, 99, nullptr,
+            owner_ = CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 99, 99, nullptr,
                                    nullptr, nullptr, nullptr);
         }
         replace(line, "$owner", std::to_string(HandleToLong(owner_)));

@@ -115,6 +115,7 @@ void User::act(const std::string& line) {
         {"click", [&] { this->click(rest, click, 0); }},
         {"doubleclick", [&] { this->click(rest, twice, 0); }},
         {"controlclick", [&] { this->click(rest, click, MK_CONTROL); }},
+        {"command", [&] { post(WM_COMMAND, static_cast<WPARAM>(identifierOf(rest))); }},
         {"close", [&] { post(WM_CLOSE); }},
         {"timer", [&] { driver_.send(driver_.window(), WM_TIMER, 1); }},
         {"message", [&] { post(RegisterWindowMessageW(widened(rest).c_str())); }},

@@ -111,7 +111,6 @@ TEST_F(TransparencyTest, EventsComeAsTheyWould) {
         for (const com::Variant& answer : inner->askFormerSinks(4, L"b"))
             answers += answer.toText() + " ";
         inner->say(L"");
-        return true;
     };
     const auto upload = [&](bool answer = true) {
         return heardUpload(createStream<IFirmwareUploader>(link::kFirmwareUploaderClass), answer);
