@@ -431,6 +431,8 @@ void MainWindow::runScript(const std::wstring& path) {
         throw host::Failure(host::ExitCode::kNoConnection, "Connect to an instrument first.");
     recent_.add(path);
     writeRecentScripts(recent_.paths());
+    // The terminal shows a new port from its next tick on; the first answers may be quicker.
+    com::check(host_->terminal()->put_Communicator(instrument_->link().Get()), host_->terminal());
     runner_->run(path);
     setPart(1, {});
     // The user wanted to close the window and has stopped the script for that.
