@@ -19,7 +19,9 @@ namespace {
 
 constexpr std::size_t kLongestFolder = 520;
 constexpr UINT_PTR kRunHereTimer = 1;
-constexpr UINT kRunHereDelay = 10;  // milliseconds
+constexpr UINT_PTR kListingTimer = 2;
+constexpr UINT kListingPeriod = 1000;  // milliseconds
+constexpr UINT kRunHereDelay = 10;     // milliseconds
 constexpr UINT kOnlyFolders = BIF_RETURNONLYFSDIRS | BIF_RETURNFSANCESTORS;
 
 com::Variant itemOf(const com::ComPtr<ICollection>& collection, long index) {
@@ -167,14 +169,30 @@ void RecorderWindow::readDirectory() {
     setText(IDC_RECORDER_FREE, L"");
     setText(IDC_RECORDER_STATE, L"Reading directory...");
     update();
+    listingStart_ = board_->start = GetTickCount();
+    // Its messages come where the recorder runs them while it reads.
+    SetTimer(window(), kListingTimer, kListingPeriod, nullptr);
     try {
         readFiles();
     } catch (...) {
+        KillTimer(window(), kListingTimer);
         setText(IDC_RECORDER_STATE, L"");
         throw;
     }
+    if (!listingText_.empty() && text(IDC_RECORDER_STATUS) == listingText_) showStatus({});
     setText(IDC_RECORDER_STATE, L"Ready");
     setText(IDC_RECORDER_TIME, L"");
+}
+
+// Where the recorder itself says something, that stays.
+void RecorderWindow::showListing(long listed, long total) {
+    if (text(IDC_RECORDER_STATUS) != listingText_) return;
+    const std::wstring now =
+        listingText(GetTickCount() - listingStart_, static_cast<std::uint32_t>(listed),
+                    static_cast<std::uint32_t>(total));
+    if (now.empty() || now == listingText_) return;
+    listingText_ = now;
+    showStatus(now);
 }
 
 void RecorderWindow::readFiles() {
@@ -190,6 +208,8 @@ void RecorderWindow::readFiles() {
     const ui::RedrawPause pause(control(IDC_RECORDER_LIST));
     RecorderRows list = rows();
     list.reserve(count);
+    KillTimer(window(), kListingTimer);
+    listingStart_ = GetTickCount();
     // The recorder may run the dialog's messages, and the user close it.
     for (long index = 0; index < count && !isClosing_; ++index) {
         const auto file = fileOf(itemOf(files, index));
@@ -197,6 +217,7 @@ void RecorderWindow::readFiles() {
         com::check(file->get_Name(name.put()), file);
         com::check(recorder_->SelectFile(name.get()), recorder_);
         list.add(std::wstring(name.view()), file);
+        showListing(index + 1, count);
     }
 }
 
@@ -371,7 +392,8 @@ std::optional<LRESULT> RecorderWindow::handle(UINT message, WPARAM, LPARAM longe
     }
 }
 
-void RecorderWindow::timer(UINT_PTR) {
+void RecorderWindow::timer(UINT_PTR identifier) {
+    if (identifier == kListingTimer) return showListing(0, 0);
     runHere();
 }
 

@@ -25,7 +25,7 @@ protected:
     void initialise() override;
     bool command(int control, int notification) override;
     std::optional<LRESULT> handle(UINT message, WPARAM wide, LPARAM longer) override;
-    void timer(UINT_PTR) override;
+    void timer(UINT_PTR identifier) override;
     void destroyed() override;
     int statusLine() const override;
 
@@ -41,6 +41,7 @@ private:
 
     void readDirectory();
     void readFiles();
+    void showListing(long listed, long total);
     void showSpace();
 
     void download();
@@ -77,6 +78,8 @@ private:
     com::ComPtr<ICollection> selection_;  // of the last download
     ReplaceDialog* question_ = nullptr;   // while it is asked
     Step next_;                           // to be done when what runs has ended
+    DWORD listingStart_ = 0;              // tick at which the present step of the listing began
+    std::wstring listingText_;            // on the status line
     bool isWorking_ = false;              // a handler that must not be entered again runs
     bool isWaiting_ = false;              // for the worker's end
     bool isAsking_ = false;               // whether to cancel

@@ -29,7 +29,7 @@ constexpr UINT kWatchInterval = 1000;
 constexpr int kMainWidth = 900;
 constexpr int kMainHeight = 600;
 constexpr int kRecentMenu = 3;                  // its place in the first menu
-constexpr int kStatusParts[] = {200, 500, -1};  // their right edges
+constexpr int kStatusParts[] = {200, 560, -1};  // their right edges
 
 constexpr TerminalColour kColours[] = {
     {&IKelTerminal::get_ForeColor, &IKelTerminal::put_ForeColor},
@@ -440,17 +440,10 @@ void MainWindow::runScript(const std::wstring& path) {
 }
 
 void MainWindow::followScript(host::ScriptEvent event, const host::EventArguments& arguments) {
-    switch (event) {
-        case host::kLineStarted:
-            runningLine_.begin(arguments.text(0), arguments.number(1));
-            return showLine();
-        case host::kDirectiveStarted:
-            runningLine_.waitFor(arguments.text(0), arguments.collection(1));
-            return showLine();
-        case host::kVariableSet:
-            return variables_->setRow({arguments.text(0), arguments.text(1)});
-        default:
-            return;
+    if (event == host::kVariableSet) {
+        variables_->setRow({arguments.text(0), arguments.text(1)});
+    } else if (runningLine_.follow(event, arguments)) {
+        showLine();
     }
 }
 

@@ -12,9 +12,9 @@
 #include "hosts/keldesk/instrument.h"
 #include "hosts/keldesk/list_window.h"
 #include "hosts/keldesk/model/desk_options.h"
-#include "hosts/keldesk/running_line.h"
 #include "hosts/keldesk/script_runner.h"
 #include "hosts/keldesk/terminal_host.h"
+#include "hosts/shared/running_line.h"
 #include "ui/model/recent_paths.h"
 
 namespace kel::keldesk {
@@ -76,7 +76,7 @@ private:
     std::unique_ptr<ListWindow> variables_;
     std::optional<Accelerators> accelerators_;
     ui::RecentPaths recent_;
-    RunningLine runningLine_;
+    host::RunningLine runningLine_;
     // A dialog of the library works with the instrument.
     bool isInDialog_ = false;
     // The user has closed the window while a script ran.

@@ -5,8 +5,9 @@
 
 namespace kel::kelrun {
 
-ConsoleEcho::ConsoleEcho(bool errorsOnly, Transcript* transcript)
+ConsoleEcho::ConsoleEcho(bool errorsOnly, RunStatus& status, Transcript* transcript)
     : errorsOnly_(errorsOnly),
+      status_(status),
       transcript_(transcript),
       output_(errorsOnly ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE) {}
 
@@ -40,6 +41,7 @@ void ConsoleEcho::take(std::u16string_view text) {
 }
 
 void ConsoleEcho::show(std::u16string_view text) {
+    status_.wipe();
     const std::string readable = text_.next(text);
     output_.write(errorsOnly_ ? errors_.next(readable) : readable);
 }

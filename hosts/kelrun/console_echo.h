@@ -7,6 +7,7 @@
 #include "hosts/kelrun/message_window.h"
 #include "hosts/kelrun/model/dialogue_text.h"
 #include "hosts/kelrun/model/transcript.h"
+#include "hosts/kelrun/run_status.h"
 #include "hosts/shared/console_output.h"
 
 namespace kel::kelrun {
@@ -15,8 +16,9 @@ namespace kel::kelrun {
 class ConsoleEcho final : public MessageWindow {
 public:
     // `errorsOnly` leaves the dialogue out, and shows on standard error what went wrong.
-    // `transcript` may be null; else it is given all texts, and must outlive this.
-    ConsoleEcho(bool errorsOnly, Transcript* transcript);
+    // `status` is wiped before anything is shown. `transcript` may be null; else it is given all
+    // texts. Both must outlive this.
+    ConsoleEcho(bool errorsOnly, RunStatus& status, Transcript* transcript);
 
     // Ends the line that is being shown, so that other words begin a new one.
     void finish();
@@ -30,6 +32,7 @@ private:
     void show(std::u16string_view text);
 
     bool errorsOnly_;
+    RunStatus& status_;
     Transcript* transcript_;
     ConsoleOutput output_;
     DialogueText text_;

@@ -6,8 +6,9 @@ using host::EventArguments;
 using host::ScriptEvent;
 
 RunEvents::RunEvents(const com::ComPtr<IPreprocessorControl>& preprocessor, const Trace& trace,
-                     Transcript* transcript, HostScript* script)
+                     RunStatus& status, Transcript* transcript, HostScript* script)
     : trace_(trace),
+      status_(status),
       transcript_(transcript),
       script_(script),
       events_(preprocessor, [this](ScriptEvent event, const EventArguments& arguments) {
@@ -25,6 +26,7 @@ void RunEvents::take(ScriptEvent event, const EventArguments& arguments) {
         place_ = {arguments.utf8(0), arguments.number(1)};
         trace_.setPosition(place_.file, static_cast<long>(place_.line));
     }
+    status_.follow(event, arguments);
     if (transcript_) tellTranscript(event, arguments);
 }
 

@@ -6,6 +6,7 @@
 
 #include "hosts/kelrun/host_script.h"
 #include "hosts/kelrun/model/transcript.h"
+#include "hosts/kelrun/run_status.h"
 #include "hosts/kelrun/trace.h"
 #include "hosts/shared/script_events.h"
 
@@ -19,10 +20,10 @@ struct ScriptPlace {
 // Listens to the preprocessor while it lives.
 class RunEvents {
 public:
-    // `transcript` and `script` may be null; else they are told what happens. All must outlive
-    // this. Throws com::Error.
+    // `transcript` and `script` may be null; else they are told what happens, as is `status`. All
+    // must outlive this. Throws com::Error.
     RunEvents(const com::ComPtr<IPreprocessorControl>& preprocessor, const Trace& trace,
-              Transcript* transcript, HostScript* script);
+              RunStatus& status, Transcript* transcript, HostScript* script);
 
     // The line that began last; line 0 when none has.
     const ScriptPlace& place() const { return place_; }
@@ -34,6 +35,7 @@ private:
 
     ScriptPlace place_;
     const Trace& trace_;
+    RunStatus& status_;
     Transcript* transcript_;
     HostScript* script_;
     host::ScriptEvents events_;

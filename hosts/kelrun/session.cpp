@@ -25,10 +25,11 @@ Session::Session(const com::ComPtr<IPreprocessorControl>& preprocessor, const Op
       communicator_(
           trace.link([&] { return create<IKelCommunicator>(options.link, kLinkRemedy); })),
       cancel_(preprocessor_),
-      echo_(options.quiet, transcript),
+      status_(!options.quiet),
+      echo_(options.quiet, status_, transcript),
       connection_(connect(options)),
       script_(script),
-      events_(preprocessor_, trace, transcript, script) {}
+      events_(preprocessor_, trace, status_, transcript, script) {}
 
 // The components are there when this begins, so the destructor parts them if it fails.
 Session::Session(const Options& options, const Preprocessor& preprocessor, const Trace& trace,
@@ -88,6 +89,7 @@ bool Session::wasCancelled() const {
 }
 
 bool Session::finishDialogue() {
+    status_.end();
     echo_.finish();
     return !echo_.isIncomplete();
 }

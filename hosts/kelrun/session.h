@@ -10,6 +10,7 @@
 #include "hosts/kelrun/model/transcript.h"
 #include "hosts/kelrun/preprocessor.h"
 #include "hosts/kelrun/run_events.h"
+#include "hosts/kelrun/run_status.h"
 #include "hosts/shared/connection.h"
 
 namespace kel::kelrun {
@@ -48,6 +49,7 @@ private:
     com::ComPtr<IPreprocessorControl> preprocessor_;
     com::ComPtr<IKelCommunicator> communicator_;
     CancelOnInterrupt cancel_;
+    RunStatus status_;
     ConsoleEcho echo_;
     Connection connection_;
     HostScript* script_;

@@ -15,6 +15,8 @@ std::wstring clock(std::uint32_t seconds) {
            digits(seconds % 60);
 }
 
+constexpr std::uint32_t kWorthTelling = 2000;  // milliseconds
+
 std::uint32_t unsignedOf(int number) {
     return static_cast<std::uint32_t>(number);
 }
@@ -41,6 +43,16 @@ std::wstring remainingTimeText(std::uint32_t elapsed, std::uint32_t done, std::u
 
 std::wstring doneText(std::uint32_t elapsed) {
     return L"Done : " + clock(elapsed / 1000);
+}
+
+std::wstring listingText(std::uint32_t elapsed, std::uint32_t listed, std::uint32_t total) {
+    if (elapsed < kWorthTelling) return {};
+    if (total == 0) return L"Reading the list of files, " + clock(elapsed / 1000) + L" so far";
+    const std::wstring text =
+        std::to_wstring(listed) + L" of " + std::to_wstring(total) + L" files listed";
+    if (listed == 0) return text;
+    const auto left = std::uint64_t{elapsed} * (total - listed) / listed;
+    return text + L", " + clock(static_cast<std::uint32_t>(left / 1000)) + L" remaining";
 }
 
 std::wstring fileDateText(int year, int month, int day) {

@@ -26,6 +26,11 @@ inline constexpr char kDefaultDownloadFolder[] = "C:\\KelData";
 std::wstring remainingTimeText(std::uint32_t elapsed, std::uint32_t done, std::uint32_t total);
 std::wstring doneText(std::uint32_t elapsed);
 
+// What there is to tell of a listing that has taken so many milliseconds: how many files are listed
+// of how many, and the time that is left; while their number is unknown, the time that has passed.
+// Empty in the first two seconds.
+std::wstring listingText(std::uint32_t elapsed, std::uint32_t listed, std::uint32_t total);
+
 std::wstring fileDateText(int year, int month, int day);
 std::wstring fileTimeText(int hour, int minute);
 

@@ -2,15 +2,16 @@
 #include <algorithm>
 
 #include "hosts/keldesk/model/desk_options.h"
-#include "hosts/keldesk/model/line_status.h"
 #include "hosts/keldesk/model/recent_menu.h"
 #include "hosts/kelregister/model/register_options.h"
 #include "hosts/kelrun/model/dialogue_text.h"
 #include "hosts/kelrun/model/options.h"
+#include "hosts/kelrun/model/status_line.h"
 #include "hosts/model/unicode.h"
 #include "hosts/shared/model/address.h"
 #include "hosts/shared/model/failure.h"
 #include "hosts/shared/model/hint.h"
+#include "hosts/shared/model/line_status.h"
 #include "hosts/shared/model/source_text.h"
 #include "hosts/trace/model/speed.h"
 #include "hosts/trace/model/trace_text.h"
@@ -118,11 +119,61 @@ const Subject kCaret("caret in a script", [](Words& words) {
 // Line 7 of a script: the seconds that have gone, and those of a wait, or of one that may end
 // earlier.
 const Subject kLineStatus("line that runs", [](Words& words) {
-    const auto elapsed = words.number<long>();
+    const std::chrono::seconds elapsed{words.number<long>()};
     const std::vector<std::string> wait = words.all();
-    std::optional<keldesk::Wait> waited;
-    if (!wait.empty()) waited = {std::stol(wait[0]), wait.size() > 1};
-    return narrow(keldesk::lineStatus(L"C:\\sea\\a.kel", 7, elapsed, waited));
+    std::optional<host::Wait> waited;
+    if (!wait.empty()) waited = {L"waiting", std::stol(wait[0]), wait.size() > 1};
+    return narrow(host::lineStatus(L"C:\\sea\\a.kel", 7, elapsed, waited));
+});
+
+// A screen of three rows, with a bar where the cursor is.
+struct SmallScreen final : kelrun::Screen {
+    std::size_t column() const override { return column_; }
+    std::size_t width() const override { return 12; }
+    void write(std::wstring_view text) override {
+        for (const wchar_t character : text) {
+            if (character != L'\n') rows_[row_].at(column_++) = character;
+            if (character != L'\n' && column_ < width()) continue;
+            column_ = 0;
+            if (++row_ < std::size(rows_)) continue;
+            std::ranges::copy(rows_ + 1, std::end(rows_), rows_);
+            rows_[--row_].assign(width(), L' ');
+        }
+    }
+    void moveUp(std::size_t rows, std::size_t column) override {
+        row_ -= rows;
+        column_ = column;
+    }
+    std::string shown() const {
+        std::wstring all;
+        for (const std::wstring& row : rows_) {
+            const bool isHere = &row == rows_ + row_;
+            std::wstring text = isHere ? row.substr(0, column_) + L"|" + row.substr(column_) : row;
+            text.erase(text.find_last_not_of(L' ') + 1);
+            all += text + L"/";
+        }
+        return narrow(all);
+    }
+
+private:
+    std::wstring rows_[3] = {std::wstring(12, L' '), std::wstring(12, L' '),
+                             std::wstring(12, L' ')};
+    std::size_t row_ = 0;
+    std::size_t column_ = 0;
+};
+
+// "dialogue" writes text where a slash is a line end, "status" shows one; both wipe what was there.
+const Subject kStatusLine("status on a console", [] {
+    const auto screen = std::make_shared<SmallScreen>();
+    return [screen, status = kelrun::StatusLine(*screen)](Words& words) mutable {
+        const bool isStatus = words.text() == "status";
+        const std::vector<std::string> text = words.all();
+        std::wstring shown = test::wide(text.empty() ? "" : text[0]);
+        std::ranges::replace(shown, L'/', L'\n');
+        if (!isStatus) status.wipe();
+        isStatus ? status.show(shown) : screen->write(shown);
+        return screen->shown();
+    };
 });
 
 // The readable text, which is the same however the text is cut. A tilde stands for U+0085.

@@ -73,6 +73,11 @@ const Subject kRemaining("remaining time of the recorder", [](Words& words) {
     return narrow(remainingTimeText(elapsed, done, words.number<std::uint32_t>()));
 });
 
+const Subject kListing("listing of the recorder", [](Words& words) {
+    const auto elapsed = words.number<std::uint32_t>(), listed = words.number<std::uint32_t>();
+    return narrow(listingText(elapsed, listed, words.number<std::uint32_t>()));
+});
+
 const Subject kDone("time of the recorder",
                     [](Words& words) { return narrow(doneText(words.number<std::uint32_t>())); });
 

@@ -180,8 +180,9 @@ TEST_F(KeldeskTest, SendsWhatIsTyped) {
 TEST_F(KeldeskTest, StaysLiveWhileAScriptWaitsAndAsksBeforeItStopsIt) {
     start(script("sernum\n#WAIT_OK 20\n#WAIT 600\n"));
     expectShown(L"Serial Number: D123");
-    EXPECT_TRUE(
-        waitUntil([&] { return status(1).starts_with(L"keldesk test.kel, line 2, at most 1"); }));
+    EXPECT_TRUE(waitUntil([&] {
+        return status(1).starts_with(L"keldesk test.kel, line 2, waiting for OK, at most 1");
+    })) << com::narrow(status(1));
     // The window answers, and a second run is refused.
     PostMessageW(window_, WM_COMMAND, IDM_VARIABLES, 0);
     waitForWindow(L"KelDeskList", L"Variables");

@@ -28,6 +28,26 @@ HANDLE WINAPI noThread(LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE, LP
     return nullptr;
 }
 
+TEST_P(RecorderDialogTest, TellsHowFarASlowListingIs) {
+    std::wstring shown;
+    recorder_->onCall = [&](const std::string& call) {
+        const HWND window = FindWindowW(nullptr, kRecorderCaption);
+        wchar_t text[80] = L"";
+        GetDlgItemTextW(window, IDC_RECORDER_STATUS, text, static_cast<int>(std::size(text)));
+        if (call == "SelectFile C.DAT") {
+            shown = text;
+        } else if (call.starts_with("SelectFile")) {
+            Sleep(1100);
+        }
+    };
+    show([](DialogDriver& driver) {
+        waitForText(driver, IDC_RECORDER_STATE, L"Ready");
+        EXPECT_EQ(driver.text(IDC_RECORDER_STATUS), L"");
+        close(driver);
+    });
+    EXPECT_EQ(shown, L"2 of 3 files listed, 00:00:01 remaining");
+}
+
 TEST_P(RecorderDialogTest, ShowsTheCard) {
     show([&](DialogDriver& driver) {
         std::wstring table;
