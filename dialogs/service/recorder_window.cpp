@@ -186,11 +186,10 @@ void RecorderWindow::readDirectory() {
 
 // Where the recorder itself says something, that stays.
 void RecorderWindow::showListing(long listed, long total) {
-    if (text(IDC_RECORDER_STATUS) != listingText_) return;
     const std::wstring now =
         listingText(GetTickCount() - listingStart_, static_cast<std::uint32_t>(listed),
                     static_cast<std::uint32_t>(total));
-    if (now.empty() || now == listingText_) return;
+    if (now.empty() || now == listingText_ || text(IDC_RECORDER_STATUS) != listingText_) return;
     listingText_ = now;
     showStatus(now);
 }
