@@ -1,5 +1,6 @@
 // What the host programs and the trace link decide.
 #include <algorithm>
+#include <memory>
 
 #include "hosts/keldesk/model/desk_options.h"
 #include "hosts/keldesk/model/recent_menu.h"
