@@ -21,7 +21,7 @@ std::string_view LineReader::takeLine() {
     if (!lineFeed_ || lineFeed_ < begin)
         lineFeed_ = begin + std::min(rest_.find('\n'), rest_.size());
     const std::string_view line(begin, static_cast<std::size_t>(lineFeed_ - begin));
-    const std::size_t size = std::min(line.find('\r'), line.size());
+    const std::size_t size = hasReturns_ ? std::min(line.find('\r'), line.size()) : line.size();
     rest_.remove_prefix(std::min(size + 1, rest_.size()));
     return line.substr(0, size);
 }

@@ -13,7 +13,9 @@ class LineReader {
 public:
     // Both must outlive the reader.
     LineReader(std::string_view text, const Characters& characters)
-        : rest_(text), characters_(characters) {}
+        : rest_(text),
+          hasReturns_(text.find('\r') != std::string_view::npos),
+          characters_(characters) {}
 
     // Nothing at the end of the text.
     std::optional<std::string_view> next();
@@ -24,6 +26,7 @@ private:
     std::optional<std::string_view> stripWideText(std::string_view line) const;
 
     std::string_view rest_;
+    bool hasReturns_;
     // The first one in the rest, or its end, once it was looked for.
     const char* lineFeed_ = nullptr;
     const Characters& characters_;

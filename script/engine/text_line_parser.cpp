@@ -49,12 +49,10 @@ std::optional<Record> parseSentLine(Parse& parse, std::string_view line) {
     };
 
     bool isInQuotes = false;
-    while (literalSize < rest.size()) {
+    while (true) {
+        literalSize = parse.characters.findMark(rest, literalSize);
+        if (literalSize == rest.size()) break;
         const char c = rest[literalSize];
-        if (!parse.characters.isMark(c)) {
-            ++literalSize;
-            continue;
-        }
         const bool isReference = !isInQuotes && c == '%';
         const bool isExpression = !isInQuotes && c == '#' && rest.substr(literalSize, 2) == "##";
         if (!isReference && !isExpression) {

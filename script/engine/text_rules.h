@@ -1,7 +1,9 @@
 #pragma once
 // What the engine has to know about the code page that scripts are written in.
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -34,8 +36,13 @@ public:
     bool isBlank(char c) const { return (classes_[index(c)] & kBlank) != 0; }
     bool hasLeadBytes() const { return hasLeadBytes_; }
     bool isDigit(char c) const { return c >= '0' && c <= '9'; }
-    // What may begin or end something in a line that is sent.
-    bool isMark(char c) const { return (classes_[index(c)] & kMark) != 0; }
+
+    // Where, from a position on, something may begin or end in a line that is sent; else its size.
+    std::size_t findMark(std::string_view text, std::size_t from) const {
+        const auto isMark = [this](char c) { return (classes_[index(c)] & kMark) != 0; };
+        const auto mark = std::find_if(text.begin() + from, text.end(), isMark);
+        return static_cast<std::size_t>(mark - text.begin());
+    }
 
     // Bytes of the character at `position`: 2 for a lead byte with its trail byte, else 1.
     std::size_t width(std::string_view text, std::size_t position) const {

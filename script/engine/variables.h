@@ -3,9 +3,10 @@
 
 #include <cstddef>
 #include <deque>
+#include <functional>
+#include <map>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 #include "script/engine/text_rules.h"
 
@@ -33,9 +34,13 @@ public:
     const Variable& operator[](std::size_t index) const { return variables_[index]; }
 
 private:
+    using Indices = std::map<std::string, std::size_t, std::less<>>;
+
+    Indices::const_iterator indexOf(std::string_view name) const;
+
     const TextRules& rules_;
     std::deque<Variable> variables_;
-    std::unordered_map<std::string, std::size_t> indexOfFolded_;
+    Indices indexOfFolded_;
 };
 
 }  // namespace kel::script
