@@ -86,9 +86,11 @@ make_test_prefix() {
 
 # Starts a server that stays, with Wine's helpers already running and holding no pipe of ours:
 # else each test would wait for the helpers that it started itself. One of them, the desktop, goes a
-# second after the last window; a program with a window of its own keeps it.
+# second after the last window; a program with a window of its own keeps it. A server that runs
+# already would not stay.
 start_server() {
-    without_locks wineserver -p >/dev/null 2>&1
+    stop_prefix "$WINEPREFIX"
+    without_locks wineserver -p >/dev/null 2>&1 || fail "the Wine server does not start"
     become_detached wine notepad >/dev/null 2>&1 &
     at_exit end_process "$!"
     run_wine regsvr32 /s scrrun.dll
