@@ -16,7 +16,7 @@ read_run_arguments() {
             set -- "${1%%=*}" "${1#*=}" "${@:2}"
         fi
         case $1 in
-            --port | --tcp | --baud | --app | --link | --var | --answer | --host | --script-path | --system-path | --transcript | --record | --replay | --speed)
+            --port | --tcp | --baud | --app | --link | --var | --answer | --host | --script-path | --system-path | --transcript | --report | --record | --replay | --speed)
                 (($# > 1)) || usage_error "$1 needs a value"
                 read_run_option "$1" "$2"
                 shift
@@ -56,7 +56,7 @@ read_run_option() {
             ;;
         --port) if [[ $2 == */* ]]; then device=$2; else port=$2; fi ;;
         --tcp) tcp=$2 ;;
-        --host | --script-path | --system-path | --transcript | --record) options+=("$1" "$(windows_path "$2")") ;;
+        --host | --script-path | --system-path | --transcript | --report | --record) options+=("$1" "$(windows_path "$2")") ;;
         *) options+=("$1" "$2") ;;
     esac
 }

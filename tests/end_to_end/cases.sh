@@ -275,6 +275,17 @@ test_closes_a_form_at_the_first_interrupt() {
     ! grep -q State: "$output" || give_up "went on after the interrupt"
 }
 
+# kel passes options on, but has to tell a value from the name of the script.
+test_kel_knows_which_options_take_a_value() {
+    local option count=0
+    while read -r option; do
+        "$kel_root/kel" run no.kel "$option" 2>"$errors" && give_up "a run without a script"
+        expect "$errors" "kel: $option needs a value..."
+        count=$((count + 1))
+    done < <(sed -nE 's/^    \{"(--[a-z-]+)", "[A-Z].*/\1/p' "$kel_root/hosts/kelrun/model/options.cpp")
+    ((count >= 14)) || give_up "only $count options were found"
+}
+
 # What a newcomer types; kel itself is tested nowhere else.
 test_runs_by_the_one_command() {
     code=0
