@@ -42,13 +42,15 @@ end_process() {
 }
 
 # Shows every 15 seconds how far a log has come, so that no minute is silent. Runs in a process
-# of its own and waits with a builtin: a `sleep` would outlive it.
+# of its own and waits with a builtin: a `sleep` would outlive it. Ends with the process that it
+# reports for, which may be one that nobody tidies up behind: report_progress LOG PROCESS
 report_progress() {
     local log=$1 idle last
     trap - EXIT
     exec {idle}<> <(:)
     while true; do
         read -r -t 15 -u "$idle" || true
+        kill -0 "$2" 2>/dev/null || return 0
         last=$(tail -n 1 -- "$log" 2>/dev/null | tr -d '\r' | cut -c 1-72)
         [[ -z $last ]] || say "  ... $last"
     done
@@ -56,13 +58,13 @@ report_progress() {
 
 # Runs a command with its output in a log: logged LABEL LOG COMMAND...
 logged() {
-    local label=$1 log=$2 code=0 reporter
+    local label=$1 log=$2 code=0 owner=$BASHPID reporter
     shift 2
     say "$label"
     mkdir -p -- "${log%/*}"
     printf '%q ' "$@" >"$log"
     echo >>"$log"
-    report_progress "$log" &
+    report_progress "$log" "$owner" &
     reporter=$!
     at_exit end_process "$reporter"
     without_locks "$@" >>"$log" 2>&1 || code=$?
