@@ -20,7 +20,8 @@ soak() {
 
 # Runs tests of a room in a soaking way: soak_part WHAT ROOM TESTS NAME=VALUE.
 soak_part() {
-    local what=$1 program=$kel_build/win32/tests/wine/$2/$2_wine_tests.exe log=$kel_build/log/soak-$2.log start=$SECONDS code=0
+    local what=$1 program=$kel_build/win32/tests/wine/$2/$2_wine_tests.exe start=$SECONDS code=0
+    local log=$kel_build/log/soak-$2-${3//[^A-Za-z]/}.log # a room may have several parts
     without_locks env "$4" wine "$program" --gtest_filter="$3" >"$log" 2>&1 || code=$?
     # A filter that fits nothing proves nothing.
     grep -q '^\[  PASSED  \] [1-9]' -- "$log" || code=1
