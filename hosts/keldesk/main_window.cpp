@@ -16,6 +16,7 @@
 #include "hosts/keldesk/settings.h"
 #include "hosts/keldesk/wide.h"
 #include "hosts/shared/error_text.h"
+#include "hosts/shared/full_path.h"
 #include "hosts/shared/model/failure.h"
 #include "hosts/shared/script_file.h"
 #include "hosts/shared/session.h"
@@ -123,7 +124,7 @@ void MainWindow::run(const DeskOptions& options) {
             connect(options.target);
         }
     });
-    if (!options.script.empty()) attempt([&] { runScript(wide(options.script)); });
+    if (!options.script.empty()) attempt([&] { runScript(host::fullPath(wide(options.script))); });
 
     MSG message;
     while (!isClosing_ && GetMessageW(&message, nullptr, 0, 0) > 0) {
@@ -424,8 +425,7 @@ void MainWindow::runScript(const std::wstring& path) {
     if (GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES) {
         recent_.remove(path);
         writeRecentScripts(recent_.paths());
-        throw host::Failure(host::ExitCode::kUsage,
-                            com::narrow(path, CP_UTF8) + " is not there any more");
+        throw host::Failure(host::ExitCode::kUsage, com::narrow(path, CP_UTF8) + " is not there");
     }
     if (!instrument_->isConnected())
         throw host::Failure(host::ExitCode::kNoConnection, "Connect to an instrument first.");

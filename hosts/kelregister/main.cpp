@@ -6,6 +6,7 @@
 #include "hosts/kelregister/server_library.h"
 #include "hosts/kelregister/user_classes.h"
 #include "hosts/shared/console_program.h"
+#include "hosts/shared/full_path.h"
 #include "hosts/shared/ole.h"
 #include "hosts/shared/program_folder.h"
 
@@ -18,19 +19,11 @@ using host::ExitCode;
 
 constexpr wchar_t kDefaultLibrary[] = L"KelUtils.dll";
 
-std::wstring fullPath(const std::string& name) {
-    const std::wstring given = com::widen(name, CP_UTF8);
-    std::wstring path(0x8000, L'\0');
-    const DWORD size =
-        GetFullPathNameW(given.c_str(), static_cast<DWORD>(path.size()), path.data(), nullptr);
-    return size == 0 || size >= path.size() ? given : path.substr(0, size);
-}
-
 std::vector<std::wstring> libraryPaths(const RegisterOptions& options) {
     if (options.libraries.empty()) return {host::programFolder() + kDefaultLibrary};
     std::vector<std::wstring> paths;
     for (const std::string& name : options.libraries)
-        paths.push_back(fullPath(name));
+        paths.push_back(host::fullPath(com::widen(name, CP_UTF8)));
     return paths;
 }
 

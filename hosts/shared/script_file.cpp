@@ -9,6 +9,7 @@
 #include "com/text.h"
 #include "com/text_file.h"
 #include "hosts/shared/error_text.h"
+#include "hosts/shared/full_path.h"
 #include "hosts/shared/model/failure.h"
 
 namespace kel::host {
@@ -77,13 +78,6 @@ std::wstring decode(const Reader& file) {
     } catch (const std::invalid_argument& reason) {
         file.refuse(reason.what());
     }
-}
-
-std::wstring fullPath(const std::wstring& path) {
-    std::wstring full(GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
-    full.resize(
-        GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
-    return full;
 }
 
 }  // namespace
