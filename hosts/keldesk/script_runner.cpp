@@ -51,13 +51,18 @@ void ScriptRunner::list(const std::vector<host::Diagnostic>& found, const std::w
                         wide(one.file)});
     }
     findings_.setRows(rows);
-    if (!rows.empty()) findings_.show();
+}
+
+void ScriptRunner::show(const std::vector<host::Diagnostic>& found, const std::wstring& path,
+                        const host::ScriptFile& script) {
+    list(found, path, script);
+    if (!found.empty()) findings_.show();
 }
 
 void ScriptRunner::check(const std::wstring& path) {
     const host::ScriptFile script = host::readScript(com::narrow(path, CP_UTF8));
     const auto found = instrument_.check(path, script.text);
-    list(found, path, script);
+    show(found, path, script);
     const std::size_t errors = errorsAmong(found);
     say_(wide(script.name) + L": " + counted(errors, L"error", L"errors") + L", " +
          counted(found.size() - errors, L"warning", L"warnings"));
@@ -67,8 +72,9 @@ void ScriptRunner::run(const std::wstring& path) {
     const host::ScriptFile script = host::readScript(com::narrow(path, CP_UTF8));
     const std::wstring name = wide(script.name);
     const auto found = instrument_.check(path, script.text);
+    list(found, path, script);
     if (const std::size_t errors = errorsAmong(found)) {
-        list(found, path, script);
+        findings_.show();
         const std::wstring question =
             name + L" has " + counted(errors, L"error", L"errors") + L". Run it in spite of that?";
         if (MessageBoxW(owner_, question.c_str(), L"KelDesk",
@@ -95,7 +101,7 @@ std::wstring ScriptRunner::runToEnd(const std::wstring& path, const host::Script
         return name + L" was cancelled after " + seconds(std::chrono::steady_clock::now() - begin);
     auto wrong = instrument_.lastRun();
     if (!reason.empty()) wrong.push_back({com::narrow(path, CP_UTF8), 0, 0, true, reason});
-    list(wrong, path, script);
+    show(wrong, path, script);
     return name + L" stopped on an error";
 }
 

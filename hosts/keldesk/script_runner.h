@@ -19,16 +19,20 @@ public:
                  std::function<void(const std::wstring& text)> say);
 
     // Checks a script first: one with errors runs only if the user says so. What is wrong, before
-    // or after, is listed. Throw host::Failure (no such file), com::Error.
+    // or after, is listed, and shown unless it is only warnings of a script that goes on to run.
+    // Throw host::Failure (no such file), com::Error.
     void run(const std::wstring& path);
     void check(const std::wstring& path);
 
-    // Shows the list of the last check or run again.
+    // Shows the list of the last check or run.
     void showFindings() { findings_.show(); }
 
 private:
     std::wstring runToEnd(const std::wstring& path, const host::ScriptFile& script);
     void list(const std::vector<host::Diagnostic>& found, const std::wstring& path,
+              const host::ScriptFile& script);
+    // The same, and opens the window where there is something.
+    void show(const std::vector<host::Diagnostic>& found, const std::wstring& path,
               const host::ScriptFile& script);
 
     Instrument& instrument_;

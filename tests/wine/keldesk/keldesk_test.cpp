@@ -44,7 +44,8 @@ protected:
         startup.cb = sizeof startup;
         PROCESS_INFORMATION started{};
         ASSERT_TRUE(CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                                   nullptr, &startup, &started));
+                                   std::filesystem::temp_directory_path().c_str(), &startup,
+                                   &started));
         CloseHandle(started.hThread);
         process_ = com::FileHandle(started.hProcess);
         identifier_ = started.dwProcessId;
@@ -124,6 +125,15 @@ protected:
     HWND window_ = nullptr;
 };
 
+// The script that keldesk offers first.
+std::wstring firstRecent() {
+    wchar_t paths[4096] = L"";
+    DWORD size = sizeof paths;
+    RegGetValueW(HKEY_CURRENT_USER, L"Software\\KelDesk", L"RecentScripts", RRF_RT_REG_MULTI_SZ,
+                 nullptr, paths, &size);
+    return paths;
+}
+
 std::wstring clipboardText() {
     if (!OpenClipboard(nullptr)) return {};
     const HANDLE data = GetClipboardData(CF_UNICODETEXT);
@@ -196,12 +206,19 @@ TEST_F(KeldeskTest, StaysLiveWhileAScriptWaitsAndAsksBeforeItStopsIt) {
 }
 
 TEST_F(KeldeskTest, ListsWhatIsWrong) {
-    start(script("@x=nosuch()\n"));
+    const std::wstring path = script("@x=nosuch()\n");
+    start(std::filesystem::path(path).filename());
     const HWND list = waitForWindow(L"KelDeskList", L"Errors and warnings");
     PostMessageW(list, WM_CLOSE, 0, 0);
     EXPECT_TRUE(waitUntil([&] { return !IsWindowVisible(list); }));
     PostMessageW(window_, WM_COMMAND, IDM_FINDINGS, 0);
     EXPECT_EQ(waitForWindow(L"KelDeskList", L"Errors and warnings"), list);
+    EXPECT_EQ(firstRecent(), path);
+    script("@x=\"1\"\n");
+    PostMessageW(window_, WM_COMMAND, IDM_RECENT_FIRST, 0);
+    EXPECT_TRUE(
+        waitUntil([&] { return status(2).starts_with(L"keldesk test.kel ran to its end"); }));
+    EXPECT_EQ(SendMessageW(GetWindow(list, GW_CHILD), LVM_GETITEMCOUNT, 0, 0), 0);
     PostMessageW(window_, WM_CLOSE, 0, 0);
     expectExit(0);
 }
