@@ -5,19 +5,35 @@
 #include <iterator>
 
 namespace kel::keldesk {
+namespace {
 
-std::wstring askForFile(HWND owner, const wchar_t* title, const wchar_t* filter, bool isToSave) {
+DWORD flagsFor(FileUse use) {
+    switch (use) {
+        case FileUse::kRead:
+            return OFN_FILEMUSTEXIST;
+        case FileUse::kAppend:
+            return OFN_PATHMUSTEXIST;
+        case FileUse::kReplace:
+            return OFN_PATHMUSTEXIST | OFN_OVERWRITEPROMPT;
+    }
+    return 0;
+}
+
+}  // namespace
+
+std::wstring askForFile(HWND owner, const FileQuestion& asked) {
     wchar_t path[32768] = L"";
     OPENFILENAMEW question{};
     question.lStructSize = sizeof question;
     question.hwndOwner = owner;
-    question.lpstrFilter = filter;
+    question.lpstrFilter = asked.filter;
     question.lpstrFile = path;
     question.nMaxFile = static_cast<DWORD>(std::size(path));
-    question.lpstrTitle = title;
-    question.Flags = OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_EXPLORER |
-                     (isToSave ? OFN_PATHMUSTEXIST : OFN_FILEMUSTEXIST);
-    const BOOL chosen = isToSave ? GetSaveFileNameW(&question) : GetOpenFileNameW(&question);
+    question.lpstrTitle = asked.title;
+    question.lpstrDefExt = asked.extension;
+    question.Flags = OFN_HIDEREADONLY | OFN_NOCHANGEDIR | OFN_EXPLORER | flagsFor(asked.use);
+    const BOOL chosen =
+        asked.use == FileUse::kRead ? GetOpenFileNameW(&question) : GetSaveFileNameW(&question);
     return chosen ? path : L"";
 }
 

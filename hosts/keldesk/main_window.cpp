@@ -215,10 +215,7 @@ void MainWindow::command(int command) {
             return service([&] { return showRecorder(window_, instrument_->link()); });
         case IDM_COMPASS:
             return service([&] {
-                const std::wstring report =
-                    askForFile(window_, L"Report of the calibration (Cancel: none)",
-                               L"Reports (*.html)\0*.html\0All files (*.*)\0*.*\0", true);
-                return calibrateCompass(window_, instrument_->link(), report);
+                return calibrateCompass(window_, instrument_->link(), askForFile(window_, kReport));
             });
         case IDM_DISCONNECT:
             return disconnect(L"Disconnected");
@@ -413,8 +410,7 @@ void MainWindow::showConnection() {
 
 void MainWindow::askForScript(bool isToRun) {
     if (isRunning()) return say(L"A script is running");
-    const std::wstring path = askForFile(window_, isToRun ? L"Run script" : L"Check script",
-                                         L"Scripts (*.kel)\0*.kel\0All files (*.*)\0*.*\0", false);
+    const std::wstring path = askForFile(window_, isToRun ? kScriptToRun : kScriptToCheck);
     if (path.empty()) return;
     if (isToRun) return runScript(path);
     runner_->check(path);
@@ -454,8 +450,7 @@ void MainWindow::showLine() {
 void MainWindow::toggleLog() {
     std::wstring path;
     if (instrument_->logFile().empty()) {
-        path = askForFile(window_, L"Log to file",
-                          L"Log files (*.log)\0*.log\0All files (*.*)\0*.*\0", true);
+        path = askForFile(window_, kLog);
         if (path.empty()) return;
     }
     instrument_->setLogFile(path);

@@ -4,6 +4,8 @@
 #include <winsock2.h>
 
 #include <commctrl.h>
+#include <commdlg.h>
+#include <dlgs.h>
 
 #include <filesystem>
 #include <fstream>
@@ -249,6 +251,16 @@ TEST_F(KeldeskTest, BeginsWithASessionThatMayBeAFile) {
     answer(L"Connect to serial port", IDCANCEL);
     PostMessageW(window_, WM_CLOSE, 0, 0);
     expectExit(0);
+}
+
+TEST_F(KeldeskTest, AsksBeforeItReplacesAReport) {
+    const std::wstring path = script("kept");
+    start();
+    PostMessageW(window_, WM_COMMAND, IDM_COMPASS, 0);
+    const HWND dialog = waitForWindow(L"#32770", L"Report of the calibration (Cancel: none)");
+    SendMessageW(inside(dialog, cmb13), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
+    PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+    EXPECT_TRUE(waitUntil([&] { return IsWindow(dialog) && !IsWindowEnabled(dialog); }));
 }
 
 }  // namespace
