@@ -48,10 +48,15 @@ void Instrument::adopt() {
     com::ComPtr<IKelStream> port;
     com::check(link_->get_Port(&port), link_);
     stream_ = port;
+}
+
+void Instrument::prepare() {
     if (!stream_) return;
     // Waits of scripts dispatch the messages of the window.
     com::check(stream_->put_IdleProcessing(VARIANT_TRUE), stream_);
-    com::check(stream_->put_LogFile(com::Bstr(logFile_).get()), stream_);
+    const std::wstring path = std::exchange(logFile_, {});
+    com::check(stream_->put_LogFile(com::Bstr(path).get()), stream_);
+    logFile_ = path;
 }
 
 void Instrument::disconnect() {

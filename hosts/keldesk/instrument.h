@@ -30,6 +30,9 @@ public:
     void connect(const host::Target& target);
     // Takes what a dialog has connected the link with, or nothing. Throws com::Error.
     void adopt();
+    // Makes a new connection ready for scripts and goes on with the log, which is given up where it
+    // does not open. Throws com::Error.
+    void prepare();
     void disconnect();
     bool isConnected() const { return stream_ != nullptr; }
     // "COM3, 9600 baud", or a network address; empty without a connection.

@@ -320,9 +320,10 @@ void MainWindow::connect(const host::Target& target) {
         say(L"Not connected");
         throw;
     }
-    host::rememberConnection(instrument_->link(), kApplicationName);
     say(L"Connected");
     showConnection();
+    host::rememberConnection(instrument_->link(), kApplicationName);
+    instrument_->prepare();
 }
 
 void MainWindow::beginNewSession() {
@@ -341,12 +342,17 @@ void MainWindow::connectBy(const std::function<bool()>& dialog) {
     try {
         if (dialog()) say(L"Connected");
     } catch (...) {
-        instrument_->adopt();
-        showConnection();
+        adopt();
         throw;
     }
+    adopt();
+}
+
+// What fails here leaves the connection, and it is shown.
+void MainWindow::adopt() {
     instrument_->adopt();
     showConnection();
+    instrument_->prepare();
 }
 
 void MainWindow::service(const std::function<bool()>& dialog) {

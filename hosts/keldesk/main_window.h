@@ -46,6 +46,7 @@ private:
     void connect(const host::Target& target);
     void beginNewSession();
     void connectBy(const std::function<bool()>& dialog);
+    void adopt();
     void service(const std::function<bool()>& dialog);
     void showFile(const std::wstring& path);
     void disconnect(const wchar_t* why);
