@@ -13,18 +13,22 @@ endfunction()
 
 # kel_ship(name description)
 # Makes a program or library ready for those who use it: with its version as a resource and
-# as KEL_VERSION, and its symbols in a file of their own beside it, NAME.debug, which debuggers
-# find by its name.
+# as KEL_VERSION, a program with its manifest, and its symbols in a file of their own beside it,
+# NAME.debug, which debuggers find by its name.
 function(kel_ship name description)
     set(resource "${CMAKE_CURRENT_BINARY_DIR}/${name}_version.rc")
     get_target_property(type ${name} TYPE)
     set(file "${name}.exe")
     set(file_type VFT_APP)
+    set(manifest "${PROJECT_SOURCE_DIR}/resources/program.manifest")
+    set(manifest_resource "CREATEPROCESS_MANIFEST_RESOURCE_ID RT_MANIFEST \"${manifest}\"")
     if(type STREQUAL "SHARED_LIBRARY")
         set(file "${name}.dll")
         set(file_type VFT_DLL)
+        set(manifest_resource "")
     endif()
     configure_file("${PROJECT_SOURCE_DIR}/resources/version.rc.in" "${resource}" @ONLY)
+    set_property(SOURCE "${resource}" APPEND PROPERTY OBJECT_DEPENDS "${manifest}")
     target_sources(${name} PRIVATE "${resource}")
     target_compile_definitions(${name} PRIVATE "KEL_VERSION=\"${PROJECT_VERSION}\"")
     # It would write the present date into the files.

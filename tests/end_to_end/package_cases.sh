@@ -128,6 +128,8 @@ test_programs_are_moved_in_memory_and_need_the_system_alone() {
         done < <(sed -n 's/^.*DLL Name: //p' "$output")
         i686-w64-mingw32-objdump -h "$kel_build/win32/$program" | grep CODE >"$output"
         ! grep -v READONLY "$output" || give_up "writable code in $program"
+        [[ $program == *.dll ]] || grep -aq '<requestedExecutionLevel level="asInvoker"' "$kel_build/win32/$program" ||
+            give_up "no manifest in $program"
     done
     i686-w64-mingw32-objdump -p "$kel_build/win32/server/KelUtils.dll" | sed -n 's/^.*\[ *[0-9]*\] \(Dll\)/\1/p' |
         diff - <(printf 'Dll%s\n' CanUnloadNow GetClassObject RegisterServer UnregisterServer) >&2 ||

@@ -111,11 +111,12 @@ test_needs_no_registration_beside_the_manifest() {
     expect "$output" "KelUtils: made known by $(windows_path "$folder/KelUtils.manifest")" \
         "  $(windows_path "$folder/KelUtils.dll"), version..." 'All is well.'
     rm -- "$folder/KelUtils.manifest"
-    printf '<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0">%s</assembly>' \
-        "$(blocks xml "$kel_root/docs/hosting.md" | grep -v '^-- ')" >"$folder/kelrun.exe.manifest"
+    # In the place of the program's own manifest.
+    printf "%-$(stat -c %s "$kel_root/resources/program.manifest")s" \
+        "<assembly xmlns='urn:schemas-microsoft-com:asm.v1' manifestVersion='1.0'>$(blocks xml "$kel_root/docs/hosting.md" | grep -v '^-- ')</assembly>" |
+        dd of="$KEL_RUN" bs=1 seek="$(grep -obaF '<?xml version' "$KEL_RUN" | cut -d: -f1)" conv=notrunc status=none
     kelrun 0 --diagnose
     expect "$output" "KelUtils: made known by $(windows_path "$folder/KelUtils.dll")" 'All is well.'
-    rm -- "$folder/kelrun.exe.manifest"
     printf '<' >"$folder/KelUtils.manifest"
     kelrun 5 "$(script set.kel '@x="1"\n')"
     expect_only_error "kelrun: $(windows_path "$folder/KelUtils.manifest"): ..."
