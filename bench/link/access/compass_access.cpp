@@ -1,9 +1,19 @@
 #include "bench/link/access/compass_access.h"
 
+#include <algorithm>
+
 #include "bench/link/access/dialogue.h"
 #include "bench/link/model/answers.h"
 
 namespace kel::bench {
+namespace {
+
+// What is no score, at either end, stays none in a type that may not hold all of it.
+long scoreOf(double number) {
+    return static_cast<long>(std::clamp(number, -1.0, 10.0));
+}
+
+}  // namespace
 
 HRESULT CompassAccess::get_Present(VARIANT_BOOL* present) {
     return operation([&] { com::out(present) = com::variantBool(isPresent_); });
@@ -71,8 +81,8 @@ HRESULT CompassAccess::ReadScores(long* horizontal, long* vertical, double* fiel
         if (!answer.starts_with(kName)) return false;
         const auto scores = leadingNumbers(std::string_view(answer).substr(kName.size()), 3);
         if (!scores) return false;
-        *horizontal = static_cast<long>((*scores)[0]);
-        *vertical = static_cast<long>((*scores)[1]);
+        *horizontal = scoreOf((*scores)[0]);
+        *vertical = scoreOf((*scores)[1]);
         *field = (*scores)[2];
         return true;
     });

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <string>
 
 namespace kel::bench {
@@ -29,7 +30,8 @@ std::string_view takeFirstWord(std::string_view& text) {
 }
 
 std::optional<double> decimalNumber(std::string_view word) {
-    return numberOf<double>(word, std::chars_format::fixed);
+    const auto number = numberOf<double>(word, std::chars_format::fixed);
+    return number && std::isfinite(*number) ? number : std::nullopt;
 }
 
 std::optional<std::int64_t> wholeNumber(std::string_view word, int base) {

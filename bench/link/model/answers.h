@@ -12,7 +12,7 @@ namespace kel::bench {
 // Takes the first word of a text, up to a blank.
 std::string_view takeFirstWord(std::string_view& text);
 
-// The number that a word is, whatever the locale.
+// The number that a word is, whatever the locale; a decimal one is finite.
 std::optional<double> decimalNumber(std::string_view word);
 std::optional<std::int64_t> wholeNumber(std::string_view word, int base = 10);
 

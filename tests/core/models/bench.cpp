@@ -1,6 +1,7 @@
 // What the bench's link and its gateway decide.
 #include "bench/checksum.h"
 #include "bench/instrument/gateway.h"
+#include "bench/link/model/answers.h"
 #include "bench/link/model/card_listing.h"
 #include "bench/link/model/file_name.h"
 #include "bench/link/model/firmware_file.h"
@@ -20,6 +21,15 @@ const Subject kListing("line of a listing", [](Words& words) -> std::string {
          {entry->year, entry->month, entry->day, entry->hour, entry->minute, entry->second})
         shown += " " + std::to_string(part);
     return shown + " " + entry->name;
+});
+
+const Subject kNumbers("three numbers that lead a line", [](Words& words) -> std::string {
+    const auto numbers = leadingNumbers(words.line(), 3);
+    if (!numbers) return "refused";
+    std::string shown;
+    for (const double number : *numbers)
+        shown += std::to_string(number) + ";";
+    return shown;
 });
 
 const Subject kProgress("progress in 32 bits", [](Words& words) {
