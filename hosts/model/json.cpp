@@ -1,6 +1,7 @@
 #include "hosts/model/json.h"
 
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 
 #include "hosts/model/unicode.h"
@@ -44,6 +45,10 @@ void writeText(std::string& line, std::u16string_view text) {
 }
 
 void writeNumber(std::string& line, double number) {
+    if (!std::isfinite(number)) {
+        line += "null";
+        return;
+    }
     char digits[32];
     const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
     const std::string_view text(digits, static_cast<std::size_t>(end - digits));

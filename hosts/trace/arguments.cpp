@@ -1,6 +1,7 @@
 #include "hosts/trace/arguments.h"
 
 #include <cstring>
+#include <limits>
 #include <new>
 
 #include "com/error.h"
@@ -138,7 +139,7 @@ void fromJson(const Json& json, long& number) {
 }
 
 void fromJson(const Json& json, double& number) {
-    number = json.number();
+    number = json.isNull() ? std::numeric_limits<double>::quiet_NaN() : json.number();
 }
 
 void fromJson(const Json& json, unsigned char& number) {

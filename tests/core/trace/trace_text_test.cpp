@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "hosts/trace/model/trace_text.h"
 
 namespace kel::trace {
@@ -34,7 +36,8 @@ TEST(TraceText, EventsComeBack) {
               "{\"t\":1.0,\"call\":12,\"object\":\"link1\",\"interface\":\"IKelCommunicator\","
               "\"method\":\"SendCommand\",\"in\":[\"start\",false,-3,null,{\"bytes\":\"00ff\"}],"
               "\"compared\":false,\"file\":\"deploy.kel\",\"line\":7}");
-    const CallEnded end{12, 0x80004005, {1, true}, PublishedError{u"gone", u"Link", "{1}"}, 5};
+    const CallEnded end{
+        12, 0x80004005, {1, true, std::nan("")}, PublishedError{u"gone", u"Link", "{1}"}, 5};
     const std::string ended = toLine({2.1234567, end});
     for (const auto& line :
          {started, ended, toLine({3, CallbackStarted{"link1", u"#WAIT\r\n"}}),
