@@ -168,7 +168,8 @@ ProgramOptions parseOptions(int argumentCount, char** arguments) {
     auto fault = GatewayFault::kNone;
     ::opterr = 0;
     for (;;) {
-        const int which = ::getopt_long(argumentCount, arguments, ":", kOptions, nullptr);
+        const int place = ::optind;
+        const int which = ::getopt_long(argumentCount, arguments, "+:", kOptions, nullptr);
         if (which == -1) break;
         switch (which) {
             case kPty:
@@ -254,7 +255,7 @@ ProgramOptions parseOptions(int argumentCount, char** arguments) {
                 return options;
             default:
                 throw UsageError((which == ':' ? "missing value of " : "unknown option ") +
-                                 std::string(arguments[::optind - 1]));
+                                 std::string(arguments[place]));
         }
     }
     if (::optind < argumentCount) {

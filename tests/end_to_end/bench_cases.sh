@@ -138,5 +138,6 @@ test_an_instrument_refuses_what_it_cannot_serve() {
 1 --pty --state broken
 0 --help
 ROWS
+    grep -qF 'unknown option -xy ' < <("$KEL_VIRTUAL_INSTRUMENT" --pty -xy 2>&1) || give_up "another option is named"
     [[ -f occupied && ! -L occupied ]] || give_up "a file was replaced"
 }
