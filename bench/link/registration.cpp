@@ -6,6 +6,7 @@
 #include "bench/link/registry_key.h"
 #include "com/error.h"
 #include "com/module.h"
+#include "com/text.h"
 
 namespace kel::bench {
 namespace {
@@ -29,10 +30,6 @@ struct Names {
     std::wstring description;
 };
 
-bool equalIgnoringCase(const std::wstring& left, const std::wstring& right) {
-    return lstrcmpiW(left.c_str(), right.c_str()) == 0;
-}
-
 std::wstring withoutQuotes(std::wstring path) {
     if (path.size() >= 2 && path.front() == L'"' && path.back() == L'"') {
         path = path.substr(1, path.size() - 2);
@@ -54,7 +51,7 @@ std::wstring fileName(const std::wstring& path) {
 }
 
 bool isForeign(const std::wstring& server) {
-    return !equalIgnoringCase(fileName(server), fileName(com::modulePath()));
+    return !com::sameName(fileName(server), fileName(com::modulePath()));
 }
 
 void writeClass(const Names& names) {
@@ -91,7 +88,7 @@ void unregisterClasses(std::span<const com::ClassRow> table) {
     for (const com::ClassRow& row : table) {
         const Names names(row);
         const auto server = serverOf(names);
-        if (!server || !equalIgnoringCase(*server, com::modulePath())) continue;
+        if (!server || !com::sameName(*server, com::modulePath())) continue;
         RegistryKey::remove(names.program);
         RegistryKey::remove(names.independentProgram);
         RegistryKey::remove(names.classKey);

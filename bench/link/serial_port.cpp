@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "com/error.h"
+#include "com/text.h"
 
 namespace kel::bench {
 namespace {
@@ -26,9 +27,9 @@ constexpr Parity kParities[] = {{L"NONE", NOPARITY},
                                 {L"SPACE", SPACEPARITY}};
 
 const Parity* findParity(const std::wstring& name) {
-    const auto* found = std::find_if(
-        std::begin(kParities), std::end(kParities),
-        [&](const Parity& parity) { return lstrcmpiW(parity.name, name.c_str()) == 0; });
+    const auto* found =
+        std::find_if(std::begin(kParities), std::end(kParities),
+                     [&](const Parity& parity) { return com::sameName(parity.name, name); });
     return found == std::end(kParities) ? nullptr : found;
 }
 
