@@ -1,18 +1,19 @@
 # What the library makes known to the system: its classes, in the order of the class table, and its
 # interfaces. Identifiers and names are read from the IDL; included by whoever writes them down.
 #
+# KEL_IDL: the files.
 # KEL_CLASSES: names; for each, KEL_<name>_ID, _PROGRAM (the ProgID without its version), _TITLE,
 #   _CLASS_TITLE (the default value of the class key), _BITMAP (of controls; empty for others).
 # KEL_INTERFACES: names; for each, KEL_<name>_ID and _MARSHALLER (the class that carries its calls).
 # KEL_LIBRARY_ID, KEL_LIBRARY_VERSION, KEL_LIBRARY_TITLE: the type library.
-set(sources KelUtils link preprocessor terminal html dialogs controls classes)
-list(TRANSFORM sources PREPEND "${PROJECT_SOURCE_DIR}/interfaces/")
-list(TRANSFORM sources APPEND ".idl")
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${sources})
+set(KEL_IDL KelUtils link preprocessor terminal html dialogs controls classes)
+list(TRANSFORM KEL_IDL PREPEND "${PROJECT_SOURCE_DIR}/interfaces/")
+list(TRANSFORM KEL_IDL APPEND ".idl")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${KEL_IDL})
 
 # Lists are separated by semicolons, and square brackets bind them: neither may stay.
 set(idl "")
-foreach(source IN LISTS sources)
+foreach(source IN LISTS KEL_IDL)
     file(READ "${source}" text)
     string(REPLACE ";" "" text "${text}")
     string(REPLACE "[" "" text "${text}")
