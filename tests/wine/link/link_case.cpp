@@ -226,6 +226,7 @@ kel::test::Outcome LinkCase::invoked(IDispatch* object, std::string line) {
         object = named->second.get().pdispVal;
         takeWord(line);
     }
+    if (!object) throw com::Error(E_POINTER, com::widen(line));
     const auto outcome = kel::test::invoke(object, line, values_);
     if (outcome.code == DISP_E_UNKNOWNNAME) throw com::Error(outcome.code, com::widen(line));
     error_ = outcome.lastError;
