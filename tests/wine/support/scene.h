@@ -31,7 +31,7 @@
 //     release                      the last reference to it
 //     link NAME VALUE              Port none|serial|network, ConnectionString, BaudRate,
 //     EchoWindow,
-//                                  IdleProcessing, RadioConnection, SDI12Mode, Reply to what is sent
+//                                  IdleProcessing, RadioConnection, SDI12Mode, Reply
 //     port COM1… free|absent|busy ERROR      of the streams that components make
 //     password TEXT                network streams connect with it only
 //     class serial|network double|bench|hasty|none     hasty: the bench's, which waits briefly
