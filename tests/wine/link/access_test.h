@@ -21,8 +21,13 @@ protected:
         scale.reset();
         if (linkScale) scale.emplace(linkScale);
         server.emplace(std::move(options), instrumentScale);
+        reach(server->port());
+    }
+
+    // Makes a link that reaches whoever listens on a port.
+    void reach(const Bstr& port) {
         stream = create<INetworkStream>(link::kNetworkStreamClass);
-        ASSERT_TRUE(connectTo(*stream.Get(), server->port()));
+        ASSERT_TRUE(connectTo(*stream.Get(), port));
         stream->put_EchoWindow(window.number());
         link = create<IKelCommunicator>(kCommunicatorClass);
         link->put_Port(stream.Get());
@@ -32,23 +37,6 @@ protected:
         long number = 1;
         EXPECT_EQ(stream->get_EchoWindow(&number), S_OK);
         return number;
-    }
-
-    bool tell(const wchar_t* command) {
-        VARIANT_BOOL done = VARIANT_FALSE;
-        EXPECT_EQ(
-            link->SendCommand(Bstr(std::wstring_view(command)).get(), VARIANT_TRUE, 30000, &done),
-            S_OK);
-        return done == VARIANT_TRUE;
-    }
-
-    // What a member without arguments gives, which must not fail.
-    template <class Interface, class Value>
-    static Value get(const ComPtr<Interface>& object,
-                     HRESULT (STDMETHODCALLTYPE Interface::*member)(Value*)) {
-        Value value{};
-        EXPECT_EQ((object.Get()->*member)(&value), S_OK);
-        return value;
     }
 
     TestWindow window;

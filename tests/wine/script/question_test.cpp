@@ -1,9 +1,8 @@
-// The windows of a script's questions, where an owner goes, a form scrolls, or none can open.
+// The windows of a script's questions, where a form scrolls, or none can open.
 #include "com/variant.h"
 #include "script/question_dialog.h"
 #include "tests/wine/script/preprocessor_fixture.h"
 #include "tests/wine/support/dialog_driver.h"
-#include "tests/wine/support/test_window.h"
 
 namespace kel::test {
 namespace {
@@ -31,18 +30,6 @@ std::string form(int rows) {
 }
 
 using QuestionTest = PreprocessorTest;
-
-TEST_F(QuestionTest, TheOwnerMayBeGoneOrGo) {
-    const HWND owner =
-        CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
-    com::check(preprocessor_->put_ParentWindow(HandleToLong(owner)));
-    bench::test::TestWindow host;
-    host.post([&] {
-        EXPECT_FALSE(IsWindowEnabled(owner));
-        DestroyWindow(owner);
-    });
-    EXPECT_FALSE(run("#DIALOG \"Owned\"\nv=input(\"a\")\n#ENDDIALOG"));
-}
 
 TEST_F(QuestionTest, FiftyControlsScroll) {
     const DialogDriver user([](DialogDriver& driver) {
@@ -95,13 +82,6 @@ TEST_F(QuestionTest, FiftyControlsScroll) {
 
 TEST_F(QuestionTest, NoFormOpensWhenNoneCan) {
     EXPECT_FALSE(run(form(1001)));
-    const auto extension = install(L"STOP", true);
-    extension->onCall = [&](long, IFlatCollection*) -> Answer {
-        com::check(preprocessor_->Cancel());
-        return {};
-    };
-    EXPECT_FALSE(run("#DIALOG \"Cancelled\"\nSTOP()\nv=input(\"a\")\n#ENDDIALOG"));
-    EXPECT_TRUE(isCancelled());
 }
 
 }  // namespace

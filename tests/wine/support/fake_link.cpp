@@ -128,8 +128,8 @@ public:
         return *result = link_.received->find(com::narrow(text)) != std::string::npos, S_OK;
     }
     STDMETHODIMP SendBreak(long) override { return S_OK; }
-    STDMETHODIMP RunCommandFile(BSTR path, VARIANT_BOOL* result) override {
-        return link_.runFile ? link_.runFile(path, result) : answer("Link.RunCommandFile", result);
+    STDMETHODIMP RunCommandFile(BSTR, VARIANT_BOOL* result) override {
+        return answer("Link.RunCommandFile", result);
     }
     STDMETHODIMP get_Port(IKelStream** port) override {
         *port = nullptr;

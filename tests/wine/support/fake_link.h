@@ -25,9 +25,6 @@ public:
     // there are none left. True is sent as 1, which is not VARIANT_TRUE.
     std::map<std::string, std::deque<bool>, std::less<>> answers;
 
-    // What RunCommandFile does and answers instead.
-    std::function<HRESULT(BSTR path, VARIANT_BOOL* result)> runFile;
-
     bool hasPort = true;
     bool isNetwork = false;  // the port is network()
     bool isSdi12 = false;

@@ -16,6 +16,15 @@ std::string showFailure(const Outcome& outcome) {
     return std::to_string(outcome.code) + (outcome.reason.empty() ? "" : " " + outcome.reason);
 }
 
+// Numbers and times are written in no user's way.
+std::string showResult(const com::Variant& value) {
+    if (value.type() != VT_R8 && value.type() != VT_DATE) return show(value);
+    com::Variant text;
+    VARIANT held = value.get();
+    com::check(VariantChangeTypeEx(text.put(), &held, LOCALE_INVARIANT, 0, VT_BSTR));
+    return text.toText();
+}
+
 }  // namespace
 
 std::string show(const Outcome& outcome) {
@@ -24,9 +33,9 @@ std::string show(const Outcome& outcome) {
     // No truth value of the platform, though it would show as one.
     if (value.vt == VT_BOOL && value.boolVal != VARIANT_FALSE && value.boolVal != VARIANT_TRUE)
         return "a truth value of " + std::to_string(value.boolVal);
-    std::string shown = show(outcome.result);
+    std::string shown = showResult(outcome.result);
     for (const com::Variant& out : outcome.outs)
-        shown += " " + show(out);
+        shown += " " + showResult(out);
     return shown;
 }
 

@@ -6,6 +6,7 @@
 
 #include "com/text.h"
 #include "interfaces/link_classes.h"
+#include "tests/wine/script/preprocessor_props.h"
 #include "tests/wine/service/access_prop.h"
 #include "tests/wine/service/fake_compass.h"
 #include "tests/wine/service/fake_pressure.h"
@@ -154,13 +155,20 @@ private:
 
 const std::map<std::string_view, std::unique_ptr<Prop> (*)(Stage&)>& propMakers() {
     static const std::map<std::string_view, std::unique_ptr<Prop> (*)(Stage&)> makers = {
+        {"box", makeProp<BoxProp>},
         {"chooser", makeProp<ChooserProp>},
         {"clock", makeProp<ClockProp>},
         {"compass", makeProp<AccessProp<FakeCompass, link::kCompassAccessClass>>},
+        {"diagnostics", makeProp<DiagnosticsProp>},
+        {"inside", makeProp<InsideProp>},
+        {"listener", makeProp<ListenerProp>},
+        {"own", makeProp<OwnProp>},
         {"platform", makeProp<PlatformProp>},
         {"pressure", makeProp<AccessProp<FakePressure, link::kPressureAccessClass>>},
         {"recorder", makeProp<RecorderProp>},
         {"uploader", makeProp<UploaderProp>},
+        {"windows", makeProp<WindowsProp>},
+        {"word", makeProp<WordProp>},
     };
     return makers;
 }

@@ -8,6 +8,7 @@
 #include <ostream>
 #include <utility>
 
+#include "com/message_loop.h"
 #include "tests/wine/support/stage.h"
 #include "tests/wine/support/user.h"
 
@@ -30,6 +31,8 @@ void perform(const Act& act, Stage& stage) {
     const bool hasUser = !act.front()->settings.empty() || act.size() > 1;
     stage.isThrough = false;
     std::optional<DialogDriver> driver;
+    // A thread that has not asked for messages for long counts as hung.
+    com::runWaitingMessages();
     if (hasUser) driver.emplace([&](DialogDriver& user) { User(user, stage).play(act); });
     for (const std::string& line : act.front()->lines) {
         try {

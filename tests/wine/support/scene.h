@@ -31,7 +31,7 @@
 //     release                      the last reference to it
 //     link NAME VALUE              Port none|serial|network, ConnectionString, BaudRate,
 //     EchoWindow,
-//                                  IdleProcessing, RadioConnection, SDI12Mode
+//                                  IdleProcessing, RadioConnection, SDI12Mode, Reply
 //     port COM1… free|absent|busy ERROR      of the streams that components make
 //     password TEXT                network streams connect with it only
 //     class serial|network double|bench|hasty|none     hasty: the bench's, which waits briefly
@@ -52,7 +52,8 @@
 //                                  the second one, …: host's calls then succeed or tell that
 //                                  failure, "order" holds, "recall" always tells the same, all ends
 //
-// A first word of none of these is a further double's: see Prop in stage.h.
+// In calls "$nothing" is an object that is not there. A first word of none of these is a further
+// double's: see Prop in stage.h.
 //
 // The user, who names controls as resource_ids.h does, without "IDC_", or OK, CANCEL, YES, NO, or
 // by a number; TEXT is the text of a message box:

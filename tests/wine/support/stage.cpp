@@ -207,7 +207,9 @@ void Stage::call(const std::string& line, const std::map<std::string, com::Varia
     IDispatch* const object = object_.Get();
     if (!object) throw std::runtime_error("there is no component");
     const HCURSOR cursor = GetCursor();
-    const Outcome outcome = invoke(object, line, values);
+    auto known = values;
+    known["$nothing"] = com::Variant(static_cast<IDispatch*>(nullptr));
+    const Outcome outcome = invoke(object, line, known);
     if (mayFail()) return;
     EXPECT_EQ(GetCursor(), cursor) << line;
     if (outcome.code == DISP_E_UNKNOWNNAME) refuse(line);
@@ -234,6 +236,7 @@ void Stage::setLink(std::string line) {
         {"IdleProcessing", [&] { link.isIdleProcessing = line == "true"; }},
         {"RadioConnection", [&] { link.isRadio = line == "true"; }},
         {"SDI12Mode", [&] { link.isSdi12 = line == "true"; }},
+        {"Reply", [&] { link.reply = widened(line); }},
     };
     const auto known = settings.find(name);
     if (known == settings.end()) refuse("link " + name);
@@ -357,8 +360,8 @@ std::string Stage::expanded(std::string line) {
     }
     if (line.find("$owner") != line.npos) {
         if (!owner_) {
-            owner_ = CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 99, 99, nullptr,
-                                   nullptr, nullptr, nullptr);
+            owner_ = CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 99, 99, nullptr, nullptr,
+                                   nullptr, nullptr);
         }
         replace(line, "$owner", std::to_string(HandleToLong(owner_)));
     }

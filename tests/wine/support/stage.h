@@ -86,6 +86,9 @@ public:
     bool hasFailed() const;
     bool mayFail() const { return failing_ == kAnything; }
 
+    // The component.
+    IDispatch* object() const { return object_.Get(); }
+
     FakeLink link;
     FakeLink ports{link, "new "};  // the streams that components make
     Transcript transcript;

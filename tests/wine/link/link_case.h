@@ -1,0 +1,63 @@
+#pragma once
+// Plays cases of the link's objects, as cases.txt tells.
+
+#include <atomic>
+#include <deque>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "bench/instrument/card.h"
+#include "com/variant.h"
+#include "tests/support/cases.h"
+#include "tests/wine/link/access_test.h"
+#include "tests/wine/support/event_sink.h"
+#include "tests/wine/support/late_bound.h"
+#include "tests/wine/support/temporary_folder.h"
+
+namespace kel::bench::test {
+
+class LinkCase : public AccessTest, public testing::WithParamInterface<kel::test::Case> {
+protected:
+    // The object that the settings name, and what it needs.
+    void make(const std::vector<std::string>& settings);
+
+    // Does a line and gives what it shows, with a line end if that is something.
+    std::string play(const std::string& line);
+
+private:
+    std::string act(const std::string& word, std::string rest);
+    kel::test::Outcome invoked(IDispatch* object, std::string line);
+    std::string call(IDispatch* object, const std::string& line) {
+        return kel::test::show(invoked(object, line));
+    }
+
+    // The other ends. Lines for later are done when a wait runs the message loop.
+    void runLater();
+    std::string answerAs(const std::string& dialogue);
+    std::string greet();
+
+    void listen(const IID& events);
+    void doInside();
+    std::string callElsewhere(const std::string& line, bool leaves);
+
+    std::string isLoaded(const std::string& place);
+    std::string folderContent() const;
+
+    TcpPeer peer_;
+    TcpPeer gateway_;
+    CardKind card_ = CardKind::kUsual;
+    kel::test::TemporaryFolder folder_;
+    ComPtr<IDispatch> object_;
+    std::map<std::string, com::Variant> values_;  // objects by their names, which begin with "$"
+    ComPtr<IUnknown> sinkOwner_;
+    kel::test::EventSink* sink_ = nullptr;
+    std::map<std::string, std::string> inside_;  // lines by how an event begins
+    std::deque<std::string> later_;
+    std::string heard_, shownLater_;
+    std::string meanwhile_;
+    std::atomic<DWORD> error_ = 0;
+};
+
+}  // namespace kel::bench::test
