@@ -12,6 +12,20 @@ namespace {
 
 using test::Step;
 
+// A tilde makes the next byte part of its character; letters are the host's.
+class OtherCodePage : public TextRules {
+public:
+    bool isLeadByte(unsigned char byte) const override { return byte == '~'; }
+    bool isLetter(unsigned char byte) const override {
+        return byte > 0x7F || TextRules::isLetter(byte);
+    }
+    std::string fold(std::string_view text) const override {
+        std::string folded = TextRules::fold(text);
+        std::ranges::replace(folded, '\x89', '\xA9');  // the second halves of É and é
+        return folded;
+    }
+};
+
 std::vector<std::string> splitAt(char separator, const std::string& text) {
     std::vector<std::string> parts;
     std::istringstream rest(text);
@@ -20,13 +34,14 @@ std::vector<std::string> splitAt(char separator, const std::string& text) {
     return parts;
 }
 
-void apply(const std::string& setting, ScriptBench& bench) {
-    const std::size_t blank = std::min(setting.find(' '), setting.size());
-    const std::string value = setting.substr(std::min(blank + 1, setting.size()));
-    if (setting.starts_with("answer")) bench.answers.push_back(splitAt('|', value));
-    if (setting.starts_with("variable")) {
-        bench.variables.set(value.substr(0, value.find('=')), value.substr(value.find('=') + 1));
-    }
+void apply(std::string value, ScriptBench& bench) {
+    const std::string name = test::takeWord(value);
+    const std::size_t sign = value.find('=');
+    if (name == "answer") bench.answers.push_back(splitAt('|', value));
+    if (name == "variable") bench.variables.set(value.substr(0, sign), value.substr(sign + 1));
+    if (name == "clear") bench.variables.clear();
+    if (name == "cancel") bench.yieldsToCancel = std::stoul(value);
+    if (name == "cancelled") bench.isCancelled = true;
 }
 
 // What a step shows: whether the script ran, and the transcript.
@@ -37,23 +52,30 @@ std::string show(const Step& step, ScriptBench& bench) {
     bench.transcript.clear();
     bench.acceptsLines = !asks("refuse");
     bench.recordsEvents = asks("events");
+    bench.isCancelled = false;
     for (const std::string& setting : step.settings)
         apply(setting, bench);
     const std::string script = step.text();
     if (asks("check")) return show(bench.session.check(script, "s")) + bench.transcript;
 
-    const bool result = bench.session.run(script, "s");
+    std::string shown = bench.session.run(script, "s") ? "true\n" : "false\n";
     EXPECT_EQ(bench.session.depth(), 0u);
-    EXPECT_TRUE(result || !bench.session.diagnostics().empty());
-    return (result ? "true\n" : "false\n") + bench.transcript +
-           (asks("diagnostics") ? show(bench.session.diagnostics()) : "");
+    EXPECT_TRUE(shown == "true\n" || !bench.session.diagnostics().empty());
+    shown += bench.transcript;
+    if (asks("diagnostics")) shown += show(bench.session.diagnostics());
+    for (std::size_t i = 0; asks("variables") && i < bench.variables.size(); ++i)
+        shown += bench.variables[i].name + "=" + bench.variables[i].value + "\n";
+    return shown + (bench.isCancelled && asks("cancelled") ? "still cancelled\n" : "");
 }
 
 class ScriptCase : public testing::TestWithParam<test::Case> {};
 
 TEST_P(ScriptCase, ShowsWhatIsExpected) {
-    ScriptBench bench;
-    for (const Step& step : GetParam().steps)
+    const std::vector<Step>& steps = GetParam().steps;
+    const OtherCodePage other;
+    const TextRules ascii;
+    ScriptBench bench(std::ranges::count(steps[0].settings, "code page") > 0 ? other : ascii);
+    for (const Step& step : steps)
         EXPECT_EQ(show(step, bench), step.expected) << "line " << step.line << "\n" << step.text();
 }
 

@@ -10,8 +10,6 @@ namespace kel::script {
 
 const TextRules ScriptBench::kAscii;
 
-// Words: ECHO and join are handled; PASS and pass stand twice, the first row handing on; NONE
-// or none is never handled; FAIL and fail answer false; RUN runs its parameter as a script.
 ScriptBench::ScriptBench(const TextRules& textRules)
     : variables(textRules),
       directives(textRules),
@@ -27,6 +25,19 @@ ScriptBench::ScriptBench(const TextRules& textRules)
     directives.add("FAIL", 4, answer(false, false));
     directives.add("RUN", 5, [this](Parameters parameters) {
         return DirectiveOutcome{true, session.run(parameters[0], "inner")};
+    });
+    directives.add("CANCEL", 6, [this](Parameters) {
+        isCancelled = true;
+        return DirectiveOutcome{true, session.run("a", "inner")};
+    });
+    directives.add("MISS", 7, [this](Parameters) {
+        return DirectiveOutcome{true, session.report("Can't find file ", {"a", "b"})};
+    });
+    directives.add("GROW", 8, [=, this](Parameters) {
+        for (int i = 0; i < 1000; ++i)
+            directives.add("OTHER", 0, {});
+        directives.add("grow", 9, answer(true, true));
+        return DirectiveOutcome{false, true};
     });
     const auto value = [](bool handled, bool result) {
         return [=](Parameters parameters) {
@@ -57,7 +68,8 @@ bool ScriptBench::send(std::string_view line) {
 
 void ScriptBench::yield() {
     countCall();
-    if (onYield) onYield();
+    EXPECT_GT(yieldsToCancel, 0u) << "a cancelled run goes on";
+    if (--yieldsToCancel == 0) isCancelled = true;
 }
 
 std::optional<std::size_t> ScriptBench::findDirective(std::string_view name, std::size_t from) {

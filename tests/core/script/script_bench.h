@@ -20,6 +20,9 @@ class ScriptBench : public Host, public Observer {
 public:
     using Parameters = std::span<const std::string>;
 
+    // ECHO and join are handled; PASS and pass stand twice, the first row handing on; NONE or none
+    // is never handled; FAIL and fail answer false; RUN runs its parameter as a script; CANCEL
+    // cancels and runs another one; MISS reports a failure; GROW adds words and hands on to one.
     explicit ScriptBench(const TextRules& textRules = kAscii);
 
     void echo(std::string_view text) override { echoed_ += text; }
@@ -48,7 +51,7 @@ public:
     std::deque<Answers> answers;  // to the next questions; cancelled when there are no more
     bool acceptsLines = true;
     bool isCancelled = false;
-    std::function<void()> onYield;
+    std::size_t yieldsToCancel = SIZE_MAX;      // the user cancels in the last of them
     std::size_t callsBeforeFailure = SIZE_MAX;  // the call after them throws
 
     VariableStore variables;

@@ -7,73 +7,6 @@
 namespace kel::script {
 namespace {
 
-TEST(Session, CancelIsSeenBeforeTheNextLineAlsoASkippedOne) {
-    for (const char* script : {"a\nb\nc", "a\n@x=1\nb", "a\n#ELSE\nb"}) {
-        SCOPED_TRACE(script);
-        ScriptBench bench;
-        bench.isCancelled = true;  // of an earlier run
-        int yields = 0;
-        bench.onYield = [&] { bench.isCancelled = ++yields == 3; };
-        EXPECT_FALSE(bench.session.run(script));
-        EXPECT_EQ(bench.transcript.substr(bench.transcript.find('!')), "! Execution cancelled!\n");
-        EXPECT_EQ(bench.transcript.substr(0, 4), "\"a\"\n");
-        EXPECT_EQ(yields, 3);
-    }
-}
-
-TEST(Session, CancelRequestSurvivesAFailedParseAndTheStartOfANestedRun) {
-    ScriptBench bench;
-    bench.isCancelled = true;
-    EXPECT_FALSE(bench.session.run("@-"));
-    EXPECT_TRUE(bench.isCancelled);
-
-    bench.directives.add("CANCEL", 9, [&](ScriptBench::Parameters) {
-        bench.isCancelled = true;
-        return DirectiveOutcome{true, bench.session.run("inner")};
-    });
-    bench.transcript.clear();
-    EXPECT_FALSE(bench.session.run("#CANCEL\na"));
-    EXPECT_EQ(bench.transcript, "#cancel9 \n! Execution cancelled!\n");
-}
-
-TEST(Session, DepthIsLimited) {
-    ScriptBench bench;
-    std::size_t deepest = 0;
-    bench.onYield = [&] { deepest = std::max(deepest, bench.session.depth()); };
-    bench.variables.set("self", "#RUN self");
-    EXPECT_FALSE(bench.session.run("#RUN self"));
-    EXPECT_EQ(deepest, 32u);
-    EXPECT_EQ(show(bench.session.diagnostics()), "inner 1:1 error Scripts are nested too deeply\n");
-    EXPECT_EQ(bench.transcript.substr(bench.transcript.find('!')),
-              "! Scripts are nested too deeply\n");
-    EXPECT_TRUE(bench.session.run("a"));
-}
-
-TEST(Session, HandlersReportThroughIt) {
-    ScriptBench bench;
-    bench.directives.add("MISS", 9, [&](ScriptBench::Parameters) {
-        return DirectiveOutcome{true, bench.session.report("Can't find file ", {"a", "b"})};
-    });
-    EXPECT_FALSE(bench.session.run("a\n  #MISS", "s"));
-    EXPECT_EQ(bench.transcript, "\"a\"\n#miss9 \n! Can't find file  a b\n");
-    EXPECT_EQ(show(bench.session.diagnostics()), "s 2:3 error Can't find file  a b\n");
-    EXPECT_FALSE(bench.session.report("outside"));
-}
-
-TEST(Session, HandlersMayAddRows) {
-    ScriptBench bench;
-    bench.directives.add("GROW", 6, [&](ScriptBench::Parameters) {
-        for (int i = 0; i < 1000; ++i)
-            bench.directives.add("OTHER", 0, {});
-        bench.directives.add("grow", 7, [](ScriptBench::Parameters) {
-            return DirectiveOutcome{true, true};
-        });
-        return DirectiveOutcome{false, true};
-    });
-    EXPECT_TRUE(bench.session.run("#GROW"));
-    EXPECT_EQ(bench.transcript, "#grow6 \n#grow7 \n");
-}
-
 TEST(Session, ExceptionOfAnyHostCallPassesThrough) {
     const std::string script =
         "@x=join(1)\n#ECHO \"\n%x\n#PASS\n@y=input(1)\n#RUN \"in\"\n#DIALOG\n#ENDDIALOG\n%what";
@@ -118,6 +51,17 @@ TEST(Session, AnyFailureEndsTheRunAndIsNoted) {
     EXPECT_THROW(session.run("a"), int);
     EXPECT_EQ(show(session.diagnostics()), "");
     EXPECT_EQ(session.depth(), 0u);
+    EXPECT_FALSE(session.report("outside"));
+}
+
+TEST(VariableStore, IsUnchangedWhenAVariableCannotBeAdded) {
+    struct OneName : TextRules {
+        std::string fold(std::string_view) const override { return "x"; }
+    };
+    const OneName rules;
+    VariableStore variables(rules);
+    EXPECT_THROW(variables.set(std::string_view("x", SIZE_MAX), "1"), std::length_error);
+    EXPECT_EQ(variables.find("x"), nullptr);
 }
 
 }  // namespace
