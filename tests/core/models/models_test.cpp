@@ -32,9 +32,10 @@ std::string resultOf(const std::function<std::string()>& play) {
 
 TEST(Models, DecideAsTheTablesSay) {
     std::map<std::string, int> played;
-    for (const auto& file : std::filesystem::directory_iterator(projectFile("tests/core/models"))) {
+    const std::filesystem::path folder = "tests/core/models";
+    for (const auto& file : std::filesystem::directory_iterator(projectFile(folder))) {
         if (file.path().extension() != ".txt") continue;
-        for (const Case& rows : readCases(file.path().string().c_str())) {
+        for (const Case& rows : readCases((folder / file.path().filename()).generic_string())) {
             const std::string& name = rows.steps[0].settings.at(0);
             const Player player = subjects().at(name)();
             ++played[name];
