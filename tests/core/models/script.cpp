@@ -5,7 +5,7 @@
 #include "script/engine/prepared_answers.h"
 #include "script/engine/program.h"
 #include "tests/core/models/subject.h"
-#include "tests/core/script/script_bench.h"
+#include "tests/core/script/recording_host.h"
 
 namespace kel::script {
 namespace {
@@ -31,14 +31,14 @@ const Subject kLarge("large script", [](Words& words) {
             if (dollar != text.npos) script += std::to_string(i) + text.substr(dollar + 1);
         }
     }
-    ScriptBench bench;
-    bench.session.run(script);
+    RecordingHost host;
+    host.session.run(script);
     std::map<char, int> entries;
-    std::istringstream lines(bench.transcript);
+    std::istringstream lines(host.transcript);
     for (std::string line; std::getline(lines, line);)
         ++entries[line[0]];
-    return shown(entries['"'], "sent", entries['!'], "errors", bench.session.check(script).size(),
-                 "found", bench.variables.size(), "variables");
+    return shown(entries['"'], "sent", entries['!'], "errors", host.session.check(script).size(),
+                 "found", host.variables.size(), "variables");
 });
 
 // Answers as "name=text ..."; then for each control its kind (check, select, input), caption, first

@@ -95,28 +95,17 @@ using Player = std::function<std::string(Words&)>;
 
 // How an argument of a function is kept.
 template <class Argument>
-struct Kept {
-    using Type = std::remove_cvref_t<Argument>;
-};
-template <>
-struct Kept<Words&> {
-    using Type = Words&;
-};
-template <>
-struct Kept<std::string_view> {
-    using Type = std::string;
-};
-template <>
-struct Kept<std::wstring_view> {
-    using Type = std::wstring;
-};
+using Kept = std::conditional_t<
+    std::is_same_v<Argument, Words&>, Words&,
+    std::conditional_t<std::is_same_v<Argument, std::string_view>, std::string,
+                       std::conditional_t<std::is_same_v<Argument, std::wstring_view>, std::wstring,
+                                          std::remove_cvref_t<Argument>>>>;
 
 // Calls a function with the words of a line.
 template <class Result, class... Arguments>
 Player playing(std::function<Result(Arguments...)> function) {
     return [function](Words& words) {
-        const std::tuple<typename Kept<Arguments>::Type...> arguments{
-            words.take<typename Kept<Arguments>::Type>()...};
+        const std::tuple<Kept<Arguments>...> arguments{words.take<Kept<Arguments>>()...};
         return shown(std::apply(function, arguments));
     };
 }

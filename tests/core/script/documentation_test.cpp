@@ -1,7 +1,7 @@
 // Runs the examples of the manual for script authors.
 #include <gtest/gtest.h>
 
-#include "tests/core/script/script_bench.h"
+#include "tests/core/script/recording_host.h"
 #include "tests/support/project_file.h"
 #include "tests/support/temporary_file.h"
 
@@ -22,7 +22,7 @@ std::optional<std::string> takeBlock(std::string_view& rest, std::string_view la
 
 // Shows what an example does as the manual does: sent lines as they stand, words in brackets. The
 // user accepts what every question shows at first.
-class ManualBench final : public ScriptBench {
+class ManualHost final : public RecordingHost {
 public:
     void echo(std::string_view text) override { transcript += text; }
     void endErrorReport() override { transcript += "\n"; }
@@ -73,9 +73,9 @@ TEST(Manual, ExamplesDoWhatItSays) {
     while (const auto script = takeBlock(rest, "kel")) {
         const auto expected = takeBlock(rest, "text");
         ASSERT_TRUE(expected) << *script;
-        ManualBench bench;
-        EXPECT_TRUE(bench.session.run(*script)) << *script;
-        EXPECT_EQ(bench.transcript, *expected) << *script;
+        ManualHost host;
+        EXPECT_TRUE(host.session.run(*script)) << *script;
+        EXPECT_EQ(host.transcript, *expected) << *script;
         ++examples;
     }
     EXPECT_GE(examples, 7u);

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "tests/core/script/script_bench.h"
+#include "tests/core/script/recording_host.h"
 
 namespace kel::script {
 namespace {
@@ -13,39 +13,39 @@ TEST(Session, ExceptionOfAnyHostCallPassesThrough) {
     std::string lines;
     std::size_t failures = 0;
     for (bool isFinished = false; !isFinished; ++failures) {
-        ScriptBench bench;
-        bench.recordsEvents = true;
-        bench.answers = {Answers({"1"}), Answers(std::vector<std::string>{})};
-        bench.callsBeforeFailure = failures;
+        RecordingHost host;
+        host.recordsEvents = true;
+        host.answers = {Answers({"1"}), Answers(std::vector<std::string>{})};
+        host.callsBeforeFailure = failures;
         try {
-            EXPECT_FALSE(bench.session.run(script, "s"));
+            EXPECT_FALSE(host.session.run(script, "s"));
             isFinished = true;
         } catch (const std::runtime_error&) {
-            ASSERT_FALSE(bench.session.diagnostics().empty());
-            EXPECT_EQ(bench.session.diagnostics().back().message, "failing call");
-            lines += std::to_string(bench.session.diagnostics().back().line);
+            ASSERT_FALSE(host.session.diagnostics().empty());
+            EXPECT_EQ(host.session.diagnostics().back().message, "failing call");
+            lines += std::to_string(host.session.diagnostics().back().line);
         }
-        EXPECT_EQ(bench.session.depth(), 0u);
-        EXPECT_EQ(bench.transcript.substr(bench.transcript.rfind("end")), "end s 1 false\n");
-        bench.callsBeforeFailure = SIZE_MAX;
-        EXPECT_TRUE(bench.session.run("again"));
+        EXPECT_EQ(host.session.depth(), 0u);
+        EXPECT_EQ(host.transcript.substr(host.transcript.rfind("end")), "end s 1 false\n");
+        host.callsBeforeFailure = SIZE_MAX;
+        EXPECT_TRUE(host.session.run("again"));
     }
     EXPECT_EQ(lines, "211334445566667799");
 }
 
 // Also where it tells nothing, and where telling it fails.
 TEST(Session, AnyFailureEndsTheRunAndIsNoted) {
-    struct Failing : ScriptBench {
+    struct Failing : RecordingHost {
         int failures = 0;
         void yield() override { throw 7; }
         std::string failureText() override {
             if (failures++ > 0) throw std::runtime_error("no text");
-            return ScriptBench::failureText();
+            return RecordingHost::failureText();
         }
-    } bench;
+    } host;
     Observer nobody;
     const TextRules rules;
-    Session session(bench, bench.variables, rules, nobody);
+    Session session(host, host.variables, rules, nobody);
     EXPECT_THROW(session.run("\n a", "s"), int);
     EXPECT_EQ(show(session.diagnostics()), "s 2:2 error Unknown failure\n");
     EXPECT_THROW(session.run("a"), int);
