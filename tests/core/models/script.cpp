@@ -41,8 +41,8 @@ const Subject kLarge("large script", [](Words& words) {
                  "found", host.variables.size(), "variables");
 });
 
-// Answers as "name=text ..."; then for each control its kind (check, select, input), caption, first
-// result, variable and choices.
+// Answers as "name=text ...", of which that for the depth is shown; then for each control its kind
+// (check, select, input), caption, first result, variable and choices.
 const Subject kPrepared("prepared answers", [](Words& words) {
     const TextRules rules;
     PreparedAnswers answers(rules);
@@ -60,7 +60,9 @@ const Subject kPrepared("prepared answers", [](Words& words) {
     }
     std::string missing;
     const Answers given = answers.answer(question, missing);
-    return given ? shown(*given) : "missing: " + missing;
+    const std::string* depth = answers.find("DEPTH");
+    const std::string kept = depth ? "depth " + *depth + ", " : "";
+    return kept + (given ? shown(*given) : "missing: " + missing);
 });
 
 // Places in a text, asked for in this order.
