@@ -83,7 +83,12 @@ sum_up() (
         mv -- "$1.sums" SHA256SUMS
 )
 
-sum_up_archives() (cd -- "$package_folder" && sha256sum -- KelUtils-*.exe KelUtils-*.zip >SHA256SUMS)
+# Of what there is: each verb makes some of the files only.
+sum_up_archives() (
+    cd -- "$package_folder" &&
+        find . -maxdepth 1 \( -name 'KelUtils-*.exe' -o -name 'KelUtils-*.zip' \) -printf '%P\n' | LC_ALL=C sort |
+        xargs -d '\n' sha256sum -- >SHA256SUMS
+)
 
 # Gives all files of a folder the time of the package, and the rights that archives keep.
 level_files() { find "$1" -exec touch -h -d "@$(package_time)" {} + -exec chmod u=rwX,go=rX {} +; }

@@ -26,10 +26,10 @@ using conformance::takeWord;
 using conformance::unescaped;
 
 // The name is relative to the project. Throws when there is no such file, or no case in it.
-inline std::vector<Case> readCases(const char* name) {
+inline std::vector<Case> readCases(const std::string& name) {
     std::ifstream file(projectFile(name));
     auto cases = conformance::readCases(file);
-    if (cases.empty()) throw std::runtime_error(std::string("There are no cases in ") + name);
+    if (cases.empty()) throw std::runtime_error("There are no cases in " + name);
     return cases;
 }
 

@@ -62,8 +62,13 @@ std::string unescaped(std::string_view text) {
             meant += text[i];
             continue;
         }
-        const std::size_t known = kLetters.find(text.at(++i));
-        meant += kCharacters.at(known);
+        const char letter = text.at(++i);
+        if (letter == 'x') {
+            meant += static_cast<char>(std::stoi(std::string(text.substr(i + 1, 2)), nullptr, 16));
+            i += 2;
+        } else {
+            meant += kCharacters.at(kLetters.find(letter));
+        }
     }
     return meant;
 }

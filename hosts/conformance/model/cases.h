@@ -7,7 +7,8 @@
 //     what is expected, a line or more
 //
 // Another ">" or "?" begins the next step of the case, an empty line or a remark ends the case.
-// Escapes stand for what no line shows: \r \n \t \v \b \0 \\, \e for ESC, \d for DEL.
+// Escapes stand for what no line shows: \r \n \t \v \b \0 \\, \e for ESC, \d for DEL, \xB9 for a
+// byte by its digits.
 
 #include <istream>
 #include <string>

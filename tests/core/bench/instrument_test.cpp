@@ -54,7 +54,8 @@ std::string stateOf(const Bench& bench) {
            (due ? ", due in " + std::to_string((*due - bench.now) / 1ms) + " ms" : ", nothing due");
 }
 
-constexpr std::string_view kInstrumentSettings = " silent slow card code bad ramp blind fail trouble ";
+constexpr std::string_view kInstrumentSettings =
+    " silent slow card code bad ramp blind fail trouble ";
 
 class DialogueCase : public testing::TestWithParam<test::Case> {
 protected:

@@ -11,14 +11,13 @@ namespace kel::connect {
 namespace {
 
 using test::narrow;
+using test::shown;
 using test::Subject;
 using test::Words;
 
 // "current ports": a letter for each port, (a)bsent, (f)ree or (b)usy; (s)elected too in what
 // follows, before those that were opened and the one that is chosen.
-const Subject kProbe("probe of the ports", [](Words& words) {
-    std::wstring current = words.wide();
-    const std::string ports = words.text();
+const Subject kProbe("probe of the ports", [](std::wstring current, const std::string& ports) {
     std::string states, opened;
     const auto portAt = [&](const std::wstring& name) {
         return ports[static_cast<std::size_t>(name.at(3) - L'1')];
@@ -34,60 +33,49 @@ const Subject kProbe("probe of the ports", [](Words& words) {
     return states + " " + opened + " '" + narrow(current) + "'";
 });
 
-const Subject kNames("names of a port", [](Words& words) {
-    const std::wstring name = words.wide();
-    return narrow(shownName(name) + L" " + openedName(name)) +
-           (isSamePort(name, words.wide()) ? " same" : " another");
+const Subject kNames("names of a port", [](const std::wstring& name, const std::wstring& other) {
+    return shown(shownName(name), openedName(name), isSamePort(name, other) ? "same" : "another");
 });
-
-const Subject kButton("button of a port", [](Words& words) {
-    const int number = words.number();
-    return narrow(buttonText(number, static_cast<PortState>(words.number())));
-});
-
-const Subject kRate("rate of a port",
-                    [](Words& words) { return std::to_string(listedRate(words.text())); });
+const Subject kButton("button of a port", buttonText);
+const Subject kRate("rate of a port", listedRate);
 
 // Shows all connections, then how many are stored.
-const Subject kList("list of connections", [] {
-    return [list = ConnectionList()](Words& words) mutable {
-        const std::string act = words.text();
-        const auto index = [&] { return words.number<std::size_t>(); };
-        const auto named = [&] { return NetworkConnection{.name = words.wide()}; };
-        if (act == "kept") list = ConnectionList({named(), named(), named()});
-        if (act == "add") list.add(named());
-        if (act == "use") list.use(index());
-        if (act == "remove") list.remove(index());
-        if (act == "keep") list.replace(index(), list.all()[0]);
-        const std::size_t at = act == "replace" || act == "password" ? index() : 0;
-        if (act == "replace") list.replace(at, named());
-        if (act == "password") list.setPassword(at, words.wide());
-        std::wstring shown;
-        for (const NetworkConnection& each : list.all())
-            shown += (act == "describe" ? each.description() : each.name) + L" " +
-                     (each.password.empty() ? L"" : L"(" + each.password + L") ");
-        return narrow(shown) + std::to_string(list.stored().size());
-    };
-});
+const Subject kList("list of connections",
+                    [list = ConnectionList()](const std::string& act, Words& words) mutable {
+                        const auto index = [&] { return words.number<std::size_t>(); };
+                        const auto named = [&] { return NetworkConnection{.name = words.wide()}; };
+                        if (act == "kept") list = ConnectionList({named(), named(), named()});
+                        if (act == "add") list.add(named());
+                        if (act == "use") list.use(index());
+                        if (act == "remove") list.remove(index());
+                        if (act == "keep") list.replace(index(), list.all()[0]);
+                        const std::size_t at = act == "replace" || act == "password" ? index() : 0;
+                        if (act == "replace") list.replace(at, named());
+                        if (act == "password") list.setPassword(at, words.wide());
+                        std::wstring text;
+                        for (const NetworkConnection& each : list.all())
+                            text += (act == "describe" ? each.description() : each.name) + L" " +
+                                    (each.password.empty() ? L"" : L"(" + each.password + L") ");
+                        return narrow(text) + std::to_string(list.stored().size());
+                    });
 
 // "present-port remembered-option offers-files", 1 where nothing is remembered.
-const Subject kSession("first page of a session", [](Words& words) {
-    const auto port = static_cast<PresentPort>(words.number());
-    RememberedSession remembered{.option = words.number<std::uint32_t>(), .lastConnection = 212};
-    if (remembered.option == 1u) remembered.option.reset();
-    const auto first = firstOption(port, remembered, words.text() == "files");
-    return std::to_string(static_cast<int>(first)) +
-           (connectsAtOnce(port, remembered) ? " at once" : " not at once");
+const Subject kSession("first page of a session", [](PresentPort port, std::uint32_t option,
+                                                     const std::string& offered) {
+    RememberedSession remembered{.option = option, .lastConnection = 212};
+    if (option == 1u) remembered.option.reset();
+    return shown(firstOption(port, remembered, offered == "files"),
+                 connectsAtOnce(port, remembered) ? "at once" : "not at once");
 });
 
-const Subject kRemembered("remembered session", [](Words& words) {
-    const auto [option, last] = remember(static_cast<SessionOption>(words.number()));
-    return std::to_string(*option) + " " + std::to_string(last.value_or(0));
+const Subject kRemembered("remembered session", [](SessionOption used) {
+    const auto [option, last] = remember(used);
+    return shown(option, last);
 });
 
 // With semicolons for NULs.
-const Subject kFilter("file filter", [](Words& words) {
-    std::wstring list = chooserFilter(words.wide());
+const Subject kFilter("file filter", [](const std::wstring& filter) {
+    std::wstring list = chooserFilter(filter);
     std::ranges::replace(list, L'\0', L';');
     return narrow(list);
 });

@@ -6,6 +6,7 @@
 #include <map>
 #include <stdexcept>
 
+#include "hosts/shared/model/failure.h"
 #include "tests/core/models/subject.h"
 #include "tests/support/cases.h"
 #include "tests/support/project_file.h"
@@ -18,20 +19,32 @@ std::map<std::string, std::function<Player()>>& subjects() {
     return all;
 }
 
+// A refusal shows its reason, and the exit code that goes with it.
+std::string resultOf(const std::function<std::string()>& play) {
+    try {
+        return play();
+    } catch (const host::Failure& failure) {
+        return shown(failure.code(), failure.what());
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+}
+
 TEST(Models, DecideAsTheTablesSay) {
     std::map<std::string, int> played;
-    for (const auto& file : std::filesystem::directory_iterator(projectFile("tests/core/models"))) {
+    const std::filesystem::path folder = "tests/core/models";
+    for (const auto& file : std::filesystem::directory_iterator(projectFile(folder))) {
         if (file.path().extension() != ".txt") continue;
-        for (const Case& rows : readCases(file.path().string().c_str())) {
+        for (const Case& rows : readCases((folder / file.path().filename()).generic_string())) {
             const std::string& name = rows.steps[0].settings.at(0);
-            const Player play = subjects().at(name)();
+            const Player player = subjects().at(name)();
             ++played[name];
             for (const Step& step : rows.steps) {
                 SCOPED_TRACE(name + ", line " + std::to_string(step.line));
                 std::string shown;
                 for (const std::string& line : step.lines) {
                     Words words(line);
-                    const std::string result = play(words);
+                    const std::string result = resultOf([&] { return player(words); });
                     shown += (result.empty() ? "nothing" : escaped(result)) + "\n";
                 }
                 EXPECT_EQ(shown, step.expected);
@@ -72,7 +85,31 @@ std::vector<std::string> Words::all() {
     return words;
 }
 
-Subject::Subject(const char* name, Player play) : Subject(name, [play] { return play; }) {}
+std::string Words::rest() {
+    if (line_.peek() == ' ') line_.get();
+    return {std::istreambuf_iterator<char>(line_), {}};
+}
+
+std::vector<Words> Words::parts() {
+    std::vector<Words> parts;
+    for (std::string part; std::getline(line_, part, ';');)
+        parts.emplace_back(part);
+    return parts;
+}
+
+std::string ofEachBeginning(const std::string& text,
+                            const std::function<std::string(const std::string&)>& play) {
+    std::vector<std::pair<std::size_t, std::string>> runs;
+    for (std::size_t size = 0; size <= text.size(); ++size) {
+        const std::string result = resultOf([&] { return play(text.substr(0, size)); });
+        if (runs.empty() || runs.back().second != result) runs.emplace_back(0, result);
+        ++runs.back().first;
+    }
+    std::string all;
+    for (const auto& [count, result] : runs)
+        all += std::to_string(count) + "x " + result + "; ";
+    return all;
+}
 
 Subject::Subject(const char* name, std::function<Player()> make) {
     if (!subjects().emplace(name, std::move(make)).second) throw std::invalid_argument(name);

@@ -1,93 +1,88 @@
 // What the dialogs that service an instrument decide.
+#include <memory>
+
+#include "dialogs/service/model/compass_report.h"
 #include "dialogs/service/model/compass_scores.h"
 #include "dialogs/service/model/firmware_file.h"
 #include "dialogs/service/model/pressure_offset.h"
 #include "dialogs/service/model/recorder_texts.h"
 #include "dialogs/service/model/transfer_progress.h"
 #include "tests/core/models/subject.h"
+#include "tests/support/project_file.h"
+#include "tests/support/temporary_file.h"
 
 namespace kel::service {
 namespace {
 
 using test::narrow;
+using test::shown;
 using test::Subject;
 using test::Words;
 
-const Subject kFirmware("firmware file", [](Words& words) {
-    const std::wstring path = words.wide();
+const Subject kFirmware("firmware file", [](const std::wstring& path) {
     return narrow(firmwareName(path)) + (isFirmwarePackage(path) ? ", package" : "") + ", '" +
            narrow(firmwareCompanion(path)) + "'";
 });
-
-const Subject kAccessCode("access code", [](Words& words) {
-    const auto code = parseAccessCode(words.wide());
-    return code ? std::to_string(*code) : "none";
-});
+const Subject kAccessCode("access code", parseAccessCode);
 
 // "at milliseconds done total", or what is begun, told, refused or left.
-const Subject kProgress("progress of a transfer", [] {
-    return [progress = TransferProgress()](Words& words) mutable {
-        const std::string act = words.text();
-        if (act == "begin") progress.begin(words.wide());
-        if (act == "tell") progress.tell(words.wide());
-        if (act == "refuse") progress.refuse(words.wide());
-        if (act == "last") return narrow(progress.lastLine(words.wide()));
-        if (act == "at") {
-            const std::chrono::milliseconds time(words.number());
-            const auto done = words.number<std::int64_t>();
-            progress.advance(done, words.number<std::int64_t>(), time);
-        }
-        return std::to_string(progress.position()) + " " + narrow(progress.line());
-    };
+const Subject kProgress("progress of a transfer",
+                        [progress = TransferProgress()](const std::string& act,
+                                                        Words& words) mutable {
+                            if (act == "begin") progress.begin(words.wide());
+                            if (act == "tell") progress.tell(words.wide());
+                            if (act == "refuse") progress.refuse(words.wide());
+                            if (act == "last") return narrow(progress.lastLine(words.wide()));
+                            if (act == "at") {
+                                const std::chrono::milliseconds time(words.number());
+                                const auto done = words.number<std::int64_t>();
+                                progress.advance(done, words.number<std::int64_t>(), time);
+                            }
+                            return shown(progress.position(), progress.line());
+                        });
+
+const Subject kScores("compass scores", [](long horizontal, long vertical, double field) {
+    return scoreTexts(acceptedScores(horizontal, vertical, field));
+});
+const Subject kAllScores("shown compass scores",
+                         [](std::string horizontal, std::string vertical, std::string field) {
+                             return shownScores({horizontal, vertical, field});
+                         });
+const Subject kField("magnetic field", [](double strength) {
+    const int index = fieldIndex(strength);
+    return shown(std::max(index, -1), rating(index));
 });
 
-const Subject kScores("compass scores", [](Words& words) {
-    const long horizontal = words.number<long>();
-    const long vertical = words.number<long>();
-    const auto texts = scoreTexts(acceptedScores(horizontal, vertical, words.number<double>()));
-    return texts[0] + ", " + texts[1] + ", " + texts[2];
+// Parts: "begin", "end", "reading HEADING PITCH ROLL", "paragraph TEXT"; with what file it is one.
+const Subject kReport("report of the compass", [](const std::string& same, Words& words) {
+    const test::TemporaryFile file;
+    auto report = std::make_unique<CompassReport>();
+    report->open(file.path());
+    for (Words& part : words.parts()) {
+        const std::string act = part.text();
+        if (act == "begin") report->beginCalibration();
+        if (act == "end") report->endCalibration();
+        if (act == "reading") report->addReading({part.text(), part.text(), part.text()});
+        if (act == "paragraph") report->addParagraph(part.rest());
+    }
+    report.reset();
+    const auto folder = test::projectFile("tests/core/service/compass_reports");
+    const bool isSame =
+        file.bytes() == test::asTextFile(test::TemporaryFile::bytesOf(folder / same));
+    return isSame ? "the same" : file.bytes();
 });
 
-const Subject kAllScores("shown compass scores", [](Words& words) {
-    return shownScores({words.text(), words.text(), words.text()});
+const Subject kPressure("shown pressure", [](double decibars, const std::string& units) {
+    return shownPressure(decibars, units == "metric");
 });
-
-const Subject kField("magnetic field", [](Words& words) {
-    const int index = fieldIndex(words.number<double>());
-    return std::to_string(std::max(index, -1)) + " " + rating(index);
+const Subject kCommand("command for the offset", offsetCommand);
+const Subject kRemaining("remaining time of the recorder", remainingTimeText);
+const Subject kListing("listing of the recorder", listingText);
+const Subject kDone("time of the recorder", doneText);
+const Subject kFileTime("time of a file", [](int year, int month, int day, int hour, int minute) {
+    return shown(fileDateText(year, month, day), fileTimeText(hour, minute));
 });
-
-const Subject kPressure("shown pressure", [](Words& words) {
-    const auto decibars = words.number<double>();
-    return shownPressure(decibars, words.text() == "metric");
-});
-
-const Subject kCommand("command for the offset", [](Words& words) {
-    const auto present = words.number<double>();
-    return offsetCommand(present, words.number<double>());
-});
-
-const Subject kRemaining("remaining time of the recorder", [](Words& words) {
-    const auto elapsed = words.number<std::uint32_t>();
-    const auto done = words.number<std::uint32_t>();
-    return narrow(remainingTimeText(elapsed, done, words.number<std::uint32_t>()));
-});
-
-const Subject kListing("listing of the recorder", [](Words& words) {
-    const auto elapsed = words.number<std::uint32_t>(), listed = words.number<std::uint32_t>();
-    return narrow(listingText(elapsed, listed, words.number<std::uint32_t>()));
-});
-
-const Subject kDone("time of the recorder",
-                    [](Words& words) { return narrow(doneText(words.number<std::uint32_t>())); });
-
-const Subject kFileTime("time of a file", [](Words& words) {
-    const int year = words.number(), month = words.number(), day = words.number();
-    const int hour = words.number();
-    return narrow(fileDateText(year, month, day) + L" " + fileTimeText(hour, words.number()));
-});
-
-const Subject kFolder("folder", [](Words& words) { return narrow(asFolder(words.wide())); });
+const Subject kFolder("folder", asFolder);
 
 }  // namespace
 }  // namespace kel::service

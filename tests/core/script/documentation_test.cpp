@@ -1,19 +1,12 @@
 // Runs the examples of the manual for script authors.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-
-#include "script/engine/session.h"
+#include "tests/core/script/recording_host.h"
 #include "tests/support/project_file.h"
+#include "tests/support/temporary_file.h"
 
 namespace kel::script {
 namespace {
-
-std::string readManual() {
-    std::ifstream file(test::projectFile("docs/scripting.md"));
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // The text between the next fence of a language and its end; what follows remains in `rest`.
 std::optional<std::string> takeBlock(std::string_view& rest, std::string_view language) {
@@ -29,57 +22,49 @@ std::optional<std::string> takeBlock(std::string_view& rest, std::string_view la
 
 // Shows what an example does as the manual does: sent lines as they stand, words in brackets. The
 // user accepts what every question shows at first.
-class ManualHost final : public Host {
+class ManualHost final : public RecordingHost {
 public:
-    std::string shown;
-    Observer observer;
+    Observer nobody;
 
-    void echo(std::string_view text) override { shown += text; }
-    void endErrorReport() override { shown += "\n"; }
+    void echo(std::string_view text) override { transcript += text; }
+    void endErrorReport() override { transcript += "\n"; }
     bool send(std::string_view line) override {
-        observer.lineSent(line);
+        nobody.lineSent(line);
         return show(std::string(line));
     }
-    void yield() override {}
-    bool cancelRequested() override { return false; }
-    void clearCancelRequest() override {}
 
     std::optional<std::size_t> findDirective(std::string_view name, std::size_t) override {
         directive_ = name;
         return 0;
     }
-
-    DirectiveOutcome callDirective(std::size_t, std::span<const std::string> parameters) override {
+    DirectiveOutcome callDirective(std::size_t, Parameters parameters) override {
         for (const std::string& parameter : parameters)
             directive_ += " " + parameter;
         return {true, show("[" + directive_ + "]")};
     }
-
     std::optional<std::size_t> findFunction(std::string_view name, std::size_t) override {
         if (name == "DATE") return 0;
         return std::nullopt;
     }
-
-    FunctionOutcome callFunction(std::size_t, std::span<const std::string>) override {
+    FunctionOutcome callFunction(std::size_t, Parameters) override {
         return {true, true, dateText(localTime())};
     }
-
     LocalTime localTime() override { return {2026, 3, 9, 13, 5, 59}; }
 
     Answers ask(const Question& question) override {
-        std::vector<std::string> answers;
+        std::vector<std::string> initial;
         std::string controls;
         for (const Control& control : question.controls) {
             controls += (controls.empty() ? "" : "; ") + control.caption;
-            answers.push_back(control.initial);
+            initial.push_back(control.initial);
         }
         show("[dialog " + question.title + ": " + controls + "]");
-        return answers;
+        return initial;
     }
 
 private:
     bool show(const std::string& line) {
-        shown += line + "\n";
+        transcript += line + "\n";
         return true;
     }
 
@@ -87,7 +72,7 @@ private:
 };
 
 TEST(Manual, ExamplesDoWhatItSays) {
-    const std::string manual = readManual();
+    const std::string manual = test::TemporaryFile::bytesOf(test::projectFile("docs/scripting.md"));
     std::string_view rest = manual;
     std::size_t examples = 0;
     while (const auto script = takeBlock(rest, "kel")) {
@@ -95,10 +80,9 @@ TEST(Manual, ExamplesDoWhatItSays) {
         ASSERT_TRUE(expected) << *script;
         ManualHost host;
         const TextRules rules;
-        VariableStore variables(rules);
-        Session session(host, variables, rules, host.observer);
+        Session session(host, host.variables, rules, host.nobody);
         EXPECT_TRUE(session.run(*script)) << *script;
-        EXPECT_EQ(host.shown, *expected) << *script;
+        EXPECT_EQ(host.transcript, *expected) << *script;
         ++examples;
     }
     EXPECT_GE(examples, 7u);
