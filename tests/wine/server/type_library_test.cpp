@@ -13,13 +13,6 @@ namespace {
 
 using com::ComPtr;
 
-std::string joined(const std::vector<std::string>& lines) {
-    std::string text;
-    for (const std::string& line : lines)
-        text += line + "\n";
-    return text;
-}
-
 // Name and help string of a member of a type, or of the type itself.
 struct Documentation {
     std::string name;
@@ -36,15 +29,12 @@ Documentation documentationOf(Info* info, MEMBERID member) {
 }
 
 void addMembers(ITypeInfo* type, bool withSlots, std::vector<std::string>& lines) {
-    for (UINT i = 0; i < attributesOf(type).cFuncs; ++i) {
-        FUNCDESC* function = nullptr;
-        com::check(type->GetFuncDesc(i, &function));
-        const std::string slot = std::to_string(function->oVft / sizeof(void*)) + " ";
-        lines.push_back("  " + (withSlots ? slot : "") + kindOf(function->invkind) +
-                        documentationOf(type, function->memid).name + " " +
-                        std::to_string(function->memid));
-        type->ReleaseFuncDesc(function);
-    }
+    forEachOwnMember(type, [&](ITypeInfo*, const FUNCDESC& function) {
+        const std::string slot = std::to_string(function.oVft / sizeof(void*)) + " ";
+        lines.push_back("  " + (withSlots ? slot : "") + kindOf(function.invkind) +
+                        documentationOf(type, function.memid).name + " " +
+                        std::to_string(function.memid));
+    });
 }
 
 // The entry of an interface in the form of interface_table.txt; none for a class.
@@ -104,7 +94,7 @@ TEST(TypeLibrary, HoldsExactlyTheInterfacesOfTheTable) {
     }
     for (const auto& [name, entry] : entries)
         lines.insert(lines.end(), entry.begin(), entry.end());
-    EXPECT_EQ(joined(lines), joined(resourceLines(L"interface_table")));
+    EXPECT_EQ(lines, linesOf("interface_table.txt"));
 }
 
 TEST(TypeLibrary, HoldsExactlyTheClassesOfTheTable) {
