@@ -53,9 +53,6 @@ const Library& kelUtils();
 const Library& benchLink();
 const Library& kelTrace();
 
-// The lines of a text that is built into the test program as a resource (RCDATA).
-std::vector<std::string> resourceLines(const wchar_t* name);
-
 // What a failing call published. Takes it: a second question finds nothing.
 struct PublishedError {
     std::wstring description;

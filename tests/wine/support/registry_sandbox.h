@@ -36,7 +36,6 @@ private:
 };
 
 // A setting of the current user, as a dialog keeps it in a section of the store.
-void remember(const std::string& section, const std::string& name, DWORD number);
 void remember(const std::string& section, const std::string& name, const std::string& text);
 // The same from a line: "section name = text", "section name = dword:number".
 void remember(const std::string& line);
