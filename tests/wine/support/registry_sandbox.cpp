@@ -109,11 +109,4 @@ void remember(const std::string& line) {
                     REG_DWORD, &number, sizeof number);
 }
 
-std::string joined(const std::set<std::string>& lines) {
-    std::string text;
-    for (const std::string& line : lines)
-        text += line + "\n";
-    return text;
-}
-
 }  // namespace kel::test

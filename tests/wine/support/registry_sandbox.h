@@ -41,6 +41,12 @@ void remember(const std::string& section, const std::string& name, const std::st
 void remember(const std::string& line);
 
 // One line below the other.
-std::string joined(const std::set<std::string>& lines);
+template <class Lines>
+std::string joined(const Lines& lines) {
+    std::string text;
+    for (const std::string& line : lines)
+        text += line + "\n";
+    return text;
+}
 
 }  // namespace kel::test
