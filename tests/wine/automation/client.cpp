@@ -9,13 +9,8 @@ _COM_SMARTPTR_TYPEDEF(ISupportErrorInfo, __uuidof(ISupportErrorInfo));
 
 int failures = 0;
 
-void expect(bool holds, const char* what) {
-    if (holds) return;
-    std::printf("not so: %s\n", what);
-    ++failures;
-}
-
-#define EXPECT(condition) expect(condition, #condition)
+#define EXPECT(condition) \
+    if (!(condition)) ++failures, std::printf("not so: %s\n", #condition)
 
 // Calls a member, or takes what it gives: call(object, &IThis::Do, 1),
 // take<long>(object, &IThis::get_Count).
