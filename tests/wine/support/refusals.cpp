@@ -12,15 +12,6 @@
 namespace kel::test {
 namespace {
 
-void expectTold(std::wstring_view source, const IID& interfaceId) {
-    const auto told = takeError();
-    ASSERT_TRUE(told) << "no error info";
-    EXPECT_NE(told->description, L"");
-    if (source.empty()) return;
-    EXPECT_EQ(told->source, source);
-    EXPECT_EQ(told->interfaceId, interfaceId);
-}
-
 // The same call late-bound: it fails with the same code, tells why, and leaves nothing behind.
 void expectToldLateBound(IDispatch* object, const FUNCDESC& function, HRESULT code,
                          std::wstring_view source) {
@@ -47,6 +38,15 @@ com::ComPtr<ITypeInfo> typeOf(IDispatch* object) {
 }
 
 }  // namespace
+
+void expectTold(std::wstring_view source, const IID& interfaceId) {
+    const auto told = takeError();
+    ASSERT_TRUE(told) << "no error info";
+    EXPECT_NE(told->description, L"");
+    if (source.empty()) return;
+    EXPECT_EQ(told->source, source);
+    EXPECT_EQ(told->interfaceId, interfaceId);
+}
 
 void expectNullPointersRefused(IDispatch* object, std::wstring_view source) {
     passNulls(object, typeOf(object),
