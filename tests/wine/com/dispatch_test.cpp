@@ -89,6 +89,11 @@ protected:
         return outcome;
     }
 
+    static std::string showPlace(const VARIANT& place) {
+        if (place.vt == VT_NULL) return "null";
+        return place.vt == VT_DISPATCH ? "an object" : show(Variant(place));
+    }
+
     // What is told of a call.
     std::string play(std::string line) {
         IDispatch* const object = objectOf(takeWord(line));
@@ -101,7 +106,7 @@ protected:
         std::string told = show(call(object, flags, all));
         if (!told.empty()) told += "\n";
         for (VARIANT* place : all.referred)
-            told += "& " + (place->vt == VT_DISPATCH ? "an object" : show(Variant(*place))) + "\n";
+            told += "& " + showPlace(*place) + "\n";
         for (VARIANT& value : all.values)
             VariantClear(&value);
         return told + link_.takeWork();
