@@ -4,6 +4,7 @@
 #include <deque>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "com/variant.h"
 
@@ -13,11 +14,17 @@ namespace kel::conformance {
 struct Outcome {
     DISPID member = 0;
     HRESULT code = S_OK;
-    std::string reason;  // that a failing member told
+    std::string reason;  // that a failing member told, and who told it
+    std::string source;
     com::Variant result;
     std::deque<com::Variant> outs;
     DWORD lastError = 0;  // of the thread, behind the call
 };
+
+// Calls a member. Arguments are passed as they stand: named ones first, then the last one first;
+// the value of a put, which is not in `named`, comes before all.
+Outcome invoke(IDispatch* object, DISPID member, WORD flags, std::vector<VARIANT> arguments,
+               std::vector<DISPID> named = {});
 
 // Calls a member by its name: "Name argument ..." or "Name argument ... = value". An argument is a
 // text in quotes, a number, "true", "false", "yes" (1, which is not VARIANT_TRUE), "none" (a text

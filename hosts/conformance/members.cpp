@@ -49,15 +49,18 @@ std::vector<com::ComPtr<ITypeInfo>> levelsOf(com::ComPtr<ITypeInfo> type) {
     }
 }
 
-void forEachMember(const com::ComPtr<ITypeInfo>& type, const Look& look) {
-    for (const com::ComPtr<ITypeInfo>& level : levelsOf(type)) {
-        for (UINT i = 0; i < attributesOf(level.Get()).cFuncs; ++i) {
-            FUNCDESC* function = nullptr;
-            com::check(level->GetFuncDesc(i, &function));
-            look(level.Get(), *function);
-            level->ReleaseFuncDesc(function);
-        }
+void forEachOwnMember(ITypeInfo* type, const Look& look) {
+    for (UINT i = 0; i < attributesOf(type).cFuncs; ++i) {
+        FUNCDESC* function = nullptr;
+        com::check(type->GetFuncDesc(i, &function));
+        look(type, *function);
+        type->ReleaseFuncDesc(function);
     }
+}
+
+void forEachMember(const com::ComPtr<ITypeInfo>& type, const Look& look) {
+    for (const com::ComPtr<ITypeInfo>& level : levelsOf(type))
+        forEachOwnMember(level.Get(), look);
 }
 
 VARTYPE passedAs(const ELEMDESC& parameter) {

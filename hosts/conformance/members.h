@@ -22,8 +22,10 @@ com::ComPtr<ITypeInfo> implemented(ITypeInfo* type, UINT index);
 // it.
 std::vector<com::ComPtr<ITypeInfo>> levelsOf(com::ComPtr<ITypeInfo> type);
 
-// Shows each member of an interface and its bases, with the interface that declares it.
+// Shows each member that an interface declares, or its bases as well, with the interface that
+// declares it.
 using Look = std::function<void(ITypeInfo* declaredBy, const FUNCDESC& member)>;
+void forEachOwnMember(ITypeInfo* type, const Look& look);
 void forEachMember(const com::ComPtr<ITypeInfo>& type, const Look& look);
 
 // How a parameter is passed; pointers, enumerations and colours as numbers.

@@ -13,43 +13,21 @@ namespace {
 
 constexpr ULONGLONG kPatience = 40000;
 
-std::wstring textOf(HWND window) {
-    wchar_t text[300] = L"";
-    InternalGetWindowText(window, text, 300);
-    return text;
-}
-
-struct Search {
-    DWORD process;
-    const AwaitedWindow& wanted;
-    HWND found = nullptr;
-    bool hasText = false;
-};
-
-BOOL CALLBACK lookForText(HWND child, LPARAM parameter) {
-    Search& search = *reinterpret_cast<Search*>(parameter);
-    search.hasText |= IsWindowVisible(child) && textOf(child) == search.wanted.text;
-    return TRUE;
-}
-
-BOOL CALLBACK lookForWindow(HWND window, LPARAM parameter) {
-    Search& search = *reinterpret_cast<Search*>(parameter);
-    DWORD process = 0;
-    GetWindowThreadProcessId(window, &process);
-    if (process != search.process || !IsWindowVisible(window)) return TRUE;
-    if (textOf(window) != search.wanted.caption) return TRUE;
-    search.hasText = search.wanted.text.empty();
-    EnumChildWindows(window, lookForText, parameter);
-    search.found = search.hasText ? window : nullptr;
-    return search.found == nullptr;
-}
-
-// Cancels the window once it is there, and gives it.
-HWND cancel(DWORD process, const AwaitedWindow& window) {
-    Search search{process, window};
-    EnumWindows(lookForWindow, reinterpret_cast<LPARAM>(&search));
-    if (search.found) PostMessageW(search.found, WM_COMMAND, IDCANCEL, 0);
-    return search.found;
+// Cancels a window of the process once it is there, and gives it.
+HWND cancel(DWORD process, const std::string& wanted) {
+    const std::size_t colon = wanted.find(": ");
+    const std::wstring caption = com::widen(wanted.substr(0, colon));
+    const std::wstring text = com::widen(colon == wanted.npos ? "" : wanted.substr(colon + 2));
+    HWND window = nullptr;
+    while ((window = FindWindowExW(nullptr, window, nullptr, caption.c_str()))) {
+        DWORD owner = 0;
+        GetWindowThreadProcessId(window, &owner);
+        if (owner != process || !IsWindowVisible(window)) continue;
+        const HWND child = FindWindowExW(window, nullptr, nullptr, text.c_str());
+        if (text.empty() || IsWindowVisible(child)) break;
+    }
+    if (window) PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
+    return window;
 }
 
 com::FileHandle open(const std::wstring& path, DWORD access) {
@@ -61,7 +39,7 @@ com::FileHandle open(const std::wstring& path, DWORD access) {
 }  // namespace
 
 std::string runScriptHost(const std::string& script, const wchar_t* extension,
-                          std::deque<AwaitedWindow> windows) {
+                          std::deque<std::string> windows) {
     const TemporaryFolder folder;
     const std::wstring file = folder.file(std::wstring(L"script") + extension, script);
 
@@ -92,8 +70,8 @@ std::string runScriptHost(const std::string& script, const wchar_t* extension,
         ADD_FAILURE() << "the script does not end";
         TerminateProcess(process.get(), 1);
     }
-    for (const AwaitedWindow& window : windows)
-        ADD_FAILURE() << "no window \"" << com::narrow(std::wstring_view(window.caption)) << "\"";
+    for (const std::string& window : windows)
+        ADD_FAILURE() << "no window \"" << window << "\"";
     std::string text = folder.content(L"output");
     std::erase(text, '\r');
     return text;

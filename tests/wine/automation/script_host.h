@@ -6,15 +6,10 @@
 
 namespace kel::test {
 
-// A window by its caption, with a text that is seen in it unless that is empty.
-struct AwaitedWindow {
-    std::wstring caption;
-    std::wstring text;
-};
-
-// Runs a script and gives what it prints. The windows are awaited in turn and cancelled; it is a
-// failure of the test when one does not come, or when the script does not end.
+// Runs a script and gives what it prints. The windows, "caption" or "caption: a text seen in it",
+// are awaited in turn and cancelled; it is a failure of the test when one does not come, or when
+// the script does not end.
 std::string runScriptHost(const std::string& script, const wchar_t* extension,
-                          std::deque<AwaitedWindow> windows = {});
+                          std::deque<std::string> windows);
 
 }  // namespace kel::test

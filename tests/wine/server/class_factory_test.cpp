@@ -2,11 +2,11 @@
 #include <objsafe.h>
 
 #include <cstdlib>
-#include <set>
 
 #include "com/object.h"
 #include "interfaces/KelUtils.h"
 #include "tests/wine/server/expected.h"
+#include "tests/wine/support/fake_link.h"
 #include "tests/wine/support/import_patch.h"
 #include "tests/wine/support/library.h"
 #include "tests/wine/support/refusals.h"
@@ -24,16 +24,23 @@ ComPtr<IClassFactory> factoryOf(REFCLSID identifier) {
     return factory;
 }
 
+// An object that is a component and nothing else.
 class Outer final : public com::Object<Outer> {
 public:
     static constexpr com::ClassDescription kClass{};
-    com::ComPtr<IUnknown> part;
+    ComPtr<IUnknown> part;
 
 private:
     HRESULT findElsewhere(REFIID iid, void** result) override {
         return part ? part->QueryInterface(iid, result) : E_NOINTERFACE;
     }
 };
+
+ComPtr<Outer> makeOuter(REFCLSID identifier) {
+    const auto outer = com::makeObject<Outer>();
+    outer->part = kelUtils().create<IUnknown>(identifier, outer->controlling());
+    return outer;
+}
 
 TEST(ClassObject, OnlyTheClassesOfTheTableHaveAFactory) {
     for (const ExpectedClass& row : expectedClasses()) {
@@ -61,73 +68,92 @@ TEST(ClassObject, IsMadeOnceAndDoesNotLockTheLibrary) {
 
 TEST(ClassFactory, RefusesWhatItCannotGive) {
     const ComPtr<IClassFactory> factory = factoryOf(CLSID_Preprocessor);
-    const ComPtr<IUnknown> outer = factory;
-    void* result = &result;
+    IUnknown* const outer = factory.Get();
     EXPECT_EQ(factory->CreateInstance(nullptr, IID_IUnknown, nullptr), E_POINTER);
-    EXPECT_EQ(factory->CreateInstance(outer.Get(), IID_IDispatch, nullptr), E_POINTER);
-    EXPECT_EQ(factory->CreateInstance(outer.Get(), IID_IDispatch, &result), CLASS_E_NOAGGREGATION);
-    EXPECT_EQ(result, nullptr);
-    result = &result;
-    EXPECT_EQ(factory->CreateInstance(nullptr, IID_IOleObject, &result), E_NOINTERFACE);
-    EXPECT_EQ(result, nullptr);
+    EXPECT_EQ(factory->CreateInstance(outer, IID_IDispatch, nullptr), E_POINTER);
+    for (IUnknown* const each : {outer, static_cast<IUnknown*>(nullptr)}) {
+        void* result = &result;
+        EXPECT_EQ(factory->CreateInstance(each, IID_IOleObject, &result),
+                  each ? CLASS_E_NOAGGREGATION : E_NOINTERFACE);
+        EXPECT_EQ(result, nullptr);
+    }
     EXPECT_EQ(kelUtils().canUnloadNow(), S_OK);
 }
 
 TEST(ClassFactory, UnbuiltClassesSayWhichTheyAre) {
     for (const ExpectedClass& row : expectedClasses()) {
-        if (row.registryScript == 0 || isBuilt(row)) continue;
+        if (row.registryScript == 0 || row.isBuilt()) continue;
         SCOPED_TRACE(row.name);
-        const std::wstring name(row.name.begin(), row.name.end());
         void* result = &result;
         EXPECT_EQ(factoryOf(row.identifier)->CreateInstance(nullptr, IID_IDispatch, &result),
                   E_NOTIMPL);
         EXPECT_EQ(result, nullptr);
         const auto error = takeError();
         ASSERT_TRUE(error);
-        EXPECT_NE(error->description.find(name), std::wstring::npos);
-        EXPECT_EQ(error->source, L"KelUtils." + name + L".1");
+        EXPECT_NE(error->description.find(com::widen(row.name)), std::wstring::npos);
+        EXPECT_EQ(error->source, row.program());
         EXPECT_EQ(error->interfaceId, IID_IDispatch);
     }
 }
 
-// Its class, its default events, and that its dual interfaces are all reached late-bound.
-void expectClassInformation(const ExpectedClass& row, IDispatch* object) {
+ComPtr<IUnknown> ask(IUnknown* object, REFIID iid) {
+    ComPtr<IUnknown> result;
+    EXPECT_EQ(object->QueryInterface(iid, reinterpret_cast<void**>(result.GetAddressOf())), S_OK);
+    return result;
+}
+
+// Every interface leads to every other, and all of them to the one identity.
+void expectOneIdentity(IUnknown* object, const std::vector<IID>& interfaces) {
+    for (const IID& from : interfaces) {
+        const ComPtr<IUnknown> first = ask(object, from);
+        for (const IID& to : interfaces) {
+            const ComPtr<IUnknown> second = ask(first.Get(), to);
+            EXPECT_EQ(second.Get(), ask(object, to).Get());
+            EXPECT_EQ(ask(second.Get(), IID_IUnknown).Get(), object);
+        }
+        void* none = &none;
+        EXPECT_EQ(first->QueryInterface(IID_IStream, &none), E_NOINTERFACE);
+        EXPECT_EQ(none, nullptr);
+        EXPECT_EQ(first->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
+    }
+}
+
+// Its class and its default events. Gives the interfaces that it answers with.
+std::vector<IID> expectClassInformation(const ExpectedClass& row, IDispatch* object) {
     ComPtr<IProvideClassInfo2> information;
     ComPtr<ISupportErrorInfo> support;
-    ComPtr<ITypeInfo> coclass, type;
-    ASSERT_EQ(object->QueryInterface(IID_PPV_ARGS(&information)), S_OK);
-    ASSERT_EQ(object->QueryInterface(IID_PPV_ARGS(&support)), S_OK);
-    ASSERT_EQ(information->GetClassInfo(&coclass), S_OK);
-    ASSERT_EQ(object->GetTypeInfo(0, 0, &type), S_OK);
+    ComPtr<ITypeInfo> coclass;
+    com::check(object->QueryInterface(IID_PPV_ARGS(&information)));
+    com::check(object->QueryInterface(IID_PPV_ARGS(&support)));
+    com::check(information->GetClassInfo(&coclass));
     EXPECT_EQ(attributesOf(coclass.Get()).guid, row.identifier);
+    EXPECT_EQ(information->GetClassInfo(nullptr), E_POINTER);
     GUID source{};
+    constexpr DWORD kDefault = GUIDKIND_DEFAULT_SOURCE_DISP_IID;
+    EXPECT_EQ(information->GetGUID(kDefault, nullptr), E_POINTER);
+    EXPECT_EQ(information->GetGUID(kDefault + 1, &source), E_INVALIDARG);
     const bool hasEvents = row.interfaces.find("default source") != std::string::npos;
-    EXPECT_EQ(information->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, &source),
-              hasEvents ? S_OK : E_UNEXPECTED);
+    EXPECT_EQ(information->GetGUID(kDefault, &source), hasEvents ? S_OK : E_UNEXPECTED);
     EXPECT_EQ(source != GUID_NULL, hasEvents);
 
-    std::set<std::string> reached;
-    for (const auto& level : levelsOf(type))
-        reached.insert(nameOf(level.Get()));
+    std::vector<IID> interfaces{IID_IUnknown, IID_IDispatch, IID_ISupportErrorInfo,
+                                IID_IProvideClassInfo, IID_IProvideClassInfo2};
     for (UINT i = 0; i < attributesOf(coclass.Get()).cImplTypes; ++i) {
-        const ComPtr<ITypeInfo> each = implemented(coclass.Get(), i);
         INT flags = 0;
         com::check(coclass->GetImplTypeFlags(i, &flags));
         if (flags & IMPLTYPEFLAG_FSOURCE) continue;
-        const TYPEATTR attributes = attributesOf(each.Get());
-        EXPECT_EQ(support->InterfaceSupportsErrorInfo(attributes.guid), S_OK);
-        const bool isDual = attributes.wTypeFlags & TYPEFLAG_FDUAL;
-        EXPECT_EQ(reached.contains(nameOf(each.Get())), isDual) << nameOf(each.Get());
+        interfaces.push_back(attributesOf(implemented(coclass.Get(), i).Get()).guid);
+        EXPECT_EQ(support->InterfaceSupportsErrorInfo(interfaces.back()), S_OK);
     }
     EXPECT_EQ(support->InterfaceSupportsErrorInfo(IID_IDispatch), S_FALSE);
     EXPECT_EQ(support->InterfaceSupportsErrorInfo(IID_IStream), S_FALSE);
+    return interfaces;
 }
 
 void expectUnsafe(IDispatch* object, const std::wstring& source) {
     ComPtr<IObjectSafety> safety;
-    ASSERT_EQ(
-        object->QueryInterface(IID_IObjectSafety, reinterpret_cast<void**>(safety.GetAddressOf())),
-        S_OK);
+    com::check(
+        object->QueryInterface(IID_IObjectSafety, reinterpret_cast<void**>(safety.GetAddressOf())));
     DWORD supported = 7, enabled = 7;
     EXPECT_EQ(safety->GetInterfaceSafetyOptions(IID_IDispatch, &supported, &enabled), S_OK);
     EXPECT_EQ(supported + enabled, 0u);
@@ -136,59 +162,53 @@ void expectUnsafe(IDispatch* object, const std::wstring& source) {
     for (const DWORD option :
          {INTERFACESAFE_FOR_UNTRUSTED_CALLER, INTERFACESAFE_FOR_UNTRUSTED_DATA}) {
         EXPECT_EQ(safety->SetInterfaceSafetyOptions(IID_IDispatch, option, option), E_FAIL);
-        const auto told = takeError();
-        ASSERT_TRUE(told);
-        EXPECT_EQ(told->source, source);
-        EXPECT_EQ(told->interfaceId, IID_IObjectSafety);
-        EXPECT_NE(told->description, L"");
+        expectTold(source, IID_IObjectSafety);
     }
 }
 
 TEST(ClassFactory, BuiltClassesKeepTheManners) {
     for (const ExpectedClass& row : expectedClasses()) {
-        if (!isBuilt(row)) continue;
+        if (!row.isBuilt()) continue;
         SCOPED_TRACE(row.name);
-        const std::wstring source = L"KelUtils." + com::widen(row.name) + L".1";
         const auto object = kelUtils().create<IDispatch>(row.identifier);
-        expectNullPointersRefused(object.Get(), source);
+        expectNullPointersRefused(object.Get(), row.program());
         // Its window opens without a communicator.
         const bool opens = row.name == "MultiSelectDialog";
-        expectFailuresExplained(object.Get(), source, opens ? "ShowModal" : "");
-        expectClassInformation(row, object.Get());
-        expectUnsafe(object.Get(), source);
+        expectFailuresExplained(object.Get(), row.program(), opens ? "ShowModal" : "");
+        const std::vector<IID> interfaces = expectClassInformation(row, object.Get());
+        expectUnsafe(object.Get(), row.program());
+        expectOneIdentity(ask(object.Get(), IID_IUnknown).Get(), interfaces);
 
-        const auto outer = com::makeObject<Outer>();
-        ASSERT_EQ(factoryOf(row.identifier)
-                      ->CreateInstance(outer->controlling(), IID_PPV_ARGS(&outer->part)),
-                  S_OK);
-        ComPtr<IDispatch> part;
-        ComPtr<IUnknown> identity;
-        ASSERT_EQ(outer->QueryInterface(IID_PPV_ARGS(&part)), S_OK);
-        ASSERT_EQ(part.As(&identity), S_OK);
-        EXPECT_EQ(identity.Get(), outer->controlling());
+        ComPtr<Outer> outer = makeOuter(row.identifier);
+        EXPECT_NE(outer->part.Get(), outer->controlling());
+        EXPECT_EQ(ask(outer->part.Get(), IID_IUnknown).Get(), outer->part.Get());
+        expectOneIdentity(outer->controlling(), interfaces);
+        const ComPtr<IUnknown> part = ask(outer->controlling(), interfaces.back());
+        outer.Reset();
+        EXPECT_NE(ask(part.Get(), IID_IDispatch).Get(), nullptr);
     }
 }
 
-// More often where somebody has the time.
+// The last reference from outside goes while a script runs.
+TEST(ClassFactory, AComponentKeepsWhatItIsPartOfAliveWhileItRuns) {
+    FakeLink link;
+    ComPtr<Outer> outer = makeOuter(CLSID_Preprocessor);
+    ComPtr<IPreprocessorImpl> preprocessor;
+    com::check(outer.As(&preprocessor));
+    com::check(preprocessor->put_Communicator(link.communicator()));
+    outer.Reset();
+    link.onCall = [&](const std::string&) { preprocessor.Reset(); };
+    VARIANT_BOOL result = VARIANT_FALSE;
+    IPreprocessorImpl* running = preprocessor.Get();
+    EXPECT_EQ(running->PreprocessAndRun(com::Bstr(L"one\n#WAIT\n##DATE()").get(), &result), S_OK);
+    EXPECT_EQ(result, VARIANT_TRUE);
+}
+
 TEST(ClassFactory, ComponentsMadeAgainAndAgainLeaveNothing) {
-    const char* wanted = std::getenv("KEL_OPENING_ROUNDS");
-    const int rounds = wanted ? std::atoi(wanted) : 20;
     for (const ExpectedClass& row : expectedClasses()) {
-        if (!isBuilt(row)) continue;
+        if (!row.isBuilt()) continue;
         SCOPED_TRACE(row.name);
-        const auto make = [&](int times) {
-            for (int i = 0; i < times; ++i)
-                kelUtils().create<IDispatch>(row.identifier);
-        };
-        make(4);
-        ResourceCounts before, after;
-        // What the platform keeps for good comes once.
-        for (int attempt = 0; attempt < 3 && (attempt == 0 || after != before); ++attempt) {
-            before = countResources();
-            make(rounds);
-            after = countResources();
-        }
-        EXPECT_EQ(after, before);
+        expectNothingLeft([&] { kelUtils().create<IDispatch>(row.identifier); });
     }
 }
 
@@ -201,31 +221,27 @@ void* allocateFew(std::size_t size) {
 TEST(ClassFactory, AnyFailingAllocationIsTold) {
     const ImportPatch patch(kelUtils().module(), "malloc", reinterpret_cast<void*>(allocateFew));
     for (const ExpectedClass& row : expectedClasses()) {
-        if (!isBuilt(row)) continue;
-        for (int allocation = 0;; ++allocation) {
+        if (!row.isBuilt()) continue;
+        bool hasFailed = true;
+        for (int allocation = 0; hasFailed; ++allocation) {
             SCOPED_TRACE(row.name + (" " + std::to_string(allocation)));
             allocationsThatGoWell = allocation;
             ComPtr<IDispatch> object;
             const HRESULT code =
                 factoryOf(row.identifier)->CreateInstance(nullptr, IID_PPV_ARGS(&object));
-            const bool hasFailed = allocationsThatGoWell < 0;
+            hasFailed = allocationsThatGoWell < 0;
             // What is not needed at once may be made later.
-            if (FAILED(code)) {
-                EXPECT_EQ(code, E_OUTOFMEMORY);
-            }
+            EXPECT_TRUE(code == E_OUTOFMEMORY || (code == S_OK && allocation > 0)) << code;
             EXPECT_EQ(FAILED(code), !object);
             object.Reset();
             EXPECT_EQ(kelUtils().canUnloadNow(), S_OK);
-            if (!hasFailed) break;
-            EXPECT_TRUE(allocation > 0 || FAILED(code));
         }
     }
 }
 
 TEST(CanUnload, CountsObjectsAndLocks) {
     const ComPtr<IClassFactory> factory = factoryOf(CLSID_Preprocessor);
-    ComPtr<IUnknown> object;
-    ASSERT_EQ(factory->CreateInstance(nullptr, IID_PPV_ARGS(&object)), S_OK);
+    auto object = kelUtils().create<IUnknown>(CLSID_Preprocessor);
     EXPECT_EQ(kelUtils().canUnloadNow(), S_FALSE);
     EXPECT_EQ(factory->LockServer(TRUE), S_OK);
     object.Reset();

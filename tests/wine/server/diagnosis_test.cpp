@@ -1,15 +1,12 @@
-#include <gtest/gtest.h>
-
+// What --diagnose finds in a registration; diagnosis.txt tells how the cases are written.
 #include <algorithm>
 #include <unordered_map>
 
 #include "com/text.h"
 #include "hosts/shared/library_contents.h"
 #include "hosts/shared/registration_source.h"
-#include "interfaces/KelUtils.h"
-#include "tests/wine/server/expected.h"
-#include "tests/wine/support/library.h"
-#include "tests/wine/support/registry_sandbox.h"
+#include "tests/support/table.h"
+#include "tests/wine/server/machine_classes.h"
 
 namespace kel::test {
 namespace {
@@ -26,178 +23,118 @@ host::ReadValue readerOf(const Values& values) {
     };
 }
 
-Values valuesOf(const std::set<std::string>& listing) {
-    Values values;
-    for (const std::string& line : listing) {
-        const std::size_t equals = line.find(" = \"");
-        values[line.substr(0, equals)] =
-            equals == std::string::npos ? "" : line.substr(equals + 4, line.size() - equals - 5);
-    }
-    return values;
+// Takes out what begins so.
+Values take(Values& values, const std::string& start) {
+    Values taken;
+    std::erase_if(values, [&](const auto& each) {
+        return each.first.starts_with(start) && taken.insert(each).second;
+    });
+    return taken;
 }
 
-class DiagnosisOfTheRegistration : public testing::Test {
+class Diagnosis : public MachineClasses, public testing::WithParamInterface<Case> {
 protected:
-    DiagnosisOfTheRegistration() {
-        for (const wchar_t* name : {L"CLSID", L"Interface", L"TypeLib"}) {
-            com::RegistryKeyHandle key;
-            EXPECT_EQ(RegCreateKeyW(classes_.key(), name, key.put()), ERROR_SUCCESS);
+    Diagnosis() {
+        EXPECT_EQ(registerServer(), S_OK);
+        for (const std::string& line : classes_.listing()) {
+            const std::size_t equals = line.find(" = \"");
+            values_[line.substr(0, equals)] =
+                equals == line.npos ? "" : line.substr(equals + 4, line.size() - equals - 5);
         }
-        EXPECT_EQ(exportOf<HRESULT WINAPI()>(kelUtils().module(), "DllRegisterServer")(), S_OK);
-        values_ = valuesOf(classes_.listing());
         source_.user = readerOf(user_);
         source_.machine = readerOf(values_);
-        source_.file = [](const std::string&) { return host::ImageFile{true, 32, ""}; };
-        source_.manifest = [](const std::string&) { return std::nullopt; };
+        source_.file = [this](const std::string& path) {
+            const auto known = files_.find(path);
+            if (known == files_.end()) return host::ImageFile{true, 32, ""};
+            return host::ImageFile{known->second != "none", std::atoi(known->second.c_str()), ""};
+        };
+        source_.manifest = [this](const std::string& identifier) {
+            return manifest_.empty() || identifier == unnamed_ ? std::nullopt
+                                                               : std::optional(manifest_);
+        };
     }
 
     RegistrationReport check() const { return checkLibrary(host::kelUtilsLibrary(), source_); }
 
-    static std::string faultsOf(const RegistrationReport& report) {
-        std::string text;
-        for (const std::string& fault : report.faults)
-            text += fault + "\n";
-        return text;
+    // Does a line, or gives what a check tells.
+    std::string play(std::string line) {
+        const std::string word = takeWord(line);
+        const std::size_t equals = line.find(" = ");
+        const std::string rest = equals == line.npos ? "" : line.substr(equals + 3);
+        line.erase(std::min(equals, line.size()));
+        if (line == "$module") line = module_;
+        if (word == "put") return values_[line] = rest, "";
+        if (word == "take") return take(values_, line), "";
+        if (word == "user") return user_ = values_, "";
+        if (word == "file") return files_[line] = rest, "";
+        if (word == "manifest") return manifest_ = line, unnamed_ = rest, "";
+        return told(word == "library" ? check() : checkLink("A.Link", parts_, source_));
     }
-    std::string faults() const { return faultsOf(check()); }
 
-    RegistrySandbox classes_{HKEY_CLASSES_ROOT};
-    Values user_;
-    Values values_;
+    std::string told(const RegistrationReport& report) const {
+        std::string text = report.contents.empty() ? "" : report.contents + "\n";
+        for (const std::string& note : report.notes)
+            text += "note: " + note + "\n";
+        for (const std::string& fault : report.faults)
+            text += "wrong: " + fault + "\n";
+        for (const std::string& remedy : report.remedies)
+            text += "to do: " + remedy + "\n";
+        const std::size_t path = text.find(module_);
+        return path == text.npos ? text : text.replace(path, module_.size(), "$module");
+    }
+
+    const std::string module_ = com::narrow(kelUtils().path());
+    const host::LinkPart parts_[2] = {{"needed", "{1}", nullptr}, {"wanted", "{2}", "some dialog"}};
+    std::string manifest_, unnamed_;
+    Values user_, values_, files_;
     host::RegistrationSource source_;
 };
 
-TEST_F(DiagnosisOfTheRegistration, FindsNothingWrongWithARegistration) {
+TEST_P(Diagnosis, TellsWhatTheTableTells) {
+    playTable(GetParam(), [&](const std::string& line) { return play(line); });
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, Diagnosis,
+                         testing::ValuesIn(readCases("tests/wine/server/diagnosis.txt")),
+                         testing::PrintToStringParamName());
+
+TEST_F(Diagnosis, FindsNothingWrongWithARegistration) {
     source_ = host::registrationSource();
     source_.user = readerOf(user_);
     source_.machine = host::readerOf(classes_.key());
-    RegistrationReport report = check();
-    EXPECT_EQ(faults(), "");
-    EXPECT_EQ(report.place, host::Place::kMachine);
-    EXPECT_EQ(report.file, com::narrow(kelUtils().path()));
-    EXPECT_EQ(report.image.bits, 32);
+    EXPECT_EQ(told(check()), "18 classes, 55 interfaces, type library 1.0\n");
+    EXPECT_EQ(check().place, host::Place::kMachine);
+    EXPECT_EQ(check().file, module_);
+    EXPECT_EQ(check().image.bits, 32);
     EXPECT_EQ(source_.file("ole32.dll").bits, 32);
-    EXPECT_EQ(report.contents, "18 classes, 55 interfaces, type library 1.0");
-    EXPECT_TRUE(report.notes.empty());
     std::swap(source_.user, source_.machine);
     EXPECT_EQ(check().place, host::Place::kUser);
 }
 
-TEST_F(DiagnosisOfTheRegistration, NamesEachKeyThatIsGoneOrWrong) {
-    const Values whole = values_;
+TEST_F(Diagnosis, NamesEachKeyThatIsGoneOrWrong) {
     std::size_t count = 0;
-    for (const auto& [place, value] : whole) {
+    for (const auto& [place, value] : Values(values_)) {
         // The roots are everybody's; the marshaller for 16 bits means nothing any more.
         if (place.find('\\') == std::string::npos && !place.starts_with("KelUtils.")) continue;
         if (place.ends_with("\\ProxyStubClsid")) continue;
         SCOPED_TRACE(place);
-        Values taken;
-        std::erase_if(values_, [&](const auto& other) {
-            const bool isBelow = other.first == place || other.first.starts_with(place + "\\") ||
-                                 other.first.starts_with(place + " : ");
-            if (isBelow) taken.insert(other);
-            return isBelow;
-        });
-        const RegistrationReport report = check();
-        const std::string gone = faultsOf(report);
-        EXPECT_NE(gone.find(place), std::string::npos) << gone;
-        EXPECT_FALSE(report.remedies.empty());
+        Values taken = take(values_, place + "\\");
+        taken.merge(take(values_, place + " : "));
+        taken.insert(values_.extract(place));
+        const RegistrationReport gone = check();
+        EXPECT_NE(told(gone).find(place), std::string::npos) << told(gone);
+        EXPECT_FALSE(gone.remedies.empty());
         values_.merge(taken);
         if (value.empty()) continue;
         values_[place] = "wrong";
-        const std::string wrong = faults();
-        EXPECT_NE(wrong.find(place + " is 'wrong'"), std::string::npos) << wrong;
-        EXPECT_EQ(std::ranges::count(wrong, '\n'), 1) << wrong;
+        const std::vector<std::string> faults = check().faults;
+        ASSERT_EQ(faults.size(), 1u) << told(check());
+        EXPECT_NE(faults[0].find(place + " is 'wrong'"), std::string::npos) << faults[0];
         values_[place] = value;
         ++count;
     }
     EXPECT_GT(count, 400u);
-    EXPECT_EQ(faults(), "");
-}
-
-TEST_F(DiagnosisOfTheRegistration, TellsWhatElseCanBeWrong) {
-    const auto whole = source_;
-    const std::string path = com::narrow(kelUtils().path());
-    const auto with = [&](host::ImageFile file) {
-        source_.file = [file](const std::string&) { return file; };
-        const std::string text = faults();
-        source_ = whole;
-        return text;
-    };
-    EXPECT_EQ(with({}), "there is no file " + path + "\n");
-    EXPECT_EQ(with({true, 64, ""}), path + " is a 64-bit library\n");
-    EXPECT_EQ(with({true, 0, ""}), path + " is no library\n");
-
-    source_.manifest = [](const std::string& identifier) -> std::optional<std::string> {
-        if (identifier == toText(CLSID_Preprocessor)) return std::nullopt;
-        return "C:\\bare\\KelUtils.manifest";
-    };
-    source_.file = [](const std::string&) { return host::ImageFile(); };
-    EXPECT_EQ(faults(),
-              "C:\\bare\\KelUtils.manifest does not name Preprocessor\n"
-              "there is no file C:\\bare\\KelUtils.dll\n");
-    source_ = whole;
-
-    std::erase_if(values_,
-                  [](const auto& value) { return value.first.starts_with("Interface\\"); });
-    EXPECT_EQ(faults(),
-              "55 interfaces of 55 are not registered: calls from thread to thread fail\n");
-    values_.clear();
-    EXPECT_EQ(faults(), "not one of its classes is registered\n");
-}
-
-// What is no fault, and yet worth knowing.
-TEST_F(DiagnosisOfTheRegistration, NotesWhatOthersHaveRegistered) {
-    const std::string interfaceKey = "Interface\\" + toText(__uuidof(IKelStream));
-    values_[interfaceKey + "\\TypeLib"] = "{other}";
-    values_[interfaceKey + "\\TypeLib : Version"] = "2.0";
-    EXPECT_NE(faults(), "");
-    values_["TypeLib\\{other}"] = "";
-    EXPECT_EQ(faults(), "");
-    ASSERT_EQ(check().notes.size(), 1u);
-    EXPECT_TRUE(check().notes[0].starts_with("1 interface is registered by another library"));
-
-    user_ = values_;
-    values_["CLSID\\" + toText(CLSID_Preprocessor) + "\\InprocServer32"] = "C:\\old.dll";
-    EXPECT_EQ(faults(), "");
-    ASSERT_EQ(check().notes.size(), 2u);
-    EXPECT_EQ(check().notes[0], "programs that run as an administrator use C:\\old.dll");
-}
-
-TEST(DiagnosisOfALink, NamesWhatIsMissing) {
-    Values values;
-    host::RegistrationSource source;
-    source.user = [](const auto&, const auto&) { return std::nullopt; };
-    source.machine = readerOf(values);
-    source.file = [](const std::string& path) {
-        return host::ImageFile{path != "gone", path == "wide" ? 64 : path == "text" ? 0 : 32, ""};
-    };
-    const host::LinkPart parts[] = {{"needed", "{1}", nullptr}, {"wanted", "{2}", "some dialog"}};
-    const auto check = [&] {
-        const RegistrationReport report = checkLink("A.Link", parts, source);
-        std::string text = report.contents + "|";
-        for (const std::string& note : report.notes)
-            text += note + "|";
-        for (const std::string& fault : report.faults)
-            text += fault + "|";
-        return text;
-    };
-    EXPECT_EQ(check(), "|A.Link is not registered|");
-    values["A.Link\\CLSID"] = "{0}";
-    EXPECT_EQ(check(),
-              "needed|it has no wanted: no some dialog|"
-              "A.Link: CLSID\\{0}\\InprocServer32 is missing|"
-              "needed: CLSID\\{1}\\InprocServer32 is missing|");
-    const auto put = [&](const char* identifier, const char* path) {
-        values[std::string("CLSID\\") + identifier + "\\InprocServer32"] = path;
-    };
-    put("{0}", "\"link.dll\"");
-    put("{1}", "LINK.dll");
-    put("{2}", "wide");
-    EXPECT_EQ(check(), "needed, wanted|wanted: wide is a 64-bit library|");
-    put("{1}", "gone");
-    put("{2}", "text");
-    EXPECT_EQ(check(), "needed, wanted|needed: there is no file gone|wanted: text is no library|");
+    EXPECT_TRUE(check().faults.empty());
 }
 
 }  // namespace

@@ -2,19 +2,30 @@
 
 #include <objbase.h>
 
+#include <fstream>
 #include <set>
 #include <sstream>
 
 #include "com/error.h"
 #include "com/text.h"
-#include "tests/wine/support/library.h"
+#include "tests/support/project_file.h"
 
 namespace kel::test {
+
+std::wstring ExpectedClass::program() const {
+    return L"KelUtils." + com::widen(name) + L".1";
+}
+
+bool ExpectedClass::isBuilt() const {
+    static const std::set<std::string> unbuilt{"DataGrid", "HTMLChildWindow", "HTMLPageData",
+                                               "HTMLWindow"};
+    return registryScript != 0 && !unbuilt.contains(name);
+}
 
 const std::vector<ExpectedClass>& expectedClasses() {
     static const std::vector<ExpectedClass> classes = [] {
         std::vector<ExpectedClass> read;
-        for (const std::string& line : resourceLines(L"class_table")) {
+        for (const std::string& line : linesOf("class_table.txt")) {
             ExpectedClass& row = read.emplace_back();
             std::istringstream text(line);
             std::string identifier;
@@ -27,10 +38,23 @@ const std::vector<ExpectedClass>& expectedClasses() {
     return classes;
 }
 
-bool isBuilt(const ExpectedClass& row) {
-    static const std::set<std::string> unbuilt{"DataGrid", "HTMLChildWindow", "HTMLPageData",
-                                               "HTMLWindow"};
-    return row.registryScript != 0 && !unbuilt.contains(row.name);
+std::vector<ExpectedInterface> expectedInterfaces() {
+    std::vector<ExpectedInterface> interfaces;
+    for (const std::string& line : linesOf("interface_table.txt")) {
+        if (line.starts_with(" ") || line.starts_with("library")) continue;
+        std::string kind, name;
+        std::istringstream(line) >> kind >> name;
+        interfaces.push_back({name, line.substr(line.find('{')), kind == "events"});
+    }
+    return interfaces;
+}
+
+std::vector<std::string> linesOf(const std::string& table) {
+    std::ifstream file(projectFile("tests/wine/server/" + table));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(file, line);)
+        lines.push_back(line);
+    return lines;
 }
 
 std::string toText(const GUID& identifier) {

@@ -1,5 +1,6 @@
 #pragma once
-// The classes that the library must have, from class_table.txt.
+// What the library must have: the classes of class_table.txt, the interfaces of
+// interface_table.txt.
 
 #include <windows.h>
 
@@ -17,11 +18,22 @@ struct ExpectedClass {
 
     // The class's interfaces as "default IThis, IThat, default source IEvents".
     std::string interfaces;
+
+    std::wstring program() const;
+    // False for those that are registered but refuse to be created, and for the pages.
+    bool isBuilt() const;
 };
 const std::vector<ExpectedClass>& expectedClasses();
 
-// False for those that are registered but refuse to be created, and for the pages.
-bool isBuilt(const ExpectedClass& row);
+struct ExpectedInterface {
+    std::string name;
+    std::string identifier;
+    bool isEvents;
+};
+std::vector<ExpectedInterface> expectedInterfaces();
+
+// The lines of a table in this folder.
+std::vector<std::string> linesOf(const std::string& table);
 
 // An identifier as text with braces, in upper case.
 std::string toText(const GUID& identifier);

@@ -1,6 +1,4 @@
 // Where hosts look for libraries.
-#include <gtest/gtest.h>
-
 #include <filesystem>
 
 #include "hosts/shared/library_search.h"
@@ -14,8 +12,7 @@ TEST(LibrarySearch, LeavesTheCurrentFolderOut) {
     namespace fs = std::filesystem;
     constexpr wchar_t kPlanted[] = L"kel_planted.dll";
     constexpr wchar_t kHelper[] = L"kel_helper.dll";
-    const TemporaryFolder here;
-    const TemporaryFolder onPath;
+    const TemporaryFolder here, onPath;
     const fs::path before = fs::current_path();
     fs::copy_file(benchLink().path(), fs::path(here.path()) / kPlanted);
     fs::copy_file(benchLink().path(), fs::path(onPath.path()) / kHelper);

@@ -1,29 +1,20 @@
-#include <gtest/gtest.h>
-
 #include <filesystem>
-#include <fstream>
-#include <set>
 
 #include "com/text.h"
 #include "interfaces/KelUtils.h"
+#include "tests/support/temporary_file.h"
 #include "tests/wine/server/expected.h"
+#include "tests/wine/server/machine_classes.h"
 #include "tests/wine/support/import_patch.h"
-#include "tests/wine/support/library.h"
-#include "tests/wine/support/registry_sandbox.h"
+#include "tests/wine/support/temporary_folder.h"
 
 namespace kel::test {
 namespace {
 
-// Has the classes of the machine for itself.
-class Registration : public testing::Test {
-protected:
-    Registration() {
-        for (const wchar_t* name : {L"CLSID", L"Interface", L"TypeLib"}) {
-            com::RegistryKeyHandle key;
-            EXPECT_EQ(RegCreateKeyW(classes_.key(), name, key.put()), ERROR_SUCCESS);
-        }
-    }
+namespace fs = std::filesystem;
 
+class Registration : public MachineClasses {
+protected:
     // The platform's own marshallers left out.
     std::string registered() {
         std::set<std::string> all = classes_.listing();
@@ -33,10 +24,10 @@ protected:
         return joined(all);
     }
 
-    // The classes of registration.txt and the interfaces of interface_table.txt, nobody else's.
-    static std::string expected(const std::filesystem::path& module) {
+    // The classes of registration.txt and the interfaces of the type library, nobody else's.
+    static std::string expected(const fs::path& module) {
         std::set<std::string> listing = {"", "Interface"};
-        for (std::string line : resourceLines(L"registration")) {
+        for (std::string line : linesOf("registration.txt")) {
             if (const auto at = line.find("%MODULE%"); at != std::string::npos) {
                 line.replace(at, 8, module.string());
             } else if (const auto folder = line.find("%FOLDER%"); folder != std::string::npos) {
@@ -44,56 +35,32 @@ protected:
             }
             listing.insert(line);
         }
-        for (const std::string& line : resourceLines(L"interface_table")) {
-            if (line.starts_with(" ") || line.starts_with("library")) continue;
-            const auto start = line.find(' ') + 1;
-            const std::string key = "Interface\\" + line.substr(line.find('{'));
-            const std::string library = toText(LIBID_KELUTILSLib);
-            listing.insert(key + " = \"" + line.substr(start, line.find(' ', start) - start) +
-                           "\"");
-            listing.insert(key + "\\TypeLib = \"" + library + "\"");
+        for (const ExpectedInterface& each : expectedInterfaces()) {
+            const std::string key = "Interface\\" + each.identifier;
+            listing.insert(key + " = \"" + each.name + "\"");
+            listing.insert(key + "\\TypeLib = \"" + toText(LIBID_KELUTILSLib) + "\"");
             listing.insert(key + "\\TypeLib : Version = \"1.0\"");
         }
         return joined(listing);
     }
 
-    // What unregistering leaves: the roots that are everybody's.
+    // What unregistering leaves.
     const std::string nothing_ = "\nCLSID\nInterface\nTypeLib\n";
-
-    RegistrySandbox classes_{HKEY_CLASSES_ROOT};
 };
 
-HRESULT registerServer(HMODULE library = kelUtils().module()) {
-    return exportOf<HRESULT WINAPI()>(library, "DllRegisterServer")();
-}
-
-HRESULT unregisterServer(HMODULE library = kelUtils().module()) {
-    return exportOf<HRESULT WINAPI()>(library, "DllUnregisterServer")();
-}
-
-// A copy of the library in a folder of its own.
-class LibraryCopy {
-public:
-    explicit LibraryCopy(const std::wstring& folderName)
-        : folder_(std::filesystem::temp_directory_path() /
-                  (folderName + std::to_wstring(GetCurrentProcessId()))) {
-        std::filesystem::create_directories(folder_);
-        std::filesystem::copy_file(kelUtils().path(), path());
+// A library in a folder of its own.
+struct LibraryCopy {
+    explicit LibraryCopy(const std::string& bytes) {
+        fs::create_directory(fs::path(folder.path()) / L"it's a folder");
+        path = folder.file(L"it's a folder\\KelUtils.dll", bytes);
+        module = LoadLibraryW(path.c_str());
+        EXPECT_NE(module, nullptr);
     }
-    ~LibraryCopy() {
-        if (library_) FreeLibrary(library_);
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
-    }
-    std::wstring path() const { return (folder_ / L"KelUtils.dll").wstring(); }
-    HMODULE load() {
-        if (!library_) library_ = LoadLibraryW(path().c_str());
-        return library_;
-    }
+    ~LibraryCopy() { FreeLibrary(module); }
 
-private:
-    std::filesystem::path folder_;
-    HMODULE library_ = nullptr;
+    const TemporaryFolder folder;
+    std::wstring path;
+    HMODULE module;
 };
 
 TEST_F(Registration, WritesEveryKeyAndTakesItBack) {
@@ -111,30 +78,22 @@ TEST_F(Registration, WritesEveryKeyAndTakesItBack) {
 }
 
 TEST_F(Registration, FoldersMayHaveBlanksAndApostrophes) {
-    LibraryCopy copy(L"it's a folder ");
-    ASSERT_NE(copy.load(), nullptr);
-    ASSERT_EQ(registerServer(copy.load()), S_OK);
-    EXPECT_EQ(registered(), expected(copy.path()));
-    EXPECT_EQ(unregisterServer(copy.load()), S_OK);
+    const LibraryCopy copy(TemporaryFile::bytesOf(kelUtils().path()));
+    ASSERT_EQ(registerServer(copy.module), S_OK);
+    EXPECT_EQ(registered(), expected(copy.path));
+    EXPECT_EQ(unregisterServer(copy.module), S_OK);
     EXPECT_EQ(registered(), nothing_);
 }
 
 TEST_F(Registration, WithoutTypeLibraryFailsAndCanStillBeTakenBack) {
-    LibraryCopy copy(L"no type library ");
-    {
-        std::fstream file(std::filesystem::path(copy.path()),
-                          std::ios::in | std::ios::out | std::ios::binary);
-        const std::string bytes(std::istreambuf_iterator<char>(file), {});
-        file.seekp(static_cast<std::streamoff>(bytes.find("MSFT\x02")));
-        file << "gone";
-    }
+    std::string bytes = TemporaryFile::bytesOf(kelUtils().path());
+    bytes.replace(bytes.find("MSFT\x02"), 4, "gone");
+    const LibraryCopy copy(bytes);
     com::ComPtr<ITypeLib> library;
-    const HRESULT missing = LoadTypeLibEx(copy.path().c_str(), REGKIND_NONE, &library);
+    const HRESULT missing = LoadTypeLibEx(copy.path.c_str(), REGKIND_NONE, &library);
     ASSERT_TRUE(FAILED(missing));
-
-    ASSERT_NE(copy.load(), nullptr);
-    EXPECT_EQ(registerServer(copy.load()), missing);
-    EXPECT_EQ(unregisterServer(copy.load()), S_OK);
+    EXPECT_EQ(registerServer(copy.module), missing);
+    EXPECT_EQ(unregisterServer(copy.module), S_OK);
     EXPECT_EQ(registered(), nothing_);
 }
 

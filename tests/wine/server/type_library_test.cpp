@@ -6,6 +6,7 @@
 #include "interfaces/KelUtils.h"
 #include "tests/wine/server/expected.h"
 #include "tests/wine/support/library.h"
+#include "tests/wine/support/registry_sandbox.h"
 #include "tests/wine/support/type_library.h"
 
 namespace kel::test {
@@ -13,59 +14,35 @@ namespace {
 
 using com::ComPtr;
 
-std::string joined(const std::vector<std::string>& lines) {
-    std::string text;
-    for (const std::string& line : lines)
-        text += line + "\n";
-    return text;
-}
-
-// Name and help string of a member of a type, or of the type itself.
-struct Documentation {
-    std::string name;
-    std::string help;
-};
-
+// The name of a member of a type, or of the type itself, which has to be explained.
 template <class Info>
-Documentation documentationOf(Info* info, MEMBERID member) {
-    com::Bstr name;
-    com::Bstr help;
+std::string explained(Info* info, MEMBERID member = MEMBERID_NIL) {
+    com::Bstr name, help;
     com::check(info->GetDocumentation(member, name.put(), help.put(), nullptr, nullptr));
-    EXPECT_GT(help.view().size(), 0u) << com::narrow(name.get()) << " has no help string";
-    return {com::narrow(name.get()), com::narrow(help.get())};
-}
-
-void addMembers(ITypeInfo* type, bool withSlots, std::vector<std::string>& lines) {
-    for (UINT i = 0; i < attributesOf(type).cFuncs; ++i) {
-        FUNCDESC* function = nullptr;
-        com::check(type->GetFuncDesc(i, &function));
-        const std::string slot = std::to_string(function->oVft / sizeof(void*)) + " ";
-        lines.push_back("  " + (withSlots ? slot : "") + kindOf(function->invkind) +
-                        documentationOf(type, function->memid).name + " " +
-                        std::to_string(function->memid));
-        type->ReleaseFuncDesc(function);
-    }
+    EXPECT_NE(help.view(), L"") << com::narrow(name.get()) << " has no help string";
+    return com::narrow(name.get());
 }
 
 // The entry of an interface in the form of interface_table.txt; none for a class.
 std::vector<std::string> entryOf(ITypeInfo* type) {
     const TYPEATTR attributes = attributesOf(type);
-    const std::string name = nameOf(type);
+    const bool isDual = attributes.wTypeFlags & TYPEFLAG_FDUAL;
+    const bool isPlain = attributes.typekind == TKIND_INTERFACE;
+    const bool isEvents = attributes.typekind == TKIND_DISPATCH && !isDual;
     // The generator copies the one interface of the page classes into the library.
-    if (name == "IUnknown") return {};
-    std::vector<std::string> lines;
-    if (attributes.typekind == TKIND_INTERFACE || (attributes.wTypeFlags & TYPEFLAG_FDUAL)) {
-        ComPtr<ITypeInfo> vtable = type;
-        if (attributes.typekind == TKIND_DISPATCH) vtable = implemented(type, -1);
-        lines.push_back((attributes.wTypeFlags & TYPEFLAG_FDUAL ? "dual " : "plain ") + name +
-                        " : " + nameOf(implemented(vtable.Get(), 0).Get()) + " " +
-                        toText(attributes.guid));
-        addMembers(vtable.Get(), true, lines);
-    } else if (attributes.typekind == TKIND_DISPATCH) {
-        lines.push_back("events " + name + " " + toText(attributes.guid));
-        addMembers(type, false, lines);
-    }
-    if (!lines.empty()) documentationOf(type, MEMBERID_NIL);
+    if (nameOf(type) == "IUnknown" || !(isDual || isPlain || isEvents)) return {};
+    const ComPtr<ITypeInfo> table = isDual ? implemented(type, -1) : type;
+    const std::string base = isEvents ? "" : " : " + nameOf(implemented(table.Get(), 0).Get());
+    std::vector<std::string> lines{(isDual    ? "dual "
+                                    : isPlain ? "plain "
+                                              : "events ") +
+                                   explained(type) + base + " " + toText(attributes.guid)};
+    forEachOwnMember(table.Get(), [&](ITypeInfo* declaredBy, const FUNCDESC& function) {
+        const std::string slot = std::to_string(function.oVft / sizeof(void*)) + " ";
+        lines.push_back("  " + (isEvents ? "" : slot) + kindOf(function.invkind) +
+                        explained(declaredBy, function.memid) + " " +
+                        std::to_string(function.memid));
+    });
     return lines;
 }
 
@@ -85,26 +62,24 @@ std::string interfacesOf(ITypeInfo* coclass) {
 TEST(TypeLibrary, HoldsExactlyTheInterfacesOfTheTable) {
     ComPtr<ITypeLib> all;
     com::check(LoadTypeLibEx(kelUtils().path().c_str(), REGKIND_NONE, &all));
-    const Documentation library = documentationOf(all.Get(), MEMBERID_NIL);
     TLIBATTR* attributes = nullptr;
     com::check(all->GetLibAttr(&attributes));
     std::vector<std::string> lines = {
-        "library " + library.name + " " + toText(attributes->guid) + " " +
+        "library " + explained(all.Get()) + " " + toText(attributes->guid) + " " +
         std::to_string(attributes->wMajorVerNum) + "." + std::to_string(attributes->wMinorVerNum) +
-        " " + std::to_string(attributes->lcid) + " \"" + library.help + "\""};
+        " " + std::to_string(attributes->lcid)};
     all->ReleaseTLibAttr(attributes);
 
     // Interfaces by name, events after them.
-    std::map<std::string, std::vector<std::string>> entries;
+    std::map<std::pair<bool, std::string>, std::vector<std::string>> entries;
     for (const ComPtr<ITypeInfo>& type : libraryTypes()) {
         const std::vector<std::string> entry = entryOf(type.Get());
         if (entry.empty()) continue;
-        const bool isEvents = entry[0].starts_with("events");
-        entries[std::string(isEvents ? "2" : "1").append(nameOf(type.Get()))] = entry;
+        entries[{entry[0].starts_with("events"), nameOf(type.Get())}] = entry;
     }
     for (const auto& [name, entry] : entries)
         lines.insert(lines.end(), entry.begin(), entry.end());
-    EXPECT_EQ(joined(lines), joined(resourceLines(L"interface_table")));
+    EXPECT_EQ(joined(lines), joined(linesOf("interface_table.txt")));
 }
 
 TEST(TypeLibrary, HoldsExactlyTheClassesOfTheTable) {
@@ -118,7 +93,7 @@ TEST(TypeLibrary, HoldsExactlyTheClassesOfTheTable) {
         const TYPEATTR attributes = attributesOf(type.Get());
         if (attributes.typekind != TKIND_COCLASS) continue;
         const bool isCreatable = attributes.wTypeFlags & TYPEFLAG_FCANCREATE;
-        found[toText(attributes.guid)] = documentationOf(type.Get(), MEMBERID_NIL).name +
+        found[toText(attributes.guid)] = explained(type.Get()) +
                                          (isCreatable ? " " : " noncreatable ") +
                                          interfacesOf(type.Get());
     }

@@ -1,19 +1,27 @@
 #include "tests/wine/support/late_bound.h"
 
+#include <map>
+
 #include "com/error.h"
 
 namespace kel::test {
 namespace {
 
 std::string showFailure(const Outcome& outcome) {
-    const std::pair<HRESULT, const char*> names[] = {{E_FAIL, "E_FAIL"},
-                                                     {E_POINTER, "E_POINTER"},
-                                                     {E_ACCESSDENIED, "E_ACCESSDENIED"},
-                                                     {E_INVALIDARG, "E_INVALIDARG"},
-                                                     {DISP_E_BADINDEX, "DISP_E_BADINDEX"}};
-    for (const auto& [known, name] : names)
-        if (outcome.code == known) return name + (" " + outcome.reason);
-    return std::to_string(outcome.code) + (outcome.reason.empty() ? "" : " " + outcome.reason);
+    static const std::map<HRESULT, const char*> names = {
+        {E_ABORT, "E_ABORT"},
+        {E_ACCESSDENIED, "E_ACCESSDENIED"},
+        {E_FAIL, "E_FAIL"},
+        {E_INVALIDARG, "E_INVALIDARG"},
+        {E_POINTER, "E_POINTER"},
+        {DISP_E_BADINDEX, "DISP_E_BADINDEX"},
+        {DISP_E_BADPARAMCOUNT, "DISP_E_BADPARAMCOUNT"},
+        {DISP_E_MEMBERNOTFOUND, "DISP_E_MEMBERNOTFOUND"},
+        {DISP_E_TYPEMISMATCH, "DISP_E_TYPEMISMATCH"},
+        {DISP_E_UNKNOWNNAME, "DISP_E_UNKNOWNNAME"}};
+    const auto known = names.find(outcome.code);
+    return (known == names.end() ? std::to_string(outcome.code) : known->second) +
+           (outcome.reason.empty() ? "" : " " + outcome.reason);
 }
 
 // Numbers and times are written in no user's way.

@@ -1,6 +1,5 @@
 #include "tests/wine/support/library.h"
 
-#include <sstream>
 #include <stdexcept>
 
 #include "com/text.h"
@@ -61,17 +60,6 @@ const Library& benchLink() {
 const Library& kelTrace() {
     static const Library library(L"hosts\\trace\\KelTrace.dll");
     return library;
-}
-
-std::vector<std::string> resourceLines(const wchar_t* name) {
-    const HRSRC resource = FindResourceW(nullptr, name, MAKEINTRESOURCEW(10));
-    if (!resource) throw com::lastError();
-    const auto* bytes = static_cast<const char*>(LockResource(LoadResource(nullptr, resource)));
-    std::istringstream text(std::string(bytes, SizeofResource(nullptr, resource)));
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(text, line);)
-        lines.push_back(line);
-    return lines;
 }
 
 std::optional<PublishedError> takeError() {

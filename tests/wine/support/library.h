@@ -32,13 +32,14 @@ public:
     HRESULT classObject(REFCLSID identifier, REFIID iid, void** result) const;
     HRESULT canUnloadNow() const;
 
-    // A new object of one of its classes. Throws com::Error when it cannot be made.
+    // A new object of one of its classes, or a part of another one. Throws com::Error when it
+    // cannot be made.
     template <class Interface>
-    com::ComPtr<Interface> create(REFCLSID identifier) const {
+    com::ComPtr<Interface> create(REFCLSID identifier, IUnknown* outer = nullptr) const {
         com::ComPtr<IClassFactory> factory;
         com::check(classObject(identifier, IID_PPV_ARGS(&factory)));
         com::ComPtr<Interface> object;
-        com::check(factory->CreateInstance(nullptr, IID_PPV_ARGS(&object)));
+        com::check(factory->CreateInstance(outer, IID_PPV_ARGS(&object)));
         return object;
     }
 
@@ -52,9 +53,6 @@ private:
 const Library& kelUtils();
 const Library& benchLink();
 const Library& kelTrace();
-
-// The lines of a text that is built into the test program as a resource (RCDATA).
-std::vector<std::string> resourceLines(const wchar_t* name);
 
 // What a failing call published. Takes it: a second question finds nothing.
 struct PublishedError {

@@ -5,21 +5,12 @@
 #include <vector>
 
 #include "com/text.h"
-#include "com/variant.h"
+#include "tests/wine/support/late_bound.h"
 #include "tests/wine/support/library.h"
 #include "tests/wine/support/type_library.h"
 
 namespace kel::test {
 namespace {
-
-void expectTold(std::wstring_view source, const IID& interfaceId) {
-    const auto told = takeError();
-    ASSERT_TRUE(told) << "no error info";
-    EXPECT_NE(told->description, L"");
-    if (source.empty()) return;
-    EXPECT_EQ(told->source, source);
-    EXPECT_EQ(told->interfaceId, interfaceId);
-}
 
 // The same call late-bound: it fails with the same code, tells why, and leaves nothing behind.
 void expectToldLateBound(IDispatch* object, const FUNCDESC& function, HRESULT code,
@@ -32,21 +23,12 @@ void expectToldLateBound(IDispatch* object, const FUNCDESC& function, HRESULT co
         if (value.vt == VT_VARIANT) value.vt = VT_EMPTY;
         if (!isResult(parameter)) arguments.push_back(value);
     }
-    const bool isPut = function.invkind & (INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF);
-    DISPID put = DISPID_PROPERTYPUT;
-    DISPPARAMS parameters{arguments.data(), isPut ? &put : nullptr,
-                          static_cast<UINT>(arguments.size()), isPut ? 1u : 0u};
-    EXCEPINFO told{};
-    com::Variant result;
-    EXPECT_EQ(object->Invoke(function.memid, IID_NULL, 0, static_cast<WORD>(function.invkind),
-                             &parameters, isPut ? nullptr : result.put(), &told, nullptr),
-              DISP_E_EXCEPTION);
-    EXPECT_EQ(told.scode, code);
-    EXPECT_EQ(com::view(told.bstrSource), source);
-    EXPECT_NE(com::view(told.bstrDescription), L"");
+    const Outcome told =
+        invoke(object, function.memid, static_cast<WORD>(function.invkind), std::move(arguments));
+    EXPECT_EQ(told.code, code);
+    EXPECT_EQ(told.source, com::narrow(source));
+    EXPECT_NE(told.reason, "");
     EXPECT_FALSE(takeError()) << "an error is left behind";
-    for (const BSTR text : {told.bstrSource, told.bstrDescription, told.bstrHelpFile})
-        SysFreeString(text);
 }
 
 com::ComPtr<ITypeInfo> typeOf(IDispatch* object) {
@@ -56,6 +38,15 @@ com::ComPtr<ITypeInfo> typeOf(IDispatch* object) {
 }
 
 }  // namespace
+
+void expectTold(std::wstring_view source, const IID& interfaceId) {
+    const auto told = takeError();
+    ASSERT_TRUE(told) << "no error info";
+    EXPECT_NE(told->description, L"");
+    if (source.empty()) return;
+    EXPECT_EQ(told->source, source);
+    EXPECT_EQ(told->interfaceId, interfaceId);
+}
 
 void expectNullPointersRefused(IDispatch* object, std::wstring_view source) {
     passNulls(object, typeOf(object),

@@ -91,11 +91,6 @@ std::set<std::string> RegistrySandbox::listing() const {
     return lines;
 }
 
-void remember(const std::string& section, const std::string& name, DWORD number) {
-    RegSetKeyValueA(HKEY_CURRENT_USER, (settings::kRoot + section).c_str(), name.c_str(), REG_DWORD,
-                    &number, sizeof number);
-}
-
 void remember(const std::string& section, const std::string& name, const std::string& text) {
     RegSetKeyValueA(HKEY_CURRENT_USER, (settings::kRoot + section).c_str(), name.c_str(), REG_SZ,
                     text.c_str(), static_cast<DWORD>(text.size() + 1));
@@ -109,14 +104,9 @@ void remember(const std::string& line) {
     const std::string text = line.substr(equals + 3);
     constexpr std::string_view kNumber = "dword:";
     if (!text.starts_with(kNumber)) return remember(section, value, text);
-    remember(section, value, static_cast<DWORD>(std::stoul(text.substr(kNumber.size()))));
-}
-
-std::string joined(const std::set<std::string>& lines) {
-    std::string text;
-    for (const std::string& line : lines)
-        text += line + "\n";
-    return text;
+    const DWORD number = std::stoul(text.substr(kNumber.size()));
+    RegSetKeyValueA(HKEY_CURRENT_USER, (settings::kRoot + section).c_str(), value.c_str(),
+                    REG_DWORD, &number, sizeof number);
 }
 
 }  // namespace kel::test

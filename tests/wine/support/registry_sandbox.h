@@ -36,12 +36,17 @@ private:
 };
 
 // A setting of the current user, as a dialog keeps it in a section of the store.
-void remember(const std::string& section, const std::string& name, DWORD number);
 void remember(const std::string& section, const std::string& name, const std::string& text);
 // The same from a line: "section name = text", "section name = dword:number".
 void remember(const std::string& line);
 
 // One line below the other.
-std::string joined(const std::set<std::string>& lines);
+template <class Lines>
+std::string joined(const Lines& lines) {
+    std::string text;
+    for (const std::string& line : lines)
+        text += line + "\n";
+    return text;
+}
 
 }  // namespace kel::test

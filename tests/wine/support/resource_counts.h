@@ -2,6 +2,7 @@
 // What this process holds of the platform.
 
 #include <cstddef>
+#include <functional>
 #include <iosfwd>
 
 namespace kel::test {
@@ -17,5 +18,9 @@ struct ResourceCounts {
 void PrintTo(const ResourceCounts& counts, std::ostream* stream);
 
 ResourceCounts countResources();
+
+// Does something 20 times, or as often as the environment variable KEL_OPENING_ROUNDS tells where
+// somebody has the time, and expects that nothing is left of it.
+void expectNothingLeft(const std::function<void()>& deed);
 
 }  // namespace kel::test

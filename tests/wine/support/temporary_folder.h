@@ -2,74 +2,58 @@
 // A folder that goes with the test.
 
 #include <gtest/gtest.h>
-#include <windows.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
+#include <fstream>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "tests/support/temporary_file.h"
 
 namespace kel::test {
 
 class TemporaryFolder {
 public:
-    TemporaryFolder() {
-        wchar_t folder[MAX_PATH], name[MAX_PATH];
-        GetTempPathW(MAX_PATH, folder);
-        GetTempFileNameW(folder, L"kel", 0, name);
-        path_ = name;
-        DeleteFileW(name);
-        EXPECT_TRUE(CreateDirectoryW(name, nullptr));
+    TemporaryFolder()
+        : path_(std::filesystem::temp_directory_path() /
+                ("kel" + std::to_string(std::random_device()()))) {
+        EXPECT_TRUE(create_directory(path_));
     }
     ~TemporaryFolder() {
         std::error_code failure;
-        std::filesystem::remove_all(path_, failure);
+        remove_all(path_, failure);
         EXPECT_FALSE(failure) << failure.message();
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    const std::wstring& path() const { return path_; }
+    const std::wstring& path() const { return path_.native(); }
 
     // Writes a file and gives its path.
     std::wstring file(const std::wstring& name, std::string_view bytes) const {
-        const std::wstring path = path_ + L"\\" + name;
-        FILE* file = _wfopen(path.c_str(), L"wb");
-        EXPECT_EQ(fwrite(bytes.data(), 1, bytes.size(), file), bytes.size());
-        fclose(file);
-        return path;
+        EXPECT_TRUE(std::ofstream(path_ / name, std::ios::binary) << bytes << std::flush);
+        return path_ / name;
     }
 
     // The bytes of a file; "none" when there is no such file.
     std::string content(const std::wstring& name) const {
-        FILE* file = _wfopen((path_ + L"\\" + name).c_str(), L"rb");
-        if (!file) return "none";
-        std::string bytes;
-        char buffer[4096];
-        while (const std::size_t count = fread(buffer, 1, sizeof buffer, file))
-            bytes.append(buffer, count);
-        fclose(file);
-        return bytes;
+        return exists(path_ / name) ? TemporaryFile::bytesOf(path_ / name) : "none";
     }
 
     // The names of all files, in their order.
     std::vector<std::wstring> names() const {
         std::vector<std::wstring> names;
-        WIN32_FIND_DATAW found;
-        const HANDLE search = FindFirstFileW((path_ + L"\\*").c_str(), &found);
-        do {
-            const bool isFolder = found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY;
-            if (!isFolder) names.push_back(found.cFileName);
-        } while (FindNextFileW(search, &found));
-        FindClose(search);
-        std::sort(names.begin(), names.end());
+        for (const auto& entry : std::filesystem::directory_iterator(path_))
+            if (!entry.is_directory()) names.push_back(entry.path().filename());
+        std::ranges::sort(names);
         return names;
     }
 
 private:
-    std::wstring path_;
+    std::filesystem::path path_;
 };
 
 }  // namespace kel::test

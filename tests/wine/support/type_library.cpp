@@ -10,6 +10,13 @@ std::string kindOf(INVOKEKIND kind) {
     return kind == INVOKE_PROPERTYPUT ? "put " : "putref ";
 }
 
+com::ComPtr<ITypeInfo> namedType(ITypeInfo* declaredBy, const TYPEDESC& passed) {
+    if (passed.vt == VT_PTR) return namedType(declaredBy, *passed.lptdesc);
+    com::ComPtr<ITypeInfo> type;
+    if (passed.vt == VT_USERDEFINED) com::check(declaredBy->GetRefTypeInfo(passed.hreftype, &type));
+    return type;
+}
+
 std::vector<com::ComPtr<ITypeInfo>> libraryTypes() {
     com::ComPtr<ITypeLib> library;
     com::check(LoadTypeLibEx(kelUtils().path().c_str(), REGKIND_NONE, &library));

@@ -10,6 +10,9 @@ using namespace conformance;
 // "get ", "put ", "putref " or "call ".
 std::string kindOf(INVOKEKIND kind);
 
+// The type that a parameter passes, or points to; null unless it has a name.
+com::ComPtr<ITypeInfo> namedType(ITypeInfo* declaredBy, const TYPEDESC& passed);
+
 // All types of the library under test.
 std::vector<com::ComPtr<ITypeInfo>> libraryTypes();
 
