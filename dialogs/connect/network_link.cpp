@@ -1,6 +1,7 @@
 #include "dialogs/connect/network_link.h"
 
 #include "com/creation.h"
+#include "com/port.h"
 #include "com/text.h"
 #include "com/variant.h"
 #include "interfaces/link_classes.h"
@@ -12,8 +13,7 @@ void NetworkLink::createStream() {
 }
 
 bool NetworkLink::connect(const NetworkConnection& connection) {
-    com::ComPtr<IKelStream> present;
-    com::check(link_->get_Port(&present), link_);
+    const auto present = com::portOf(link_);
     // One that is no network stream is no failure.
     com::ComPtr<INetworkStream> presentNetwork;
     if (present) present.As(&presentNetwork);
@@ -52,8 +52,7 @@ bool NetworkLink::wantsPassword() const {
 }
 
 bool NetworkLink::isConnected(const NetworkConnection& connection) const {
-    com::ComPtr<IKelStream> present;
-    com::check(link_->get_Port(&present), link_);
+    const auto present = com::portOf(link_);
     com::ComPtr<INetworkStream> network;
     if (!present || FAILED(present.As(&network))) return false;
     VARIANT_BOOL isOpen = VARIANT_FALSE;

@@ -1,5 +1,6 @@
 #include "dialogs/service/compass_calib_dialog.h"
 
+#include "com/port.h"
 #include "com/text.h"
 #include "dialogs/service/access.h"
 #include "dialogs/service/instrument.h"
@@ -128,7 +129,7 @@ bool CompassCalibDialog::show(HWND owner, const com::ComPtr<IKelCommunicator>& l
     const auto compass = makeAccess<ICompassAccess>(link::kCompassAccessClass, link);
     CompassReport report;
     if (!logFile_.empty()) report.open(logFile_);
-    const ui::LinkSettings settings(portOf(link));
+    const ui::LinkSettings settings(com::presentPortOf(link));
     CompassWindow(*this, compass, report, scores_).runModal(IDD_COMPASS_CALIBRATION, owner);
     return false;
 }

@@ -1,5 +1,6 @@
 #include "dialogs/service/pressure_offset_dialog.h"
 
+#include "com/port.h"
 #include "com/text.h"
 #include "dialogs/service/access.h"
 #include "dialogs/service/instrument.h"
@@ -115,7 +116,7 @@ void PressureWindow::leave() {
 bool PressureOffsetDialog::show(HWND owner, const com::ComPtr<IKelCommunicator>& link) {
     if (!wakeInstrument(link, owner)) return false;
     const auto pressure = makeAccess<IPressureAccess>(link::kPressureAccessClass, link);
-    const auto port = portOf(link);
+    const auto port = com::presentPortOf(link);
     const ui::LinkSettings settings(port);
     com::check(port->put_EchoWindow(0), port);
     com::check(port->put_IdleProcessing(VARIANT_TRUE), port);

@@ -4,6 +4,7 @@
 #include <shlobj.h>
 
 #include "com/creation.h"
+#include "com/port.h"
 #include "com/scoped.h"
 #include "com/text.h"
 #include "com/variant.h"
@@ -102,10 +103,8 @@ void RecorderWindow::initialise() {
 }
 
 void RecorderWindow::tellLinkRate() {
-    com::ComPtr<IKelStream> port;
+    const auto port = com::presentPortOf(link_);
     long rate = 0;
-    com::check(link_->get_Port(&port), link_);
-    if (!port) throw com::Error(E_POINTER, L"The link has no port", __uuidof(IKelCommunicator));
     com::check(port->get_BaudRate(&rate), port);
     com::check(recorder_->SetLinkRate(rate), recorder_);
 }
