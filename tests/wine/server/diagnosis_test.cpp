@@ -77,6 +77,9 @@ TEST_F(DiagnosisOfTheRegistration, FindsNothingWrongWithARegistration) {
     EXPECT_EQ(report.file, com::narrow(kelUtils().path()));
     EXPECT_EQ(report.image.bits, 32);
     EXPECT_EQ(source_.file("ole32.dll").bits, 32);
+    const std::string path(2000, 'x');
+    RegSetKeyValueA(classes_.key(), "Long", "", REG_SZ, path.c_str(), path.size() + 1);
+    EXPECT_EQ(host::readerOf(classes_.key())("Long", ""), path);
     EXPECT_EQ(report.contents, "18 classes, 55 interfaces, type library 1.0");
     EXPECT_TRUE(report.notes.empty());
     std::swap(source_.user, source_.machine);
