@@ -62,6 +62,7 @@ INT_PTR Dialog::runAs(bool isModal, Run&& run) {
     isModal_ = isModal;
     isInitialising_ = true;
     initialisationFailure_ = nullptr;
+    hasEnded_ = false;
     result_ = 0;
     run();
     if (isInitialising_) {
@@ -127,6 +128,7 @@ void Dialog::showStatus(std::wstring_view text) {
 void Dialog::end(INT_PTR result) {
     if (!window_) return;
     result_ = result;
+    hasEnded_ = true;
     if (isModal_) {
         EndDialog(window_, result);
     } else {

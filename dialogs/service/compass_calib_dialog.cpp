@@ -60,8 +60,10 @@ void CompassWindow::initialise() {
 }
 
 void CompassWindow::poll() {
-    if (!isSo(compass_, &ICompassAccess::get_Calibrating)) return;
-    if (isSo(compass_, &ICompassAccess::get_Busy)) return;
+    if (!isSo(compass_, &ICompassAccess::get_Calibrating)) return expectNothing();
+    const bool isNew = !isSo(compass_, &ICompassAccess::get_Busy);
+    watch(isNew);
+    if (!isNew) return;
     const auto read = [&](auto member) {
         return ui::decimalText(ask<double>(compass_, member), 1);
     };
@@ -82,6 +84,7 @@ void CompassWindow::start() {
     if (!isSo(compass_, &ICompassAccess::StartCalibration))
         return tellError(window(), L"Unable to start calibration!");
     showStatus(kTurnTheCompass);
+    expectData();
     report_.beginCalibration();
     offer({IDC_COMPASS_STOP}, {IDC_COMPASS_START});
 }
@@ -115,6 +118,7 @@ void CompassWindow::leave() {
 
 // False where none was running.
 bool CompassWindow::endCalibration() {
+    expectNothing();
     if (!isSo(compass_, &ICompassAccess::get_Calibrating)) return false;
     com::check(compass_->StopCalibration(), compass_);
     report_.endCalibration();

@@ -55,7 +55,9 @@ void PressureWindow::initialise() {
 }
 
 void PressureWindow::poll() {
-    if (!isSo(pressure_, &IPressureAccess::get_NewData)) return;
+    const bool isNew = isSo(pressure_, &IPressureAccess::get_NewData);
+    watch(isNew);
+    if (!isNew) return;
     const auto current = ask<double>(pressure_, &IPressureAccess::get_CurrentPressure);
     const auto mean = ask<double>(pressure_, &IPressureAccess::get_MeanPressure);
     showPressure(IDC_PRESSURE_CURRENT, current);
@@ -78,12 +80,14 @@ void PressureWindow::press(int button) {
 void PressureWindow::start() {
     if (!isSo(pressure_, &IPressureAccess::StartCollection))
         return tellError(window(), L"Unable to start calibration!");
+    expectData();
     offer({IDC_PRESSURE_STOP}, {IDC_PRESSURE_START, IDC_PRESSURE_SET});
 }
 
 void PressureWindow::stop() {
     if (!isSo(pressure_, &IPressureAccess::StopCollection))
         return tellError(window(), L"Unable to stop calibration!");
+    expectNothing();
     offer({IDC_PRESSURE_SET, IDC_PRESSURE_START}, {IDC_PRESSURE_STOP});
 }
 

@@ -3,6 +3,7 @@
 #include "dialogs/service/model/firmware_file.h"
 #include "dialogs/service/model/pressure_offset.h"
 #include "dialogs/service/model/recorder_texts.h"
+#include "dialogs/service/model/silence.h"
 #include "dialogs/service/model/transfer_progress.h"
 #include "tests/core/models/subject.h"
 
@@ -85,6 +86,15 @@ const Subject kFileTime("time of a file", [](Words& words) {
     const int year = words.number(), month = words.number(), day = words.number();
     const int hour = words.number();
     return narrow(fileDateText(year, month, day) + L" " + fileTimeText(hour, words.number()));
+});
+
+// At each of the times something comes; at the last one it is asked.
+const Subject kSilence("silence", [](Words& words) {
+    Silence silence(words.number<std::uint64_t>());
+    const auto times = words.all();
+    for (std::size_t i = 0; i + 1 < times.size(); ++i)
+        silence.heard(std::stoull(times[i]));
+    return silence.isSilent(std::stoull(times.back())) ? "silent" : "heard";
 });
 
 const Subject kFolder("folder", [](Words& words) { return narrow(asFolder(words.wide())); });
