@@ -2,6 +2,7 @@
 
 #include "com/creation.h"
 #include "com/port.h"
+#include "com/scoped.h"
 #include "com/text.h"
 #include "com/variant.h"
 #include "interfaces/link_classes.h"
@@ -27,9 +28,13 @@ bool NetworkLink::connect(const NetworkConnection& connection) {
     if (SUCCEEDED(stream.As(&gateway)))
         com::check(gateway->put_Password(com::Bstr(connection.password).get()), gateway);
     VARIANT_BOOL isConnected = VARIANT_FALSE;
-    com::check(stream->ConnectTo(com::Bstr(connection.address).get(),
-                                 com::Bstr(connection.port).get(), &isConnected),
-               stream);
+    {
+        const bool isPresent = presentNetwork.Get() == stream.Get();
+        const com::Scoped attempt(connecting_, isPresent ? com::ComPtr<INetworkStream>() : stream);
+        com::check(stream->ConnectTo(com::Bstr(connection.address).get(),
+                                     com::Bstr(connection.port).get(), &isConnected),
+                   stream);
+    }
     if (!com::isTrue(isConnected)) return false;
     if (presentNetwork.Get() == stream.Get()) return true;
     try {
@@ -41,6 +46,10 @@ bool NetworkLink::connect(const NetworkConnection& connection) {
         throw;
     }
     return true;
+}
+
+void NetworkLink::giveUp() noexcept {
+    if (const auto stream = connecting_) stream->Close();
 }
 
 bool NetworkLink::wantsPassword() const {

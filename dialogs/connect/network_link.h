@@ -20,6 +20,9 @@ public:
     // then; false when no connection was made, and the present port is as it was.
     bool connect(const NetworkConnection& connection);
 
+    // Called in the middle of connect(), which then ends as soon as the stream lets it.
+    void giveUp() noexcept;
+
     // True when the last attempt failed because the gateway wants a password, or another one.
     bool wantsPassword() const;
 
@@ -29,6 +32,7 @@ public:
 private:
     com::ComPtr<IKelCommunicator> link_;
     com::ComPtr<INetworkStream> stream_;
+    com::ComPtr<INetworkStream> connecting_;  // nothing is lost where it is closed
 };
 
 }  // namespace kel::connect

@@ -94,7 +94,6 @@ bool SerialForm::connect() {
 }
 
 bool SerialForm::command(int control, int notification) {
-    if (control == IDCANCEL) stopProbing();
     if (isPortButton(control)) {
         if (notification != BN_CLICKED) return true;
         port_ = portName(control - kFirstButton + 1);

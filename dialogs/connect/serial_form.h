@@ -19,8 +19,8 @@ public:
     // Throws com::Error when the link fails.
     bool connect();
 
-    // The dialog is being left: no further port is looked at.
-    void stopProbing() { isLeaving_ = true; }
+    // No further port is looked at.
+    void leave() override { isLeaving_ = true; }
 
 protected:
     void initialise() override;

@@ -111,7 +111,8 @@ bool SessionWindow::command(int control, int notification) {
             if (page(option_).carryOut()) finish();
             return true;
         case IDCANCEL:
-            serial_.stopProbing();
+            serial_.leave();
+            network_.leave();
             return Dialog::command(control, notification);
     }
     // Enter on a button of the page comes to the window that has the keyboard.
