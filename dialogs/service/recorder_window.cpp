@@ -98,8 +98,13 @@ void RecorderWindow::initialise() {
     ShowWindow(window(), SW_SHOW);
     update();
     fillSettings();
-    applyRate();
-    if (!isClosing_) readDirectory();
+    try {
+        applyRate();
+        if (!isClosing_) readDirectory();
+    } catch (const com::Error&) {
+        // What was aborted because the user leaves is no failure.
+        if (!isClosing_) throw;
+    }
 }
 
 void RecorderWindow::tellLinkRate() {
@@ -447,6 +452,8 @@ ReplaceAnswer RecorderWindow::confirmReplace(const wchar_t* fileName) {
 void RecorderWindow::close() {
     isClosing_ = true;
     if (question_) question_->refuse();
+    // What the recorder is asked for below on the stack. One that cannot be aborted is waited for.
+    if (isWorking_) recorder_->Abort();
     end(IDCANCEL);
 }
 
