@@ -127,6 +127,12 @@ TEST_F(GatewayTest, ThePasswordIsToldAsItWasPut) {
     EXPECT_FALSE(passwordRequired());
 }
 
+TEST_F(GatewayTest, CloseEndsTheAttempt) {
+    connectThrough(L"gate:127.0.0.1", [&] { window.post([&] { network->Close(); }); });
+    EXPECT_FALSE(connected);
+    EXPECT_EQ(error, static_cast<DWORD>(ERROR_OPERATION_ABORTED));
+}
+
 TEST_F(GatewayTest, OneThatDoesNotAnswerTimesOut) {
     const TimeScale scale(L"100");
     connect();

@@ -125,6 +125,9 @@ TEST_F(RecorderTest, AnAbortedDownloadLeavesNothing) {
     };
     EXPECT_FALSE(format());
     meanwhile = nullptr;
+    window.post([&] { access->Abort(); });
+    ComPtr<ICollection> files;
+    EXPECT_EQ(access->ReadListing(&files), E_ABORT);
     connectTo(CardKind::kUsual);
     folder.file(L"DAY001.DAT", "mine");
     sink->answer = true;
