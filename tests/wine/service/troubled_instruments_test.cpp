@@ -150,7 +150,7 @@ protected:
         setTrouble(instrument(), L"2");
         patience_.reset();
         EXPECT_TRUE(work(&code)) << "it does not recover";
-        EXPECT_EQ(code, S_OK);
+        EXPECT_EQ(code, S_OK) << (code == S_OK ? "" : com::narrow(takeError()->description));
         hasAllFiles();
         return !isDone || !told_.empty();
     }
