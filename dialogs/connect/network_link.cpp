@@ -28,6 +28,7 @@ bool NetworkLink::connect(const NetworkConnection& connection) {
     if (SUCCEEDED(stream.As(&gateway)))
         com::check(gateway->put_Password(com::Bstr(connection.password).get()), gateway);
     VARIANT_BOOL isConnected = VARIANT_FALSE;
+    isGivenUp_ = false;
     {
         const bool isPresent = presentNetwork.Get() == stream.Get();
         const com::Scoped attempt(connecting_, isPresent ? com::ComPtr<INetworkStream>() : stream);
@@ -35,7 +36,8 @@ bool NetworkLink::connect(const NetworkConnection& connection) {
                                      com::Bstr(connection.port).get(), &isConnected),
                    stream);
     }
-    if (!com::isTrue(isConnected)) return false;
+    if (isGivenUp_) stream->Close();
+    if (!com::isTrue(isConnected) || isGivenUp_) return false;
     if (presentNetwork.Get() == stream.Get()) return true;
     try {
         if (present) com::check(present->Close(), present);
@@ -49,12 +51,15 @@ bool NetworkLink::connect(const NetworkConnection& connection) {
 }
 
 void NetworkLink::giveUp() noexcept {
-    if (const auto stream = connecting_) stream->Close();
+    const auto stream = connecting_;
+    if (!stream) return;
+    isGivenUp_ = true;
+    stream->Close();
 }
 
 bool NetworkLink::wantsPassword() const {
     com::ComPtr<INetworkStream2> gateway;
-    if (!stream_ || FAILED(stream_.As(&gateway))) return false;
+    if (isGivenUp_ || !stream_ || FAILED(stream_.As(&gateway))) return false;
     VARIANT_BOOL isRequired = VARIANT_FALSE;
     com::check(gateway->get_PasswordRequired(&isRequired), gateway);
     return com::isTrue(isRequired);

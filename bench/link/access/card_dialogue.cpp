@@ -10,7 +10,7 @@ namespace {
 constexpr int kReadAttempts = 3;
 constexpr long kFormatTimeout = 60000;
 constexpr long kStopBreak = 300;
-constexpr long kStopTimeout = 500;
+constexpr long kStopTimeout = 300;
 constexpr std::string_view kRefusal = "ERROR: ";
 
 // Ten bits a byte, and twice that for good measure.
