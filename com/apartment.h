@@ -9,10 +9,12 @@
 
 namespace kel::com {
 
-// Puts the thread into a single-threaded apartment for as long as it lives. Throws Error.
+// Puts the thread into an apartment for as long as it lives, its own one by default. Throws Error.
 class Apartment {
 public:
-    Apartment() { check(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)); }
+    explicit Apartment(DWORD kind = COINIT_APARTMENTTHREADED) {
+        check(CoInitializeEx(nullptr, kind));
+    }
     Apartment(const Apartment&) = delete;
     Apartment& operator=(const Apartment&) = delete;
     ~Apartment() { CoUninitialize(); }

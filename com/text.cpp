@@ -1,5 +1,6 @@
 #include "com/text.h"
 
+#include <iterator>
 #include <limits>
 #include <new>
 #include <stdexcept>
@@ -45,6 +46,19 @@ std::string narrow(std::wstring_view text, UINT codePage) {
 bool sameName(std::wstring_view left, std::wstring_view right) {
     return CompareStringOrdinal(left.data(), static_cast<int>(left.size()), right.data(),
                                 static_cast<int>(right.size()), TRUE) == CSTR_EQUAL;
+}
+
+std::wstring windowText(HWND window) {
+    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+    text.resize(static_cast<std::size_t>(
+        GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+    return text;
+}
+
+std::wstring guidText(const GUID& identifier) {
+    wchar_t text[39];
+    StringFromGUID2(identifier, text, static_cast<int>(std::size(text)));
+    return text;
 }
 
 Bstr::Bstr(std::wstring_view text) : text_(allocate(text.data(), text.size())) {}

@@ -31,6 +31,12 @@ inline std::string narrow(BSTR text) {
 // Compares without regard to case, by the rules of no language.
 bool sameName(std::wstring_view left, std::wstring_view right);
 
+// The whole text of a window, or of a control.
+std::wstring windowText(HWND window);
+
+// As the registry spells it, in braces.
+std::wstring guidText(const GUID& identifier);
+
 // Owns a text of the border. A failing allocation throws std::bad_alloc.
 class Bstr {
 public:

@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "com/object.h"
+#include "com/event_sink.h"
 
 namespace kel::html {
 
@@ -12,31 +12,22 @@ inline constexpr IID kControlEvents = {
 
 // Calls a function for each script error. The control may hold it longer than that function can be
 // called: then it has to leave().
-class ErrorSink final : public com::Object<ErrorSink, com::Plain<IDispatch>> {
+class ErrorSink final : public com::Object<ErrorSink, com::EventReceiver<>> {
 public:
     static constexpr com::ClassDescription kClass{};
     explicit ErrorSink(std::function<void()> told) : told_(std::move(told)) {}
 
     void leave() { told_ = nullptr; }
 
-    STDMETHODIMP GetTypeInfoCount(UINT* count) override {
-        return com::guardLateBound([&] { com::out(count) = 0; });
-    }
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-        return DISP_E_UNKNOWNNAME;
-    }
-    STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
-                        UINT*) override {
+protected:
+    HRESULT received(DISPID event, DISPPARAMS*, VARIANT*) override {
         constexpr DISPID kErrorEvent = 3000;
-        return com::guardLateBound([&] {
-            // A copy: what it shows may let go of everything, and leave() is called meanwhile.
-            const std::function<void()> told = told_;
-            if (member == kErrorEvent && told) told();
-        });
+        // A copy: what it shows may let go of everything, and leave() is called meanwhile.
+        const std::function<void()> told = told_;
+        if (event == kErrorEvent && told) told();
+        return S_OK;
     }
 
-protected:
     void* findInterface(REFIID iid) override {
         return Object::findInterface(iid == kControlEvents ? IID_IDispatch : iid);
     }

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "com/creation.h"
 #include "com/text.h"
 #include "com/text_file.h"
 #include "html/kel_objects.h"
@@ -19,8 +20,7 @@ constexpr IID kControlInterface = {
 
 com::LateBound makeControl() {
     com::ComPtr<IUnknown> object;
-    com::check(CoCreateInstance(kControlClass, nullptr, CLSCTX_ALL, IID_PPV_ARGS(&object)));
-    com::check(OleRun(object.Get()));
+    com::check(com::createStarted(kControlClass, object));
     com::ComPtr<IDispatch> control;
     com::check(object->QueryInterface(kControlInterface, &control));
     return com::LateBound(control);
@@ -86,6 +86,8 @@ HRESULT KelScript::LoadFile(BSTR path, VARIANT_BOOL* success) {
             control_->call(L"AddCode", {com::Variant(std::wstring_view(*text))});
         } catch (const com::Error&) {
             tellError();
+            // What is no error of the script is told as it is.
+            if (lastError_.text.empty()) throw;
             if (isUnattended_) throw com::Error(E_FAIL, lastError_.text);
             return;
         }
@@ -93,8 +95,15 @@ HRESULT KelScript::LoadFile(BSTR path, VARIANT_BOOL* success) {
     });
 }
 
+com::LateBound KelScript::errorObject() const {
+    const com::Variant error = control_->get(L"Error").convertedTo(VT_DISPATCH);
+    const com::ComPtr<IDispatch> object = error.get().pdispVal;
+    if (!object) throw com::Error(E_UNEXPECTED, L"The script control gives no error object");
+    return com::LateBound(object);
+}
+
 bool KelScript::takeError() {
-    const com::LateBound error(com::ComPtr<IDispatch>(control_->get(L"Error").get().pdispVal));
+    const com::LateBound error = errorObject();
     const auto number = [&](const wchar_t* name) {
         return error.get(name).convertedTo(VT_I4).get().lVal;
     };
@@ -122,15 +131,17 @@ void KelScript::tellError() {
     // The event has told of it already.
     if (!takeError()) return;
     if (!isUnattended_) {
-        const long owner = control_->get(L"SitehWnd").convertedTo(VT_I4).get().lVal;
-        MessageBoxW(static_cast<HWND>(LongToHandle(owner)), lastError_.text.c_str(),
-                    L"Script Error", MB_OK | MB_ICONSTOP);
+        const long number = control_->get(L"SitehWnd").convertedTo(VT_I4).get().lVal;
+        // An owner that has gone must not keep the error from being shown.
+        const HWND owner = static_cast<HWND>(LongToHandle(number));
+        MessageBoxW(IsWindow(owner) ? owner : nullptr, lastError_.text.c_str(), L"Script Error",
+                    MB_OK | MB_ICONSTOP);
     }
     clearError();
 }
 
 void KelScript::clearError() const {
-    com::LateBound(com::ComPtr<IDispatch>(control_->get(L"Error").get().pdispVal)).call(L"Clear");
+    errorObject().call(L"Clear");
 }
 
 const KelScript::ScriptError& KelScript::lastError() {

@@ -48,6 +48,7 @@ private:
         long column = 0;
     };
 
+    com::LateBound errorObject() const;
     // Takes the control's error over, which stays there. False where the control has none.
     bool takeError();
     void clearError() const;

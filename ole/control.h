@@ -185,8 +185,11 @@ protected:
     void leaveContainer() noexcept;
 
 private:
+    // The border of a method: whatever is called, or let go of, may drop the control's last
+    // reference.
     template <class Interface, class Body>
     HRESULT answer(Body&& body) noexcept {
+        const com::ComPtr<IOleObject> alive(this);
         return com::guard(__uuidof(Interface), description().programIdentifier,
                           std::forward<Body>(body));
     }
@@ -211,7 +214,6 @@ private:
 
     std::vector<NamedProperty> properties() const;
     void apply(const std::vector<NamedProperty>& properties);
-    void load(IStream& stream);
 
     Site site_;
     // Null while the control has no place in its container's window.

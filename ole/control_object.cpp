@@ -20,7 +20,6 @@ LPOLESTR copyForCaller(const wchar_t* text) {
 
 HRESULT Control::SetClientSite(IOleClientSite* site) {
     return answer<IOleObject>([&] {
-        const com::ComPtr<IOleObject> alive(this);
         if (site == site_.get()) return;
         // The window belongs to the place that the old site gave.
         leavePlace();
@@ -38,7 +37,6 @@ HRESULT Control::GetClientSite(IOleClientSite** site) {
 
 HRESULT Control::Close(DWORD saveOption) {
     return answer<IOleObject>([&] {
-        const com::ComPtr<IOleObject> alive(this);
         const com::ComPtr<IOleClientSite> site = site_.get();
         if (site && isDirty_ && saveOption != OLECLOSE_NOSAVE) site->SaveObject();
         leavePlace();
@@ -74,7 +72,6 @@ HRESULT Control::DoVerb(LONG verb, LPMSG, IOleClientSite*, LONG, HWND, LPCRECT) 
                 activate(false);
                 return S_OK;
             case OLEIVERB_HIDE: {
-                const com::ComPtr<IOleObject> alive(this);
                 leaveUserInterface();
                 if (const HWND window = windowOfControl()) ShowWindow(window, SW_HIDE);
                 return S_OK;
@@ -121,7 +118,6 @@ HRESULT Control::SetExtent(DWORD aspect, SIZEL* extent) {
         if (!extent) throw com::Error(E_POINTER);
         checkAspect(aspect);
         if (extent->cx < 0 || extent->cy < 0) throw com::Error(E_INVALIDARG);
-        const com::ComPtr<IOleObject> alive(this);
         extent_ = *extent;
         viewChanged();
     });
@@ -173,10 +169,7 @@ HRESULT Control::GetControlInfo(CONTROLINFO* information) {
 }
 
 HRESULT Control::OnAmbientPropertyChange(DISPID) {
-    return answer<IOleControl>([&] {
-        const com::ComPtr<IOleObject> alive(this);
-        ambientChanged();
-    });
+    return answer<IOleControl>([&] { ambientChanged(); });
 }
 
 HRESULT Control::FreezeEvents(BOOL freeze) {

@@ -50,6 +50,8 @@ void Control::apply(const std::vector<NamedProperty>& properties) {
         }
     }
     isDirty_ = false;
+    // What a property refused is no failure of the call.
+    SetErrorInfo(0, nullptr);
 }
 
 HRESULT Control::GetClassID(CLSID* identifier) {
@@ -61,15 +63,10 @@ HRESULT Control::InitNew() {
     return S_OK;
 }
 
-void Control::load(IStream& stream) {
-    const com::ComPtr<IOleObject> alive(this);
-    apply(readProperties(stream));
-}
-
 HRESULT Control::Load(IStream* stream) {
     return answer<IPersistStreamInit>([&] {
         if (!stream) throw com::Error(E_POINTER);
-        load(*stream);
+        apply(readProperties(*stream));
     });
 }
 
@@ -88,7 +85,6 @@ HRESULT Control::GetSizeMax(ULARGE_INTEGER* size) {
 HRESULT Control::Load(IPropertyBag* bag, IErrorLog* log) {
     return answer<IPersistPropertyBag>([&] {
         if (!bag) throw com::Error(E_POINTER);
-        const com::ComPtr<IOleObject> alive(this);
         std::vector<NamedProperty> read;
         for (const PersistedProperty& each : description().properties) {
             com::Variant value;
@@ -107,7 +103,6 @@ HRESULT Control::Load(IPropertyBag* bag, IErrorLog* log) {
 HRESULT Control::Save(IPropertyBag* bag, BOOL clearDirty, BOOL) {
     return answer<IPersistPropertyBag>([&] {
         if (!bag) throw com::Error(E_POINTER);
-        const com::ComPtr<IOleObject> alive(this);
         for (const NamedProperty& property : properties()) {
             com::Variant value = property.value;
             com::check(bag->Write(property.name.c_str(), const_cast<VARIANT*>(&value.get())), bag);
@@ -127,7 +122,7 @@ HRESULT Control::Load(IStorage* storage) {
         com::check(
             storage->OpenStream(kStreamName, nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, 0, &stream),
             storage);
-        load(*stream.Get());
+        apply(readProperties(*stream.Get()));
     });
 }
 

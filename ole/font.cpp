@@ -96,8 +96,9 @@ FontWatch::FontWatch(IFontDisp* font, std::function<void()> changed)
     if (FAILED(font->QueryInterface(IID_PPV_ARGS(&container)))) return;
     com::ComPtr<IConnectionPoint> point;
     if (FAILED(container->FindConnectionPoint(IID_IPropertyNotifySink, &point))) return;
-    com::check(point->Advise(static_cast<IPropertyNotifySink*>(sink_.Get()), &cookie_));
-    point_ = point;
+    // A font that takes no sink is drawn as it is, as one without events.
+    const auto sink = static_cast<IPropertyNotifySink*>(sink_.Get());
+    if (SUCCEEDED(point->Advise(sink, &cookie_))) point_ = point;
 }
 
 FontWatch::~FontWatch() {

@@ -28,7 +28,6 @@ DWORD keyModifiers() {
 }  // namespace
 
 void Control::activate(bool withUserInterface) {
-    const com::ComPtr<IOleObject> alive(this);
     if (!place_) {
         const auto place = site_.as<IOleInPlaceSite>();
         if (!place) throw com::Error(E_FAIL, L"The container has no place for a window");
@@ -132,23 +131,16 @@ HRESULT Control::GetWindow(HWND* window) {
 }
 
 HRESULT Control::InPlaceDeactivate() {
-    return answer<IOleInPlaceObject>([&] {
-        const com::ComPtr<IOleObject> alive(this);
-        leavePlace();
-    });
+    return answer<IOleInPlaceObject>([&] { leavePlace(); });
 }
 
 HRESULT Control::UIDeactivate() {
-    return answer<IOleInPlaceObject>([&] {
-        const com::ComPtr<IOleObject> alive(this);
-        leaveUserInterface();
-    });
+    return answer<IOleInPlaceObject>([&] { leaveUserInterface(); });
 }
 
 HRESULT Control::SetObjectRects(LPCRECT position, LPCRECT clip) {
     return answer<IOleInPlaceObject>([&] {
         if (!position) throw com::Error(E_POINTER);
-        const com::ComPtr<IOleObject> alive(this);
         placeWindow(*position, clip);
     });
 }
@@ -181,7 +173,6 @@ void Control::focusChanged(bool hasFocus) {
 HRESULT Control::TranslateAccelerator(LPMSG message) {
     return answer<IOleInPlaceActiveObject>([&]() -> HRESULT {
         if (!message) throw com::Error(E_POINTER);
-        const com::ComPtr<IOleObject> alive(this);
         const HWND window = windowOfControl();
         if (window && isKeyDown(message->message) && isOf(message->hwnd, window)) {
             const LRESULT wanted = SendMessageW(message->hwnd, WM_GETDLGCODE, message->wParam,

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "com/port.h"
 #include "com/variant.h"
 #include "script/line_sink.h"
 
@@ -41,7 +42,7 @@ bool waitForText(const com::ComPtr<IKelCommunicator>& link, std::wstring_view te
 }
 
 void clearReadBuffer(const com::ComPtr<IKelCommunicator>& link) {
-    const auto port = portOf(link);
+    const auto port = com::portOf(link);
     if (port) com::check(port->ClearReadBuffer(), port);
 }
 
@@ -200,7 +201,7 @@ bool CommandRunner::setBaudRate(const Link& link, const Parameters& parameters) 
     com::check(link->get_RadioConnection(&radio), link);
     if (com::isTrue(radio)) return fail("SETBAUDRATE command is disabled on Radio connection!");
 
-    const auto port = portOf(link);
+    const auto port = com::portOf(link);
     if (!port) return false;
     com::check(port->put_BaudRate(parameters.number(0, kDefaultBaudRate)), port);
     com::check(port->EchoConnectionInfo(), port);
@@ -229,7 +230,7 @@ bool CommandRunner::setLine(const Link& link, const Parameters& parameters) {
     const long dataBits = parameters.number(1, 8);
     const long stopBits = parameters.number(2, 1);
 
-    const auto port = portOf(link);
+    const auto port = com::portOf(link);
     com::ComPtr<ISerialStream> serial;
     if (!port || FAILED(port.As(&serial))) return false;
     VARIANT_BOOL accepted = VARIANT_FALSE;
@@ -245,7 +246,7 @@ bool CommandRunner::setLine(const Link& link, const Parameters& parameters) {
 }
 
 std::optional<std::string> CommandRunner::serialNumber(const Link& link) {
-    const auto port = portOf(link);
+    const auto port = com::portOf(link);
     if (!port) return std::nullopt;
     VARIANT_BOOL open = VARIANT_FALSE;
     com::check(port->get_IsOpen(&open), port);

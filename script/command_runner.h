@@ -24,7 +24,7 @@ public:
     // What the words need of their preprocessor; all must outlive the runner.
     struct Owner {
         RunState& state;
-        const Interviewer& interviewer;
+        Interviewer& interviewer;
         Clock& clock;
         const com::Bstr& scriptPath;
         const com::Bstr& systemPath;

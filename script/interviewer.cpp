@@ -20,6 +20,7 @@ Answers Interviewer::ask(const Question& question) {
 
 void Interviewer::cancelQuestion() {
     if (open_) open_->cancel();
+    box_.cancel();
 }
 
 Answers Interviewer::askUser(const Question& question) {
@@ -47,11 +48,10 @@ Answers Interviewer::askUnattended(const Question& question) const {
     return answers;
 }
 
-Confirmation Interviewer::confirm(const com::Bstr& text) const {
+Confirmation Interviewer::confirm(const com::Bstr& text) {
     if (isUnattended_) return confirmUnattended();
     const HWND owner = ui::livingWindow(parentWindow_);
-    const int button = MessageBoxW(owner, text.get(), L"Message", MB_OKCANCEL | MB_ICONEXCLAMATION);
-    return button == IDOK ? Confirmation::Ok : Confirmation::Cancelled;
+    return box_.ask(owner, text) == IDOK ? Confirmation::Ok : Confirmation::Cancelled;
 }
 
 Confirmation Interviewer::confirmUnattended() const {

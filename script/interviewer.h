@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "com/text.h"
+#include "script/closable_box.h"
 #include "script/engine/prepared_answers.h"
 #include "script/engine/question.h"
 #include "script/engine/text_rules.h"
@@ -38,11 +39,11 @@ public:
     // Nothing when the user cancelled, an answer is missing, or no window could be made.
     Answers ask(const Question& question);
 
-    // Closes the window of a question as its Cancel button does.
+    // Closes the window of a question, or a message box, as its Cancel button does.
     void cancelQuestion();
 
     // A box with OK and Cancel.
-    Confirmation confirm(const com::Bstr& text) const;
+    Confirmation confirm(const com::Bstr& text);
 
 private:
     Answers askUnattended(const Question& question) const;
@@ -54,6 +55,7 @@ private:
     ErrorReport report_;
     bool isUnattended_ = false;
     QuestionDialog* open_ = nullptr;
+    ClosableBox box_;
 };
 
 }  // namespace kel::script

@@ -1,5 +1,6 @@
 #include "script/line_sink.h"
 
+#include "com/port.h"
 #include "com/text.h"
 #include "com/variant.h"
 
@@ -40,15 +41,9 @@ bool writeCarriageReturn(const com::ComPtr<IKelStream>& port) {
 
 }  // namespace
 
-com::ComPtr<IKelStream> portOf(const com::ComPtr<IKelCommunicator>& communicator) {
-    com::ComPtr<IKelStream> port;
-    if (communicator) com::check(communicator->get_Port(&port), communicator);
-    return port;
-}
-
 bool sendLine(const com::ComPtr<IKelCommunicator>& communicator, BSTR text,
               const std::function<void()>& onWritten) {
-    const com::ComPtr<IKelStream> port = portOf(communicator);
+    const com::ComPtr<IKelStream> port = com::portOf(communicator);
     if (!port) return false;
     com::check(port->ClearReadBuffer(), port);
 

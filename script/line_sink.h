@@ -13,7 +13,4 @@ namespace kel::script {
 bool sendLine(const com::ComPtr<IKelCommunicator>& communicator, BSTR text,
               const std::function<void()>& onWritten);
 
-// The port of a link, fetched anew for each use: a handler may replace it. Null when there is none.
-com::ComPtr<IKelStream> portOf(const com::ComPtr<IKelCommunicator>& communicator);
-
 }  // namespace kel::script

@@ -1,5 +1,6 @@
 #include "script/link_host.h"
 
+#include "com/port.h"
 #include "com/text.h"
 #include "com/variant.h"
 #include "script/flat_collection.h"
@@ -32,12 +33,12 @@ LinkHost::LinkHost(RunState& state, IPreprocessor2& sink, const WordHandlers& di
       report_(std::move(report)) {}
 
 void LinkHost::echo(std::string_view text) {
-    const auto port = portOf(state_.communicator);
+    const auto port = com::portOf(state_.communicator);
     if (port) com::check(port->Echo(com::Bstr(text).get()), port);
 }
 
 void LinkHost::endErrorReport() {
-    const auto port = portOf(state_.communicator);
+    const auto port = com::portOf(state_.communicator);
     if (!port) return;
     // An instrument that does not take the empty line has been told of already.
     VARIANT_BOOL written = VARIANT_FALSE;
@@ -51,7 +52,7 @@ bool LinkHost::send(std::string_view line) {
 }
 
 void LinkHost::yield() {
-    const auto port = portOf(state_.communicator);
+    const auto port = com::portOf(state_.communicator);
     if (port) com::check(port->Sleep(1), port);
 }
 

@@ -40,13 +40,6 @@ std::wstring asItStands(std::wstring text) {
     return text;
 }
 
-std::wstring textOf(HWND window) {
-    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
-    text.resize(static_cast<std::size_t>(
-        GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
-    return text;
-}
-
 }  // namespace
 
 QuestionDialog::QuestionDialog(const Question& question)
@@ -169,7 +162,7 @@ std::string QuestionDialog::answer(std::size_t row) const {
             return control.choices.at(static_cast<std::size_t>(chosen));
         }
         case ControlKind::Input:
-            return com::narrow(textOf(window));
+            return com::narrow(com::windowText(window));
     }
     return {};
 }

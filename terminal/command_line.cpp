@@ -1,5 +1,7 @@
 #include "terminal/command_line.h"
 
+#include "com/text.h"
+
 namespace kel::terminal {
 namespace {
 
@@ -24,10 +26,7 @@ bool CommandLine::hasSelection() const {
 }
 
 std::wstring CommandLine::text() const {
-    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(comboBox_)) + 1, L'\0');
-    const int length = GetWindowTextW(comboBox_, text.data(), static_cast<int>(text.size()));
-    text.resize(static_cast<std::size_t>(length));
-    return text;
+    return com::windowText(comboBox_);
 }
 
 std::wstring CommandLine::beginning() const {

@@ -88,8 +88,8 @@ LRESULT CALLBACK OutputPane::procedure(HWND window, UINT message, WPARAM wide, L
         return DefSubclassProc(window, message, wide, longer);
     try {
         return self->process(message, wide, longer);
-    } catch (const std::bad_alloc&) {
-        // What arrived is not shown; the pane goes on.
+    } catch (const std::exception&) {
+        // What arrived is more than there is room for, and not shown; the pane goes on.
         return 0;
     }
 }

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <utility>
 
+#include "com/port.h"
 #include "com/variant.h"
 
 namespace kel::terminal {
@@ -35,12 +36,6 @@ bool isSameObject(IUnknown* left, IUnknown* right) {
     return leftIdentity.Get() == rightIdentity.Get();
 }
 
-com::ComPtr<IKelStream> portOf(const com::ComPtr<IKelCommunicator>& link) {
-    com::ComPtr<IKelStream> port;
-    if (link) com::check(link->get_Port(&port), link);
-    return port;
-}
-
 // True while a script reads the stream, and while that cannot be told.
 bool isRead(const com::ComPtr<IKelCommunicator>& link) {
     com::ComPtr<IPreprocessor> preprocessor;
@@ -61,12 +56,18 @@ void empty(const com::ComPtr<IKelCommunicator>& link, const com::ComPtr<IKelStre
     com::check(port->ClearReadBuffer(), port);
 }
 
+// Unless the stream echoes elsewhere now.
+void giveBack(const com::ComPtr<IKelStream>& stream, long pane) noexcept {
+    long window = 0;
+    if (SUCCEEDED(stream->get_EchoWindow(&window)) && window == pane) stream->put_EchoWindow(0);
+}
+
 }  // namespace
 
 void StreamPoll::claim(const com::ComPtr<IKelCommunicator>& link, HWND pane) {
     com::ComPtr<IKelStream> port;
     try {
-        if (pane) port = portOf(link);
+        if (pane) port = com::portOf(link);
     } catch (...) {
         release();
         throw;
@@ -77,12 +78,16 @@ void StreamPoll::claim(const com::ComPtr<IKelCommunicator>& link, HWND pane) {
 }
 
 void StreamPoll::follow(const com::ComPtr<IKelStream>& port, HWND pane) {
-    release();
+    // The calls may run messages that claim again, or close the window of the pane.
+    while (stream_)
+        release();
     if (!port) return;
+    const long number = HandleToLong(pane);
     stream_ = port;
-    paneNumber_ = HandleToLong(pane);
+    paneNumber_ = number;
     rests_ = true;
-    com::check(port->put_EchoWindow(paneNumber_), port);
+    com::check(port->put_EchoWindow(number), port);
+    if (stream_ != port || paneNumber_ != number) return giveBack(port, number);
     isClaimed_ = true;
     rests_ = false;
 }
@@ -91,9 +96,7 @@ void StreamPoll::release() noexcept {
     const com::ComPtr<IKelStream> stream = std::exchange(stream_, nullptr);
     rests_ = false;
     if (!stream || !std::exchange(isClaimed_, false)) return;
-    const long pane = paneNumber_;
-    long window = 0;
-    if (SUCCEEDED(stream->get_EchoWindow(&window)) && window == pane) stream->put_EchoWindow(0);
+    giveBack(stream, paneNumber_);
 }
 
 void StreamPoll::tick(const com::ComPtr<IKelCommunicator>& link, HWND pane) {
@@ -102,7 +105,7 @@ void StreamPoll::tick(const com::ComPtr<IKelCommunicator>& link, HWND pane) {
 
     com::ComPtr<IKelStream> port;
     try {
-        port = portOf(link);
+        port = com::portOf(link);
         hasLinkFailed_ = false;
     } catch (const com::Error&) {
         if (std::exchange(hasLinkFailed_, true)) return;

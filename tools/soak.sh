@@ -25,7 +25,7 @@ soak_part() {
     without_locks env "$4" wine "$program" --gtest_filter="$3" >"$log" 2>&1 || code=$?
     # A filter that fits nothing proves nothing.
     grep -q '^\[  PASSED  \] [1-9]' -- "$log" || code=1
-    grep -E '^[0-9]+ runs: ' -- "$log" || true
+    grep -E '^([0-9]+ runs|cancel): ' -- "$log" || true
     if ((code == 0)); then
         printf '%-64s nothing found  %5d s\n' "$what" "$((SECONDS - start))"
     else

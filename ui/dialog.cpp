@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "com/text.h"
 #include "ui/atl.h"
 
 namespace kel::ui {
@@ -61,6 +62,7 @@ INT_PTR Dialog::runAs(bool isModal, Run&& run) {
     isModal_ = isModal;
     isInitialising_ = true;
     initialisationFailure_ = nullptr;
+    hasEnded_ = false;
     result_ = 0;
     run();
     if (isInitialising_) {
@@ -126,6 +128,7 @@ void Dialog::showStatus(std::wstring_view text) {
 void Dialog::end(INT_PTR result) {
     if (!window_) return;
     result_ = result;
+    hasEnded_ = true;
     if (isModal_) {
         EndDialog(window_, result);
     } else {
@@ -134,11 +137,7 @@ void Dialog::end(INT_PTR result) {
 }
 
 std::wstring Dialog::text(int identifier) const {
-    const HWND window = control(identifier);
-    std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
-    const int length = GetWindowTextW(window, text.data(), static_cast<int>(text.size()));
-    text.resize(static_cast<std::size_t>(length));
-    return text;
+    return com::windowText(control(identifier));
 }
 
 void Dialog::setText(int identifier, std::wstring_view text) {
@@ -300,12 +299,12 @@ void Dialog::showFailure(const std::wstring& text) {
     MessageBoxW(window_, text.c_str(), title, MB_OK | MB_ICONSTOP);
 }
 
-// The last resort must not fail itself: without memory for the text there is none.
+// The last resort must not fail itself: where the text cannot be made or shown there is none.
 void Dialog::reportFailure() noexcept {
     try {
         const std::wstring text = com::textOfCurrentException();
         if (window_) showFailure(text);
-    } catch (const std::bad_alloc&) {
+    } catch (...) {
         MessageBeep(MB_ICONSTOP);
     }
 }

@@ -92,6 +92,8 @@ protected:
     void showStatus(std::wstring_view text);
 
     void end(INT_PTR result);
+    // True from then on, also while its window is still there.
+    bool hasEnded() const { return !window_ || hasEnded_; }
 
     // While one lives the user can only cancel, and sees the cursor that tells to wait.
     class Busy {
@@ -138,6 +140,7 @@ private:
     bool isModal_ = false;
     bool isInitialising_ = false;
     bool isBusy_ = false;
+    bool hasEnded_ = false;
     INT_PTR result_ = 0;
     std::exception_ptr initialisationFailure_;
     std::set<UINT_PTR> runningTimers_;

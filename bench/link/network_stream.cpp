@@ -24,6 +24,11 @@ HRESULT NetworkStream::ConnectTo(BSTR address, BSTR port, VARIANT_BOOL* result) 
     return code;
 }
 
+HRESULT NetworkStream::Close() {
+    ++closings_;
+    return StreamObject::Close();
+}
+
 HRESULT NetworkStream::get_PasswordRequired(VARIANT_BOOL* required) {
     return operation([&] { com::out(required) = com::variantBool(passwordRequired_); });
 }
@@ -58,10 +63,11 @@ int NetworkStream::connect(const std::wstring& address, const std::wstring& port
 // Asks an attempt how it goes until it knows.
 template <class Attempt>
 int NetworkStream::finish(Attempt& attempt, Clock::Moment deadline) {
+    const int closings = closings_;
     auto state = attempt.poll();
     while (state == Attempt::State::kGoing) {
         if (hasPassed(deadline)) return WSAETIMEDOUT;
-        if (!stream_.idle(deadline)) return ERROR_OPERATION_ABORTED;
+        if (!stream_.idle(deadline) || closings_ != closings) return ERROR_OPERATION_ABORTED;
         state = attempt.poll();
     }
     return state == Attempt::State::kFailed ? attempt.error() : 0;

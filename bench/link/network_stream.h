@@ -13,6 +13,8 @@ class NetworkStream final
 public:
     static constexpr com::ClassDescription kClass{nullptr, L"BenchLink.NetworkStream.1"};
 
+    // Ends an attempt to connect as well.
+    STDMETHODIMP Close() override;
     // The thread's last error tells why no connection was made. A host after "gate:" is reached
     // through a gateway.
     STDMETHODIMP ConnectTo(BSTR address, BSTR port, VARIANT_BOOL* result) override;
@@ -28,6 +30,7 @@ private:
 
     std::string password_;
     bool passwordRequired_ = false;
+    int closings_ = 0;
 };
 
 }  // namespace kel::bench

@@ -14,9 +14,7 @@ namespace {
 // The names under which a class is registered.
 struct Names {
     explicit Names(const com::ClassRow& row) {
-        wchar_t text[39];
-        StringFromGUID2(*row.identifier, text, sizeof text / sizeof text[0]);
-        identifier = text;
+        identifier = com::guidText(*row.identifier);
         classKey = L"CLSID\\" + identifier;
         independentProgram = std::wstring(L"BenchLink.") + row.name;
         program = independentProgram + L".1";

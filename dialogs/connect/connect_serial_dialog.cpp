@@ -24,6 +24,7 @@ protected:
         return L"Unable to connect to '" + port + L"' (error:" + std::to_wstring(error) + L")";
     }
     void confirm() override {
+        const Busy busy(*this);
         if (connect()) end(IDOK);
     }
 

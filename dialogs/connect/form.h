@@ -6,6 +6,10 @@
 namespace kel::connect {
 
 class Form : public ui::Dialog {
+public:
+    // The dialog is being left: what waits for the link ends as soon as it can.
+    virtual void leave() {}
+
 protected:
     using Dialog::Dialog;
 
@@ -13,6 +17,7 @@ protected:
     virtual void confirm() = 0;
 
     bool command(int control, int notification) override {
+        if (control == IDCANCEL) leave();
         if (control != IDOK) return Dialog::command(control, notification);
         confirm();
         return true;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "com/port.h"
 #include "com/text.h"
 #include "com/variant.h"
 #include "dialogs/connect/connection_store.h"
@@ -73,8 +74,7 @@ void connectAsLastTime(const com::ComPtr<IKelCommunicator>& link, const std::wst
 
 void rememberConnection(const com::ComPtr<IKelCommunicator>& link,
                         const std::wstring& application) {
-    com::ComPtr<IKelStream> port;
-    com::check(link->get_Port(&port), link);
+    const auto port = com::portOf(link);
     VARIANT_BOOL isOpen = VARIANT_FALSE;
     if (port) com::check(port->get_IsOpen(&isOpen), port);
     if (!com::isTrue(isOpen)) failWith(L"The link has no open port");

@@ -23,6 +23,8 @@ public:
     // none, or it does not answer: that is shown. Throws com::Error when the link fails.
     bool connect();
 
+    void leave() override { link_.giveUp(); }
+
 protected:
     void initialise() override;
     bool command(int control, int notification) override;

@@ -1,6 +1,8 @@
 #include "dialogs/connect/network_link.h"
 
 #include "com/creation.h"
+#include "com/port.h"
+#include "com/scoped.h"
 #include "com/text.h"
 #include "com/variant.h"
 #include "interfaces/link_classes.h"
@@ -12,8 +14,7 @@ void NetworkLink::createStream() {
 }
 
 bool NetworkLink::connect(const NetworkConnection& connection) {
-    com::ComPtr<IKelStream> present;
-    com::check(link_->get_Port(&present), link_);
+    const auto present = com::portOf(link_);
     // One that is no network stream is no failure.
     com::ComPtr<INetworkStream> presentNetwork;
     if (present) present.As(&presentNetwork);
@@ -27,10 +28,16 @@ bool NetworkLink::connect(const NetworkConnection& connection) {
     if (SUCCEEDED(stream.As(&gateway)))
         com::check(gateway->put_Password(com::Bstr(connection.password).get()), gateway);
     VARIANT_BOOL isConnected = VARIANT_FALSE;
-    com::check(stream->ConnectTo(com::Bstr(connection.address).get(),
-                                 com::Bstr(connection.port).get(), &isConnected),
-               stream);
-    if (!com::isTrue(isConnected)) return false;
+    isGivenUp_ = false;
+    {
+        const bool isPresent = presentNetwork.Get() == stream.Get();
+        const com::Scoped attempt(connecting_, isPresent ? com::ComPtr<INetworkStream>() : stream);
+        com::check(stream->ConnectTo(com::Bstr(connection.address).get(),
+                                     com::Bstr(connection.port).get(), &isConnected),
+                   stream);
+    }
+    if (isGivenUp_) stream->Close();
+    if (!com::isTrue(isConnected) || isGivenUp_) return false;
     if (presentNetwork.Get() == stream.Get()) return true;
     try {
         if (present) com::check(present->Close(), present);
@@ -43,17 +50,23 @@ bool NetworkLink::connect(const NetworkConnection& connection) {
     return true;
 }
 
+void NetworkLink::giveUp() noexcept {
+    const auto stream = connecting_;
+    if (!stream) return;
+    isGivenUp_ = true;
+    stream->Close();
+}
+
 bool NetworkLink::wantsPassword() const {
     com::ComPtr<INetworkStream2> gateway;
-    if (!stream_ || FAILED(stream_.As(&gateway))) return false;
+    if (isGivenUp_ || !stream_ || FAILED(stream_.As(&gateway))) return false;
     VARIANT_BOOL isRequired = VARIANT_FALSE;
     com::check(gateway->get_PasswordRequired(&isRequired), gateway);
     return com::isTrue(isRequired);
 }
 
 bool NetworkLink::isConnected(const NetworkConnection& connection) const {
-    com::ComPtr<IKelStream> present;
-    com::check(link_->get_Port(&present), link_);
+    const auto present = com::portOf(link_);
     com::ComPtr<INetworkStream> network;
     if (!present || FAILED(present.As(&network))) return false;
     VARIANT_BOOL isOpen = VARIANT_FALSE;

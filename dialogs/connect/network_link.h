@@ -20,6 +20,10 @@ public:
     // then; false when no connection was made, and the present port is as it was.
     bool connect(const NetworkConnection& connection);
 
+    // Called in the middle of connect(), which then ends as soon as the stream lets it, and has
+    // connected nothing.
+    void giveUp() noexcept;
+
     // True when the last attempt failed because the gateway wants a password, or another one.
     bool wantsPassword() const;
 
@@ -29,6 +33,8 @@ public:
 private:
     com::ComPtr<IKelCommunicator> link_;
     com::ComPtr<INetworkStream> stream_;
+    com::ComPtr<INetworkStream> connecting_;  // nothing is lost where it is closed
+    bool isGivenUp_ = false;
 };
 
 }  // namespace kel::connect

@@ -57,8 +57,13 @@ long SerialForm::chosenRate() const {
 }
 
 void SerialForm::refresh() {
-    states_ = probePorts(port_, {[&](const std::wstring& name) { return link_.exists(name); },
-                                 [&](const std::wstring& name) { return link_.opens(name); }});
+    // The link may run messages: a port that is chosen or connected meanwhile would be closed by
+    // the probe.
+    const Busy busy(*this);
+    states_ = probePorts(
+        port_, {[&](const std::wstring& name) { return !isLeaving_ && link_.exists(name); },
+                [&](const std::wstring& name) { return link_.opens(name); }});
+    if (isLeaving_) return;
     for (int number = 1; number <= kPorts; ++number) {
         const int button = kFirstButton + number - 1;
         setText(button, buttonText(number, states_[static_cast<std::size_t>(number - 1)]));

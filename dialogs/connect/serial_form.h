@@ -19,6 +19,9 @@ public:
     // Throws com::Error when the link fails.
     bool connect();
 
+    // No further port is looked at.
+    void leave() override { isLeaving_ = true; }
+
 protected:
     void initialise() override;
     bool command(int control, int notification) override;
@@ -44,6 +47,7 @@ private:
     SerialLink link_;
     std::wstring port_;
     std::array<PortState, kPorts> states_{};
+    bool isLeaving_ = false;
 };
 
 }  // namespace kel::connect

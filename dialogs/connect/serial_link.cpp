@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "com/creation.h"
+#include "com/port.h"
 #include "com/text.h"
 #include "com/variant.h"
 #include "dialogs/connect/model/serial_ports.h"
@@ -21,21 +22,15 @@ const com::ComPtr<ISerialStream>& SerialLink::stream() const {
     return stream_;
 }
 
-com::ComPtr<IKelStream> SerialLink::port() const {
-    com::ComPtr<IKelStream> port;
-    com::check(link_->get_Port(&port), link_);
-    return port;
-}
-
 std::wstring SerialLink::currentPort() const {
-    const auto present = port();
+    const auto present = com::portOf(link_);
     com::Bstr connection;
     if (present) com::check(present->get_ConnectionString(connection.put()), present);
     return shownName(connection.view());
 }
 
 std::optional<long> SerialLink::currentRate() const {
-    const auto present = port();
+    const auto present = com::portOf(link_);
     VARIANT_BOOL isOpen = VARIANT_FALSE;
     if (present) com::check(present->get_IsOpen(&isOpen), present);
     if (!com::isTrue(isOpen)) return std::nullopt;
@@ -45,7 +40,7 @@ std::optional<long> SerialLink::currentRate() const {
 }
 
 bool SerialLink::hasOpenSerialPort() const {
-    const auto present = port();
+    const auto present = com::portOf(link_);
     com::ComPtr<ISerialStream> serial;
     if (!present || FAILED(present.As(&serial))) return false;
     VARIANT_BOOL isOpen = VARIANT_FALSE;
@@ -72,7 +67,7 @@ bool SerialLink::isCurrent(const std::wstring& port) const {
 }
 
 void SerialLink::setRate(long rate, const SerialRules& rules) {
-    const auto present = port();
+    const auto present = com::portOf(link_);
     if (!present) throw com::Error(E_POINTER, L"The link has no port any more");
     long before = 0;
     if (!rules.putsSameRate) com::check(present->get_BaudRate(&before), present);
@@ -91,7 +86,7 @@ std::optional<DWORD> SerialLink::connect(const std::wstring& name, long rate) {
     if (!com::isTrue(isOpen)) return error;
 
     try {
-        if (const auto present = port()) com::check(present->Close(), present);
+        if (const auto present = com::portOf(link_)) com::check(present->Close(), present);
         com::check(link_->put_Port(fresh.Get()), link_);
     } catch (...) {
         // Nobody would close it later.

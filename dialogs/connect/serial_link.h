@@ -46,7 +46,6 @@ public:
 
 private:
     const com::ComPtr<ISerialStream>& stream() const;
-    com::ComPtr<IKelStream> port() const;
 
     com::ComPtr<IKelCommunicator> link_;
     com::ComPtr<ISerialStream> stream_;

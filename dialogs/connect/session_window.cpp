@@ -1,5 +1,6 @@
 #include "dialogs/connect/session_window.h"
 
+#include "com/port.h"
 #include "com/variant.h"
 #include "resources/resource_ids.h"
 
@@ -72,8 +73,7 @@ void SessionWindow::createPage(SessionPage& page, WORD resource) {
 }
 
 PresentPort SessionWindow::presentPort() const {
-    com::ComPtr<IKelStream> port;
-    com::check(link_->get_Port(&port), link_);
+    const auto port = com::portOf(link_);
     if (!port) return PresentPort::None;
     com::ComPtr<INetworkStream> network;
     if (SUCCEEDED(port.As(&network))) return PresentPort::Network;
@@ -111,6 +111,8 @@ bool SessionWindow::command(int control, int notification) {
             if (page(option_).carryOut()) finish();
             return true;
         case IDCANCEL:
+            serial_.leave();
+            network_.leave();
             return Dialog::command(control, notification);
     }
     // Enter on a button of the page comes to the window that has the keyboard.

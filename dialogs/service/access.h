@@ -30,12 +30,4 @@ bool isSo(const com::ComPtr<Interface>& object, Member member) {
     return com::isTrue(ask<VARIANT_BOOL>(object, member));
 }
 
-// The link's port, which must be there.
-inline com::ComPtr<IKelStream> portOf(const com::ComPtr<IKelCommunicator>& link) {
-    com::ComPtr<IKelStream> port;
-    com::check(link->get_Port(&port), link);
-    if (!port) throw com::Error(E_POINTER, L"The link has no port");
-    return port;
-}
-
 }  // namespace kel::service

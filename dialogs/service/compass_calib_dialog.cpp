@@ -1,5 +1,6 @@
 #include "dialogs/service/compass_calib_dialog.h"
 
+#include "com/port.h"
 #include "com/text.h"
 #include "dialogs/service/access.h"
 #include "dialogs/service/instrument.h"
@@ -59,8 +60,10 @@ void CompassWindow::initialise() {
 }
 
 void CompassWindow::poll() {
-    if (!isSo(compass_, &ICompassAccess::get_Calibrating)) return;
-    if (isSo(compass_, &ICompassAccess::get_Busy)) return;
+    if (!isSo(compass_, &ICompassAccess::get_Calibrating)) return expectNothing();
+    const bool isNew = !isSo(compass_, &ICompassAccess::get_Busy);
+    watch(isNew);
+    if (!isNew) return;
     const auto read = [&](auto member) {
         return ui::decimalText(ask<double>(compass_, member), 1);
     };
@@ -81,6 +84,7 @@ void CompassWindow::start() {
     if (!isSo(compass_, &ICompassAccess::StartCalibration))
         return tellError(window(), L"Unable to start calibration!");
     showStatus(kTurnTheCompass);
+    expectData();
     report_.beginCalibration();
     offer({IDC_COMPASS_STOP}, {IDC_COMPASS_START});
 }
@@ -114,6 +118,7 @@ void CompassWindow::leave() {
 
 // False where none was running.
 bool CompassWindow::endCalibration() {
+    expectNothing();
     if (!isSo(compass_, &ICompassAccess::get_Calibrating)) return false;
     com::check(compass_->StopCalibration(), compass_);
     report_.endCalibration();
@@ -128,7 +133,7 @@ bool CompassCalibDialog::show(HWND owner, const com::ComPtr<IKelCommunicator>& l
     const auto compass = makeAccess<ICompassAccess>(link::kCompassAccessClass, link);
     CompassReport report;
     if (!logFile_.empty()) report.open(logFile_);
-    const ui::LinkSettings settings(portOf(link));
+    const ui::LinkSettings settings(com::presentPortOf(link));
     CompassWindow(*this, compass, report, scores_).runModal(IDD_COMPASS_CALIBRATION, owner);
     return false;
 }

@@ -9,6 +9,7 @@ namespace {
 
 constexpr UINT_PTR kPollTimer = 1;
 constexpr UINT kPollPeriod = 50;  // milliseconds
+constexpr wchar_t kSilent[] = L"The instrument sends no data";
 
 }  // namespace
 
@@ -20,9 +21,36 @@ void PollingDialog::timer(UINT_PTR) {
     if (!isAtWork_) poll();
 }
 
+void PollingDialog::watch(bool isNew) {
+    const ULONGLONG now = GetTickCount64();
+    if (silence_ && isNew) silence_->heard(now);
+    const bool isSilent = silence_ && silence_->isSilent(now);
+    if (isSilent == covered_.has_value()) return;
+    if (isSilent) {
+        covered_ = text(statusLine());
+        showStatus(kSilent);
+        return;
+    }
+    // What else was told meanwhile stays.
+    if (text(statusLine()) == kSilent) showStatus(*covered_);
+    covered_.reset();
+}
+
 bool PollingDialog::command(int control, int) {
-    if (isAtWork_) return true;
+    if (isAtWork_) {
+        wasCancelled_ = wasCancelled_ || control == IDCANCEL;
+        return true;
+    }
+    // Also where the button fails.
+    struct Afterwards {
+        ~Afterwards() {
+            if (std::exchange(dialog.wasCancelled_, false) && !dialog.hasEnded())
+                PostMessageW(dialog.window(), WM_COMMAND, IDCANCEL, 0);
+        }
+        PollingDialog& dialog;
+    } const afterwards{*this};
     const com::Scoped working(isAtWork_, true);
+    if (hasEnded()) return true;
     if (control == IDCANCEL) {
         close();
     } else {

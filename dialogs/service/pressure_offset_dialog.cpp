@@ -1,5 +1,6 @@
 #include "dialogs/service/pressure_offset_dialog.h"
 
+#include "com/port.h"
 #include "com/text.h"
 #include "dialogs/service/access.h"
 #include "dialogs/service/instrument.h"
@@ -54,7 +55,9 @@ void PressureWindow::initialise() {
 }
 
 void PressureWindow::poll() {
-    if (!isSo(pressure_, &IPressureAccess::get_NewData)) return;
+    const bool isNew = isSo(pressure_, &IPressureAccess::get_NewData);
+    watch(isNew);
+    if (!isNew) return;
     const auto current = ask<double>(pressure_, &IPressureAccess::get_CurrentPressure);
     const auto mean = ask<double>(pressure_, &IPressureAccess::get_MeanPressure);
     showPressure(IDC_PRESSURE_CURRENT, current);
@@ -77,12 +80,14 @@ void PressureWindow::press(int button) {
 void PressureWindow::start() {
     if (!isSo(pressure_, &IPressureAccess::StartCollection))
         return tellError(window(), L"Unable to start calibration!");
+    expectData();
     offer({IDC_PRESSURE_STOP}, {IDC_PRESSURE_START, IDC_PRESSURE_SET});
 }
 
 void PressureWindow::stop() {
     if (!isSo(pressure_, &IPressureAccess::StopCollection))
         return tellError(window(), L"Unable to stop calibration!");
+    expectNothing();
     offer({IDC_PRESSURE_SET, IDC_PRESSURE_START}, {IDC_PRESSURE_STOP});
 }
 
@@ -115,7 +120,7 @@ void PressureWindow::leave() {
 bool PressureOffsetDialog::show(HWND owner, const com::ComPtr<IKelCommunicator>& link) {
     if (!wakeInstrument(link, owner)) return false;
     const auto pressure = makeAccess<IPressureAccess>(link::kPressureAccessClass, link);
-    const auto port = portOf(link);
+    const auto port = com::presentPortOf(link);
     const ui::LinkSettings settings(port);
     com::check(port->put_EchoWindow(0), port);
     com::check(port->put_IdleProcessing(VARIANT_TRUE), port);

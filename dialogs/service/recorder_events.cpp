@@ -58,40 +58,32 @@ HRESULT RecorderEvents::findElsewhere(REFIID iid, void** result) {
     return iid == IID_IMarshal ? marshaler_->QueryInterface(iid, result) : E_NOINTERFACE;
 }
 
-HRESULT RecorderEvents::GetTypeInfoCount(UINT* count) {
-    return guarded<IDispatch>([&] { com::out(count) = 0; });
-}
-
-HRESULT RecorderEvents::Invoke(DISPID member, REFIID iid, LCID, WORD, DISPPARAMS* arguments,
-                               VARIANT* result, EXCEPINFO*, UINT*) {
-    return guarded<IDispatch>([&] {
-        if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
-        if (!arguments) return E_INVALIDARG;
-        if (result) VariantInit(result);
-        const RecorderArguments given(*arguments);
-        switch (static_cast<RecorderEvent>(member)) {
-            case RecorderEvent::StatusText:
-                board_->tell([text = given.text(0)](RecorderNews& news) { news.status = text; });
-                return S_OK;
-            case RecorderEvent::Progress: {
-                const RecorderProgress progress{board_->elapsed(), given.count(0), given.count(1)};
-                board_->tell([&](RecorderNews& news) { news.progress = progress; });
-                return S_OK;
-            }
-            case RecorderEvent::Finished:
-                board_->tell([&](RecorderNews& news) { news.finishedAfter = board_->elapsed(); });
-                return S_OK;
-            case RecorderEvent::ConfirmReplace: {
-                const com::Variant answer(replaces(given.text(0)));
-                if (result) *result = answer.get();
-                return S_OK;
-            }
-            case RecorderEvent::FileStarted:
-                return S_OK;
-            default:
-                return DISP_E_MEMBERNOTFOUND;
+HRESULT RecorderEvents::received(DISPID event, DISPPARAMS* arguments, VARIANT* result) {
+    if (!arguments) return E_INVALIDARG;
+    if (result) VariantInit(result);
+    const RecorderArguments given(*arguments);
+    switch (static_cast<RecorderEvent>(event)) {
+        case RecorderEvent::StatusText:
+            board_->tell([text = given.text(0)](RecorderNews& news) { news.status = text; });
+            return S_OK;
+        case RecorderEvent::Progress: {
+            const RecorderProgress progress{board_->elapsed(), given.count(0), given.count(1)};
+            board_->tell([&](RecorderNews& news) { news.progress = progress; });
+            return S_OK;
         }
-    });
+        case RecorderEvent::Finished:
+            board_->tell([&](RecorderNews& news) { news.finishedAfter = board_->elapsed(); });
+            return S_OK;
+        case RecorderEvent::ConfirmReplace: {
+            const com::Variant answer(replaces(given.text(0)));
+            if (result) *result = answer.get();
+            return S_OK;
+        }
+        case RecorderEvent::FileStarted:
+            return S_OK;
+        default:
+            return DISP_E_MEMBERNOTFOUND;
+    }
 }
 
 bool RecorderEvents::replaces(const std::wstring& fileName) {

@@ -7,14 +7,14 @@
 
 #include <memory>
 
-#include "com/object.h"
+#include "com/event_sink.h"
 #include "dialogs/service/recorder_board.h"
 #include "interfaces/KelUtils.h"
 
 namespace kel::service {
 
 // Called on whatever thread the recorder works on.
-class RecorderEvents final : public com::Object<RecorderEvents, com::Plain<IDispatch>> {
+class RecorderEvents final : public com::Object<RecorderEvents, com::EventReceiver<>> {
 public:
     static constexpr com::ClassDescription kClass{};
 
@@ -22,15 +22,8 @@ public:
     // Throws.
     void finalConstruct();
 
-    STDMETHODIMP GetTypeInfoCount(UINT* count) override;
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP Invoke(DISPID member, REFIID iid, LCID, WORD, DISPPARAMS* arguments,
-                        VARIANT* result, EXCEPINFO*, UINT*) override;
-
 private:
+    HRESULT received(DISPID event, DISPPARAMS* arguments, VARIANT* result) override;
     void* findInterface(REFIID iid) override;
     HRESULT findElsewhere(REFIID iid, void** result) override;
     bool replaces(const std::wstring& fileName);

@@ -4,6 +4,7 @@
 #include <shlobj.h>
 
 #include "com/creation.h"
+#include "com/port.h"
 #include "com/scoped.h"
 #include "com/text.h"
 #include "com/variant.h"
@@ -97,15 +98,18 @@ void RecorderWindow::initialise() {
     ShowWindow(window(), SW_SHOW);
     update();
     fillSettings();
-    applyRate();
-    if (!isClosing_) readDirectory();
+    try {
+        applyRate();
+        if (!isClosing_) readDirectory();
+    } catch (const com::Error&) {
+        // What was aborted because the user leaves is no failure.
+        if (!isClosing_) throw;
+    }
 }
 
 void RecorderWindow::tellLinkRate() {
-    com::ComPtr<IKelStream> port;
+    const auto port = com::presentPortOf(link_);
     long rate = 0;
-    com::check(link_->get_Port(&port), link_);
-    if (!port) throw com::Error(E_POINTER, L"The link has no port", __uuidof(IKelCommunicator));
     com::check(port->get_BaudRate(&rate), port);
     com::check(recorder_->SetLinkRate(rate), recorder_);
 }
@@ -448,6 +452,8 @@ ReplaceAnswer RecorderWindow::confirmReplace(const wchar_t* fileName) {
 void RecorderWindow::close() {
     isClosing_ = true;
     if (question_) question_->refuse();
+    // What the recorder is asked for below on the stack. One that cannot be aborted is waited for.
+    if (isWorking_) recorder_->Abort();
     end(IDCANCEL);
 }
 

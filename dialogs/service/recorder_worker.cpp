@@ -1,5 +1,6 @@
 #include "dialogs/service/recorder_worker.h"
 
+#include "com/apartment.h"
 #include "com/module.h"
 #include "com/scoped.h"
 
@@ -9,14 +10,18 @@ namespace {
 constexpr DWORD kStep = 10;  // milliseconds
 constexpr int kStepsToNextAbort = 50;
 
-// The thread is nobody's: agile objects are called there directly.
-class WorkerApartment {
-public:
-    WorkerApartment() { com::check(CoInitializeEx(nullptr, COINIT_MULTITHREADED)); }
-    ~WorkerApartment() { CoUninitialize(); }
-    WorkerApartment(const WorkerApartment&) = delete;
-    WorkerApartment& operator=(const WorkerApartment&) = delete;
-};
+// Waits for a step, in which this thread takes what others send and call.
+bool hasEnded(HANDLE thread) {
+    // Objects of this thread that are called from others get their calls as posted messages of
+    // COM's own; those it takes too.
+    DWORD index = 0;
+    const HRESULT code = CoWaitForMultipleHandles(0, kStep, 1, &thread, &index);
+    if (code == S_OK || code == RPC_S_CALLPENDING) return code == S_OK;
+    // Where COM cannot wait the thread's end is seen all the same.
+    MSG message;
+    PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+    return MsgWaitForMultipleObjects(1, &thread, FALSE, kStep, QS_SENDMESSAGE) == WAIT_OBJECT_0;
+}
 
 }  // namespace
 
@@ -60,7 +65,8 @@ DWORD WINAPI RecorderWorker::threadProcedure(void* worker) {
 
 void RecorderWorker::runOnThread() noexcept {
     attempt([&] {
-        const WorkerApartment apartment;
+        // The thread is nobody's: agile objects are called there directly.
+        const com::Apartment apartment(COINIT_MULTITHREADED);
         com::ComPtr<ICollection> selection;
         if (passedSelection_) selection = passedSelection_->fetch();
         work(passedRecorder_->fetch(), selection);
@@ -112,11 +118,7 @@ void RecorderWorker::work(const com::ComPtr<IRecorderAccess>& recorder,
 
 void RecorderWorker::wait() noexcept {
     if (thread_) {
-        // Objects of this thread that are called from others get their calls as posted messages of
-        // COM's own; those it takes too.
-        HANDLE thread = thread_.get();
-        DWORD index = 0;
-        for (int step = 1; CoWaitForMultipleHandles(0, kStep, 1, &thread, &index) != S_OK; ++step) {
+        for (int step = 1; !hasEnded(thread_.get()); ++step) {
             // What was aborted before the recorder had begun may have begun all the same.
             if (board_->isCancelling && step % kStepsToNextAbort == 0) recorder_->Abort();
         }

@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include "com/creation.h"
+#include "com/port.h"
 #include "com/scoped.h"
 #include "com/text.h"
 #include "com/variant.h"
@@ -137,9 +138,7 @@ void UploadWindow::disableAll() {
 }
 
 bool UploadWindow::transfer(const Choices& choices) {
-    com::ComPtr<IKelStream> port;
-    com::check(link_->get_Port(&port), link_);
-    if (!port) throw com::Error(E_POINTER, L"The link has no port", __uuidof(IKelCommunicator));
+    const auto port = com::presentPortOf(link_);
     const ui::LinkSettings before(port);
     com::check(port->put_EchoWindow(0), port);
     com::check(port->put_IdleProcessing(VARIANT_TRUE), port);

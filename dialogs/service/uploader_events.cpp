@@ -1,6 +1,6 @@
 #include "dialogs/service/uploader_events.h"
 
-#include "com/object.h"
+#include "com/event_sink.h"
 #include "com/text.h"
 #include "com/variant.h"
 
@@ -20,45 +20,34 @@ com::Variant argumentOf(DISPPARAMS& arguments, UINT position, VARTYPE type) {
 }  // namespace
 
 class UploaderEvents::Sink final
-    : public com::Object<Sink, com::Plain<_IFirmwareUploaderEvents, IDispatch>> {
+    : public com::Object<Sink, com::EventReceiver<_IFirmwareUploaderEvents>> {
 public:
     static constexpr com::ClassDescription kClass{};
     explicit Sink(UploadListener& listener) : listener_(&listener) {}
 
     void leave() { listener_ = nullptr; }
 
-    STDMETHODIMP GetTypeInfoCount(UINT* count) override {
-        return com::guard(IID_IDispatch, nullptr, [&] { com::out(count) = 0; });
-    }
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-        return DISP_E_UNKNOWNNAME;
-    }
-    STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*,
-                        EXCEPINFO*, UINT*) override {
-        return com::guard(IID_IDispatch, nullptr, [&] {
-            if (!arguments) return E_INVALIDARG;
-            const com::KeepAlive alive(*this);
-            switch (member) {
-                case kStatusText: {
-                    const auto text = argumentOf(*arguments, 0, VT_BSTR);
-                    if (listener_)
-                        listener_->uploaderSays(std::wstring(com::view(text.get().bstrVal)));
-                    return S_OK;
-                }
-                case kProgress: {
-                    const auto done = argumentOf(*arguments, 0, VT_I4);
-                    const auto total = argumentOf(*arguments, 1, VT_I4);
-                    if (listener_) listener_->uploaderProgresses(done.get().lVal, total.get().lVal);
-                    return S_OK;
-                }
-                default:
-                    return DISP_E_MEMBERNOTFOUND;
+private:
+    HRESULT received(DISPID event, DISPPARAMS* arguments, VARIANT*) override {
+        if (!arguments) return E_INVALIDARG;
+        const com::KeepAlive alive(*this);
+        switch (event) {
+            case kStatusText: {
+                const auto text = argumentOf(*arguments, 0, VT_BSTR);
+                if (listener_) listener_->uploaderSays(std::wstring(com::view(text.get().bstrVal)));
+                return S_OK;
             }
-        });
+            case kProgress: {
+                const auto done = argumentOf(*arguments, 0, VT_I4);
+                const auto total = argumentOf(*arguments, 1, VT_I4);
+                if (listener_) listener_->uploaderProgresses(done.get().lVal, total.get().lVal);
+                return S_OK;
+            }
+            default:
+                return DISP_E_MEMBERNOTFOUND;
+        }
     }
 
-private:
     UploadListener* listener_;
 };
 

@@ -35,9 +35,8 @@ Verdict verdictOf(Body&& body) {
 
 // The library that serves a class in this process.
 HMODULE libraryOf(const CLSID& identifier) {
-    wchar_t name[39], path[MAX_PATH];
-    StringFromGUID2(identifier, name, std::size(name));
-    const std::wstring key = std::wstring(L"CLSID\\") + name + L"\\InprocServer32";
+    wchar_t path[MAX_PATH];
+    const std::wstring key = L"CLSID\\" + com::guidText(identifier) + L"\\InprocServer32";
     DWORD size = sizeof path;
     if (RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, path, &size))
         return nullptr;

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "com/error.h"
+#include "com/text.h"
 
 namespace kel::conformance {
 
@@ -34,12 +35,7 @@ public:
 
     long number() const { return HandleToLong(handle); }
 
-    std::wstring text() const {
-        std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(handle)) + 1, L'\0');
-        text.resize(static_cast<std::size_t>(
-            GetWindowTextW(handle, text.data(), static_cast<int>(text.size()))));
-        return text;
-    }
+    std::wstring text() const { return com::windowText(handle); }
 
     // Whether another thread has put something into it.
     bool isFedFromElsewhere() const { return isFedFromElsewhere_; }

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "com/port.h"
 #include "com/scoped.h"
 #include "com/text.h"
 #include "com/variant.h"
@@ -45,9 +46,7 @@ void Instrument::connect(const host::Target& target) {
 }
 
 void Instrument::adopt() {
-    com::ComPtr<IKelStream> port;
-    com::check(link_->get_Port(&port), link_);
-    stream_ = port;
+    stream_ = com::portOf(link_);
 }
 
 void Instrument::prepare() {

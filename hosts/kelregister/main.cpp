@@ -6,6 +6,7 @@
 #include "hosts/kelregister/server_library.h"
 #include "hosts/kelregister/user_classes.h"
 #include "hosts/shared/console_program.h"
+#include "hosts/shared/error_text.h"
 #include "hosts/shared/full_path.h"
 #include "hosts/shared/ole.h"
 #include "hosts/shared/program_folder.h"
@@ -41,6 +42,10 @@ ExitCode changeAll(const RegisterOptions& options, ConsoleOutput& errors) {
     ConsoleOutput output(STD_OUTPUT_HANDLE);
     ExitCode first = ExitCode::kRan;
     bool hasRegistered = false;
+    const auto fail = [&](ExitCode code, const std::string& reason) {
+        errors.write("kelregister: " + reason + "\n");
+        if (first == ExitCode::kRan) first = code;
+    };
     for (const std::wstring& path : libraryPaths(options)) {
         try {
             change(path, options.unregister);
@@ -49,8 +54,10 @@ ExitCode changeAll(const RegisterOptions& options, ConsoleOutput& errors) {
                          (options.unregister ? " is no longer registered for this user\n"
                                              : " is registered for this user\n"));
         } catch (const host::Failure& failure) {
-            errors.write(std::string("kelregister: ") + failure.what() + "\n");
-            if (first == ExitCode::kRan) first = failure.code();
+            fail(failure.code(), failure.what());
+        } catch (const com::Error& error) {
+            fail(ExitCode::kFailed,
+                 com::narrow(std::wstring_view(path), CP_UTF8) + ": " + host::describe(error));
         }
     }
     if (hasRegistered && !systemReadsUserClasses()) {

@@ -27,7 +27,8 @@ LRESULT ConsoleEcho::handle(UINT message, WPARAM first, LPARAM second) noexcept 
             try {
                 if (second) take(reinterpret_cast<const char16_t*>(second));
             } catch (const std::exception&) {
-                outOfMemory_ = true;
+                hasLost_ = true;
+                if (transcript_) transcript_->lose();
             }
             return TRUE;
         default:

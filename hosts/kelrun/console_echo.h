@@ -24,7 +24,7 @@ public:
     void finish();
 
     // True when the dialogue could not be shown to its end.
-    bool isIncomplete() const { return outOfMemory_ || output_.isBroken(); }
+    bool isIncomplete() const { return hasLost_ || output_.isBroken(); }
 
 private:
     LRESULT handle(UINT message, WPARAM first, LPARAM second) noexcept override;
@@ -37,7 +37,7 @@ private:
     ConsoleOutput output_;
     DialogueText text_;
     ErrorLines errors_;
-    bool outOfMemory_ = false;
+    bool hasLost_ = false;  // for want of memory
 };
 
 }  // namespace kel::kelrun

@@ -172,6 +172,9 @@ ExitCode runLogged(const Task& task) {
     } catch (const com::Error& error) {
         task.log.ended(ExitCode::kFailed, describe(error));
         throw;
+    } catch (const std::exception& error) {
+        task.log.ended(ExitCode::kFailed, error.what());
+        throw;
     }
 }
 

@@ -1,5 +1,6 @@
 #include "hosts/kelrun/session.h"
 
+#include "com/port.h"
 #include "com/text.h"
 #include "com/variant.h"
 #include "hosts/shared/create.h"
@@ -59,8 +60,7 @@ com::ComPtr<IKelStream> Session::connect(const Options& options) const {
     if (!options.last) return openStream(options.target);
     connectAsLastTime(communicator_,
                       options.application.empty() ? kApplication : options.application);
-    com::ComPtr<IKelStream> stream;
-    com::check(communicator_->get_Port(&stream), communicator_);
+    auto stream = com::portOf(communicator_);
     if (!stream) throw Failure(ExitCode::kNoConnection, "no connection: the link has no port");
     return stream;
 }

@@ -25,15 +25,14 @@ std::string codeText(HRESULT code) {
 }
 
 std::string interfaceName(const IID& identifier) {
-    wchar_t text[40];
-    StringFromGUID2(identifier, text, static_cast<int>(std::size(text)));
+    const std::wstring text = com::guidText(identifier);
     wchar_t name[128];
     DWORD size = sizeof name;
-    const std::wstring key = L"Interface\\" + std::wstring(text);
+    const std::wstring key = L"Interface\\" + text;
     const bool isKnown = RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ,
                                       nullptr, name, &size) == ERROR_SUCCESS &&
                          name[0] != L'\0';
-    return com::narrow(isKnown ? name : text, CP_UTF8);
+    return com::narrow(isKnown ? std::wstring(name) : text, CP_UTF8);
 }
 
 std::string describe(const com::Error& error) {

@@ -6,13 +6,13 @@
 #include "com/text.h"
 #include "hosts/shared/activation_context.h"
 #include "hosts/shared/image_file.h"
-#include "hosts/shared/library_contents.h"
 #include "interfaces/link_classes.h"
 
 namespace kel::host {
 namespace {
 
 constexpr wchar_t kClasses[] = L"Software\\Classes";
+constexpr std::size_t kLongestPath = 0x8000;
 
 std::optional<std::string> readValue(HKEY classes, const std::string& key,
                                      const std::string& name) {
@@ -21,11 +21,11 @@ std::optional<std::string> readValue(HKEY classes, const std::string& key,
                       opened.put()) != ERROR_SUCCESS) {
         return std::nullopt;
     }
-    wchar_t text[1024];
-    DWORD size = sizeof text;
+    std::wstring text(kLongestPath, L'\0');
+    auto size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
     const LSTATUS status = RegGetValueW(opened.get(), nullptr, com::widen(name, CP_UTF8).c_str(),
-                                        RRF_RT_REG_SZ, nullptr, text, &size);
-    if (status == ERROR_SUCCESS) return com::narrow(std::wstring_view(text), CP_UTF8);
+                                        RRF_RT_REG_SZ, nullptr, text.data(), &size);
+    if (status == ERROR_SUCCESS) return com::narrow(std::wstring_view(text.c_str()), CP_UTF8);
     // The key alone; a value of another kind than text is none of registration's.
     return name.empty() ? std::optional<std::string>("") : std::nullopt;
 }
@@ -50,9 +50,7 @@ std::wstring whole(const std::string& name) {
 }
 
 std::string toText(const GUID& identifier) {
-    wchar_t text[39];
-    StringFromGUID2(identifier, text, 39);
-    return com::narrow(std::wstring_view(text));
+    return com::narrow(com::guidText(identifier));
 }
 
 }  // namespace

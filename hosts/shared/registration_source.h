@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <vector>
+
 #include "hosts/shared/model/registration.h"
 
 namespace kel::host {
@@ -12,5 +14,8 @@ ReadValue readerOf(HKEY classes);
 
 // Of this user and this machine.
 RegistrationSource registrationSource();
+
+// What the components create of the link.
+std::vector<LinkPart> linkParts();
 
 }  // namespace kel::host

@@ -2,36 +2,26 @@
 
 #include <utility>
 
-#include "com/object.h"
+#include "com/event_sink.h"
 #include "com/text.h"
 #include "com/variant.h"
 
 namespace kel::host {
 namespace {
 
-class Sink final : public com::Object<Sink, com::Plain<IDispatch>> {
+class Sink final : public com::Object<Sink, com::EventReceiver<>> {
 public:
     static constexpr com::ClassDescription kClass{};
 
     explicit Sink(ScriptEvents::Listener listener) : listener_(std::move(listener)) {}
 
-    STDMETHODIMP GetTypeInfoCount(UINT* count) override {
-        return guarded<IDispatch>([&] { com::out(count) = 0; });
-    }
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-        return E_NOTIMPL;
-    }
-    STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*,
-                        EXCEPINFO*, UINT*) override {
-        return guarded<IDispatch>([&] {
-            if (!parameters) return E_INVALIDARG;
-            listener_(static_cast<ScriptEvent>(member), EventArguments(*parameters));
-            return S_OK;
-        });
+private:
+    HRESULT received(DISPID event, DISPPARAMS* arguments, VARIANT*) override {
+        if (!arguments) return E_INVALIDARG;
+        listener_(static_cast<ScriptEvent>(event), EventArguments(*arguments));
+        return S_OK;
     }
 
-private:
     ScriptEvents::Listener listener_;
 };
 

@@ -12,7 +12,8 @@ PublishedError publishedError(IErrorInfo& info) {
     com::check(info.GetDescription(description.put()));
     com::check(info.GetSource(source.put()));
     com::check(info.GetGUID(&identifier));
-    return {toText(description.view()), toText(source.view()), guidText(identifier)};
+    return {toText(description.view()), toText(source.view()),
+            com::narrow(com::guidText(identifier))};
 }
 
 void publishAgain(HRESULT result, const std::optional<PublishedError>& error) {

@@ -13,12 +13,6 @@
 
 namespace kel::trace {
 
-inline std::string guidText(const GUID& identifier) {
-    wchar_t text[39];
-    StringFromGUID2(identifier, text, sizeof text / sizeof text[0]);
-    return std::string(text, text + 38);
-}
-
 // What the called object published with its failure; nothing when it does not vouch for it.
 inline com::ComPtr<IErrorInfo> takeErrorInfo(HRESULT result, const Invocation& call) {
     com::ComPtr<IErrorInfo> info;

@@ -137,10 +137,10 @@ HRESULT Session::fail(const Invocation& call, long number, HRESULT result,
                       const std::wstring& text) {
     tell([&] { return started(call, number); });
     tell([&] {
-        return CallEnded{
-            .number = number,
-            .result = static_cast<std::uint32_t>(result),
-            .error = PublishedError{toText(text), toText(kSource), guidText(call.interfaceId)}};
+        return CallEnded{.number = number,
+                         .result = static_cast<std::uint32_t>(result),
+                         .error = PublishedError{toText(text), toText(kSource),
+                                                 com::narrow(com::guidText(call.interfaceId))}};
     });
     call.clear();
     return com::publish(result, text, call.interfaceId, kSource);

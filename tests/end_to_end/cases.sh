@@ -234,6 +234,19 @@ test_reports_what_it_cannot_connect_to() {
 ROWS
 }
 
+test_tells_why_a_gateway_lets_nobody_in() {
+    local fault reason
+    while IFS='|' read -r fault reason; do
+        instrument tcp --gateway '' --gateway-fault "$fault"
+        kelrun 3 "$(script ver.kel ver)" --tcp "gate:${connection[1]}"
+        expect_only_error "kelrun: no connection: gate:${connection[1]}: $reason..."
+    done <<'ROWS'
+refuse|connection refused
+drop|the other end closed the connection
+hang|no answer
+ROWS
+}
+
 test_cancels_at_the_first_interrupt() {
     instrument tcp
     start_kelrun "$(script long.kel 'ver\n#WAIT 300000\nsernum\n')" "${connection[@]}"

@@ -10,6 +10,7 @@ namespace {
 constexpr int kReadAttempts = 3;
 constexpr long kFormatTimeout = 60000;
 constexpr long kStopBreak = 300;
+constexpr long kStopTimeout = 300;
 constexpr std::string_view kRefusal = "ERROR: ";
 
 // Ten bits a byte, and twice that for good measure.
@@ -69,7 +70,7 @@ void CardDialogue::stop() {
     try {
         port_.sendBreak(kStopBreak);
         // The prompt that comes may be the one before the break; after this answer none is left.
-        Dialogue(port_).ask("card rate");
+        Dialogue(port_).ask("card rate", kStopTimeout);
     } catch (const com::Error&) {
         // An instrument that has gone does nothing any more.
     }

@@ -80,7 +80,7 @@ HRESULT RecorderAccess::ReadListing(ICollection** files) {
     return operation([&] {
         com::out(files) = nullptr;
         talk([&] {
-            const auto entries = CardDialogue(home_->link.Get(), home_->thread).list();
+            const auto entries = dialogue().list();
             const auto listing = Agile<com::Collection>::make<ICollection>();
             for (const CardEntry& entry : entries) {
                 const auto file = Agile<RecorderFile>::make<IDispatch>(entry);
@@ -132,12 +132,11 @@ HRESULT RecorderAccess::Format(VARIANT_BOOL* result) {
 }
 
 HRESULT RecorderAccess::SetRate(long rate) {
-    return operation(
-        [&] { talk([&] { CardDialogue(home_->link.Get(), home_->thread).setRate(rate); }); });
+    return operation([&] { talk([&] { dialogue().setRate(rate); }); });
 }
 
 HRESULT RecorderAccess::Abort() {
-    return operation([&] { state_->isAborted = state_->isRunning.load(); });
+    return operation([&] { state_->isAborted = state_->isTalking.load(); });
 }
 
 HRESULT RecorderAccess::get_Running(VARIANT_BOOL* running) {
@@ -161,7 +160,12 @@ HRESULT RecorderAccess::operation(Body&& body) noexcept {
 template <class Body>
 void RecorderAccess::talk(Body&& body) {
     const Raised talking(state_->isTalking);
-    body();
+    state_->isAborted = false;
+    try {
+        body();
+    } catch (const Aborted&) {
+        throw com::Error(E_ABORT, L"What the recorder was asked for was aborted");
+    }
 }
 
 // A download or format: tells by events and by the result how it went.
@@ -170,12 +174,10 @@ HRESULT RecorderAccess::run(VARIANT_BOOL* result, const wchar_t* name, Body&& bo
     return operation([&] {
         com::out(result) = VARIANT_FALSE;
         talk([&] {
-            state_->isAborted = false;
             const Raised running(state_->isRunning);
             const std::wstring the = std::wstring(L"The ") + name;
             try {
-                CardDialogue card(home_->link.Get(), home_->thread,
-                                  [this] { return state_->isAborted.load(); });
+                CardDialogue card = dialogue();
                 try {
                     const bool done = body(card);
                     say(the + (done ? L" is complete" : L" is not complete"));
@@ -192,11 +194,16 @@ HRESULT RecorderAccess::run(VARIANT_BOOL* result, const wchar_t* name, Body&& bo
     });
 }
 
+CardDialogue RecorderAccess::dialogue() const {
+    return CardDialogue(home_->link.Get(), home_->thread,
+                        [state = state_] { return state->isAborted.load(); });
+}
+
 CardStatus RecorderAccess::status() {
     const auto known = state_->status();
     if (known && state_->isRunning) return *known;
     CardStatus heard;
-    talk([&] { heard = CardDialogue(home_->link.Get(), home_->thread).status(); });
+    talk([&] { heard = dialogue().status(); });
     state_->setStatus(heard);
     return heard;
 }

@@ -58,6 +58,8 @@ private:
     void talk(Body&& body);
     template <class Body>
     HRESULT run(VARIANT_BOOL* result, const wchar_t* name, Body&& body) noexcept;
+    // Ends where it is aborted.
+    CardDialogue dialogue() const;
     CardStatus status();
 
     std::vector<CardEntry> entriesOf(ICollection* selection) const;

@@ -6,6 +6,7 @@
 #include "dialogs/service/model/firmware_file.h"
 #include "dialogs/service/model/pressure_offset.h"
 #include "dialogs/service/model/recorder_texts.h"
+#include "dialogs/service/model/silence.h"
 #include "dialogs/service/model/transfer_progress.h"
 #include "tests/core/models/subject.h"
 #include "tests/support/project_file.h"
@@ -83,6 +84,14 @@ const Subject kFileTime("time of a file", [](int year, int month, int day, int h
     return shown(fileDateText(year, month, day), fileTimeText(hour, minute));
 });
 const Subject kFolder("folder", asFolder);
+
+// At each of the times something comes; at the last one it is asked.
+const Subject kSilence("silence", [](std::uint64_t start, const std::vector<std::uint64_t>& times) {
+    Silence silence(start);
+    for (std::size_t i = 0; i + 1 < times.size(); ++i)
+        silence.heard(times[i]);
+    return silence.isSilent(times.back()) ? "silent" : "heard";
+});
 
 }  // namespace
 }  // namespace kel::service

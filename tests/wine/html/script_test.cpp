@@ -151,6 +151,10 @@ TEST_F(ScriptTest, LoadsFilesOfEveryEncoding) {
 }
 
 TEST_F(ScriptTest, TellsAnErrorOnce) {
+    // Its window has gone.
+    const HWND owner = CreateWindowW(L"STATIC", L"", 0, 0, 0, 9, 9, nullptr, nullptr, nullptr, {});
+    control_->put(L"SitehWnd", com::Variant(HandleToLong(owner)));
+    DestroyWindow(owner);
     std::wstring shown;
     DialogDriver user([&](DialogDriver& driver) {
         driver.waitFor(L"Script Error");

@@ -107,6 +107,9 @@ TEST_F(Diagnosis, FindsNothingWrongWithARegistration) {
     EXPECT_EQ(check().file, module_);
     EXPECT_EQ(check().image.bits, 32);
     EXPECT_EQ(source_.file("ole32.dll").bits, 32);
+    const std::string path(2000, 'x');
+    RegSetKeyValueA(classes_.key(), "Long", "", REG_SZ, path.c_str(), path.size() + 1);
+    EXPECT_EQ(host::readerOf(classes_.key())("Long", ""), path);
     std::swap(source_.user, source_.machine);
     EXPECT_EQ(check().place, host::Place::kUser);
 }

@@ -58,9 +58,7 @@ std::vector<std::string> linesOf(const std::string& table) {
 }
 
 std::string toText(const GUID& identifier) {
-    wchar_t text[39];
-    StringFromGUID2(identifier, text, 39);
-    return com::narrow(std::wstring_view(text));
+    return com::narrow(com::guidText(identifier));
 }
 
 }  // namespace kel::test

@@ -86,8 +86,8 @@ inline const Service kServices[] = {
 
 // How the status lines begin as long as nothing fails.
 inline constexpr const wchar_t* kOrdinary[] = {
-    L"Click", L"Loading",     L"The firmware is as",       L"Verifying", L"Comparing", L"Reading",
-    L"Begin", L"Compass ini", L"The download is complete", L"Horizontal"};
+    L"Click", L"Loading",     L"The firmware is as",       L"Verifying",  L"Comparing",  L"Reading",
+    L"Begin", L"Compass ini", L"The download is complete", L"Horizontal", L"Connecting", L"Select"};
 
 // The text of a message box.
 inline constexpr int kMessageOfBox = 0xFFFF;
@@ -155,7 +155,7 @@ protected:
         };
         const auto shown = [&](int control) {
             wchar_t text[300] = L"";
-            GetDlgItemTextW(shownWindow, control, text, 300);
+            GetWindowTextW(partOf(shownWindow, control), text, 300);
             return std::wstring(text);
         };
         const auto hasFailed = [&] {
@@ -173,8 +173,7 @@ protected:
             driver.waitUntil("the next step", [&] {
                 gaveUp_ = patience_ && std::chrono::steady_clock::now() - begin > *patience_;
                 return isGone() || hasFailed() || gaveUp_ ||
-                       ((step.button == 0 ||
-                         IsWindowEnabled(GetDlgItem(shownWindow, step.button))) &&
+                       ((step.button == 0 || IsWindowEnabled(partOf(shownWindow, step.button))) &&
                         (step.control == 0 || (!shown(step.control).empty() &&
                                                shown(step.control).starts_with(step.text))));
             });
@@ -182,13 +181,24 @@ protected:
             if (gaveUp_) break;
             // What is shown together is read one by one.
             hasFailed();
-            PostMessageW(GetDlgItem(shownWindow, step.button), BM_CLICK, 0, 0);
+            PostMessageW(partOf(shownWindow, step.button), BM_CLICK, 0, 0);
         }
+        const auto left = std::chrono::steady_clock::now();
         driver.waitUntil("it is closed", [&] {
             hasFailed();
             if (!isGone()) PostMessageW(shownWindow, WM_COMMAND, IDCANCEL, 0);
             return isGone();
         });
+        leaving_ = std::max(leaving_, std::chrono::steady_clock::now() - left);
+    }
+
+    // A control, which may stand on the page that is shown.
+    static HWND partOf(HWND window, int control) {
+        HWND part = GetDlgItem(window, control);
+        for (HWND page = GetWindow(window, GW_CHILD); !part && page;
+             page = GetWindow(page, GW_HWNDNEXT))
+            if (IsWindowVisible(page)) part = GetDlgItem(page, control);
+        return part;
     }
 
     // That a port shows and pumps as it did before; else it is put right.
@@ -233,6 +243,8 @@ protected:
     // How long the user waits for a step, and whether that was too long.
     std::optional<std::chrono::milliseconds> patience_;
     bool gaveUp_ = false;
+    // The longest time from his Cancel until a dialog was closed.
+    std::chrono::steady_clock::duration leaving_{};
     const RegistrySandbox settings_{HKEY_CURRENT_USER};
     const TemporaryFolder folder_;
     const std::wstring firmware_ = folder_.file(L"new.bin", "abcdefghijklmnopqrstuvwxyz");

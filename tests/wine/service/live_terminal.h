@@ -40,12 +40,7 @@ public:
     }
 
     HWND pane() const { return GetDlgItem(window_, 201); }
-    std::wstring text() const {
-        std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(pane())) + 1, L'\0');
-        text.resize(static_cast<std::size_t>(
-            GetWindowTextW(pane(), text.data(), static_cast<int>(text.size()))));
-        return text;
-    }
+    std::wstring text() const { return com::windowText(pane()); }
     void limit(long characters) { com::check(terminal_->put_OutputLimit(characters)); }
     // Runs messages until it shows a prompt behind a text.
     void runUntilPromptAfter(const std::wstring& shown) const {

@@ -127,6 +127,19 @@ TEST_P(RecorderDialogTest, RemembersRateAndFolder) {
     EXPECT_EQ(stored().find("South"), std::string::npos);
 }
 
+TEST_P(RecorderDialogTest, LeavingItAbortsTheListing) {
+    recorder_->onCall = [&](const std::string& call) {
+        log_ += call + "\n";
+        if (call != "ReadListing") return;
+        SendMessageW(FindWindowW(nullptr, kRecorderCaption), WM_COMMAND, IDCANCEL, 0);
+        throw com::Error(E_ABORT);
+    };
+    VARIANT_BOOL result = 7;
+    EXPECT_EQ(dialog_->ShowModal(0, &result), S_OK);
+    EXPECT_EQ(result, VARIANT_FALSE);
+    EXPECT_EQ(takeLog(), "BaudRate\nSetLinkRate 9600\nSetRate 57600\nReadListing\nAbort\n");
+}
+
 TEST_P(RecorderDialogTest, DownloadsWhatIsSelected) {
     DWORD thread = 0;
     std::atomic<int> stage = 0;

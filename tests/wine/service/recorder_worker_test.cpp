@@ -3,6 +3,7 @@
 #include <random>
 
 #include "tests/wine/service/recorder_fixture.h"
+#include "tests/wine/support/import_patch.h"
 
 namespace kel::test {
 namespace {
@@ -37,7 +38,14 @@ TEST_P(RecorderWorkerTest, WhatRunsIsCancelledOnlyByAYes) {
     EXPECT_FALSE(isInside_);
 }
 
+HRESULT WINAPI refuseToWait(DWORD, DWORD, ULONG, HANDLE*, DWORD*) {
+    return E_UNEXPECTED;
+}
+
 TEST_P(RecorderWorkerTest, APendingQuestionIsAnsweredNoWhenTheDialogCloses) {
+    // Also where COM does not wait for the worker.
+    const ImportPatch wait(kelUtils().module(), "CoWaitForMultipleHandles",
+                           reinterpret_cast<void*>(refuseToWait));
     std::string answers;
     recorder_->operation = [&] {
         while (!recorder_->isAborted)

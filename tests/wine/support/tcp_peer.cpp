@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "bench/instrument/gateway.h"
+
 namespace kel::bench::test {
 namespace {
 
@@ -9,6 +11,14 @@ bool readable(SOCKET socket, long microseconds) {
     fd_set sockets{1, {socket}};
     timeval timeout{0, microseconds};
     return select(0, &sockets, nullptr, nullptr, &timeout) == 1;
+}
+
+// The time that an instrument has worked, from now on.
+auto clock(double scale) {
+    return [scale, start = std::chrono::steady_clock::now()] {
+        return std::chrono::duration_cast<Duration>((std::chrono::steady_clock::now() - start) *
+                                                    scale);
+    };
 }
 
 }  // namespace
@@ -68,23 +78,42 @@ void TcpPeer::vanish() {
     client_ = INVALID_SOCKET;
 }
 
-InstrumentServer::InstrumentServer(InstrumentOptions options, double timeScale)
-    : thread_([this, options = std::move(options), timeScale] { run(options, timeScale); }) {}
+InstrumentServer::InstrumentServer(InstrumentOptions options, double timeScale, bool hasGateway)
+    : thread_([this, options = std::move(options), timeScale, hasGateway] {
+          run(options, timeScale, hasGateway);
+      }) {}
 
 InstrumentServer::~InstrumentServer() {
     ends_ = true;
     thread_.join();
 }
 
-void InstrumentServer::run(InstrumentOptions options, double timeScale) {
-    Instrument instrument(std::move(options));
-    const auto start = std::chrono::steady_clock::now();
-    const auto now = [&] {
-        return std::chrono::duration_cast<Duration>((std::chrono::steady_clock::now() - start) *
-                                                    timeScale);
-    };
+// What the gateway says takes the way that the instrument's words take.
+void InstrumentServer::letIn(const InstrumentOptions& options, double timeScale) {
+    const bool isTroubled = options.troubleAfter == 0;
+    Gateway gateway({});
+    Gateway::Reply reply;
+    while (!ends_ && peer_.hasClient() && reply.then == Gateway::Then::kWait)
+        reply = gateway.feed(peer_.receiveSome());
+    if (options.vanishAfter == 0) return peer_.vanish();
+    LineOutput output(options.seed);
+    if (!isTroubled || !options.silent) {
+        output.push(reply.answer, isTroubled ? options.slow : Duration(),
+                    isTroubled ? options.garbleRate : 0);
+    }
+    const auto now = clock(timeScale);
+    while (!ends_ && peer_.hasClient() && ((isTroubled && options.silent) || output.nextDue())) {
+        peer_.receiveSome();
+        peer_.sends(output.take(now()));
+    }
+}
+
+void InstrumentServer::run(InstrumentOptions options, double timeScale, bool hasGateway) {
+    const auto now = clock(timeScale);
     while (!ends_ && !peer_.acceptsSoon())
         continue;
+    if (hasGateway) letIn(options, timeScale);
+    Instrument instrument(std::move(options));
     while (!ends_ && peer_.hasClient()) {
         instrument.feed(peer_.receiveSome(), now());
         const std::string bytes = instrument.take(now());

@@ -41,16 +41,19 @@ private:
     int port_;
 };
 
-// The instrument behind a peer of its own, on a thread of its own.
+// The instrument behind a peer of its own, on a thread of its own; behind a gateway with the same
+// troubles where that is wanted.
 class InstrumentServer {
 public:
-    explicit InstrumentServer(InstrumentOptions options, double timeScale = 1);
+    explicit InstrumentServer(InstrumentOptions options, double timeScale = 1,
+                              bool hasGateway = false);
     ~InstrumentServer();
 
     com::Bstr port() const { return peer_.port(); }
 
 private:
-    void run(InstrumentOptions options, double timeScale);
+    void run(InstrumentOptions options, double timeScale, bool hasGateway);
+    void letIn(const InstrumentOptions& options, double timeScale);
 
     TcpPeer peer_;
     std::atomic<bool> ends_ = false;

@@ -218,6 +218,37 @@ TEST_F(ControlTest, SurvivesWhatItsContainerDoesInACall) {
     }
 }
 
+// A sink that holds the control, and its last reference in the end.
+class HoldingSink final : public com::Object<HoldingSink, com::Plain<IAdviseSink>> {
+public:
+    static constexpr com::ClassDescription kClass{};
+    HoldingSink(com::ComPtr<IUnknown> held, bool& keptAlive) : held_(held), keptAlive_(keptAlive) {}
+    ~HoldingSink() override {
+        held_.Reset();
+        keptAlive_ = kelUtils().canUnloadNow() == S_FALSE;
+    }
+
+    STDMETHODIMP_(void) OnDataChange(FORMATETC*, STGMEDIUM*) override {}
+    STDMETHODIMP_(void) OnViewChange(DWORD, LONG) override {}
+    STDMETHODIMP_(void) OnRename(IMoniker*) override {}
+    STDMETHODIMP_(void) OnSave() override {}
+    STDMETHODIMP_(void) OnClose() override {}
+
+private:
+    com::ComPtr<IUnknown> held_;
+    bool& keptAlive_;
+};
+
+TEST_F(ControlTest, LivesAsLongAsItsCalls) {
+    terminal.Reset();
+    bool keptAlive = false;
+    IViewObjectEx* view = to<IViewObjectEx>(newTerminal().Get()).Detach();
+    view->SetAdvise(DVASPECT_CONTENT, 0, com::makeObject<HoldingSink>(view, keptAlive).Get());
+    view->Release();
+    EXPECT_EQ(view->SetAdvise(0, 0, nullptr), S_OK);
+    EXPECT_TRUE(keptAlive);
+}
+
 TEST_F(ControlTest, TakesCallsInAnyOrder) {
     const auto stream = newStream();
     const std::function<void(IOleObject*)> deeds[] = {
@@ -354,6 +385,7 @@ TEST_F(ControlTest, TakesFromABagWhatItCanUse) {
     bag->values.insert_or_assign(L"Font", com::Variant(static_cast<IDispatch*>(terminal.Get())));
     bag->values.insert_or_assign(L"ShowCommandLine", com::Variant(0L));
     EXPECT_EQ(as<IPersistPropertyBag>()->Load(bag.Get(), nullptr), S_OK);
+    EXPECT_FALSE(takeError());
     EXPECT_EQ(settingsOf(terminal.Get()), "Arial 120000 255 0 16777215 0");
     bag->values.clear();
     EXPECT_EQ(as<IPersistPropertyBag>()->Load(bag.Get(), nullptr), S_OK);

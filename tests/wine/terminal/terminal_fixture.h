@@ -60,12 +60,7 @@ protected:
     HWND output() const { return GetDlgItem(hwnd(), 201); }
     HWND commandLine() const { return GetDlgItem(hwnd(), 202); }
 
-    static std::wstring textOf(HWND window) {
-        std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
-        text.resize(static_cast<std::size_t>(
-            GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
-        return text;
-    }
+    static std::wstring textOf(HWND window) { return com::windowText(window); }
 
     // Dispatches what waits, as a plain message loop does.
     static void runMessages() {

@@ -409,6 +409,16 @@ TEST_F(PollTest, AControlMayGoInItsOwnTick) {
     }
 }
 
+TEST_F(PollTest, AWindowThatGoesWhileItClaimsIsForgotten) {
+    as<IOleInPlaceObject>()->InPlaceDeactivate();
+    link.onCall = [&](const std::string& call) {
+        if (call.starts_with("EchoWindow = ")) as<IOleInPlaceObject>()->InPlaceDeactivate();
+    };
+    verb(OLEIVERB_INPLACEACTIVATE);
+    link.onCall = nullptr;
+    EXPECT_EQ(link.shownIn(), 0);
+}
+
 TEST_F(PollTest, TwoTerminalsShareAStream) {
     Container second;
     auto other = kelUtils().create<IKelTerminal3>(CLSID_KelTerminal);
