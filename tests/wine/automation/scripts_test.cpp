@@ -68,13 +68,18 @@ constexpr const char* kPrelude = R"(
 var o;
 function make(name) { return new ActiveXObject("KelUtils." + name); }
 function link() { return new ActiveXObject("BenchLink.Communicator"); }
-function file(text) {
+function file(text, isWide) {
     var files = new ActiveXObject("Scripting.FileSystemObject");
     var path = files.GetSpecialFolder(2) + "\\kel_automation.js";
-    var stream = files.CreateTextFile(path, true);
+    var stream = files.CreateTextFile(path, true, isWide == true);
     stream.Write(text);
     stream.Close();
     return path;
+}
+function table() {
+    var made = make("KelObjects");
+    for (var i = 0; i < arguments.length; ++i) made.Item(arguments[i]) = make("KelObjects");
+    return made;
 }
 function walk(collection, what) {
     var texts = [];

@@ -130,6 +130,11 @@ void Stage::play(const std::string& line) {
         {"remember", [&] { remember(rest); }},
         {"recall", [&] { recall(rest); }},
         {"file", [&] { folder_->file(widened(rest), ""); }},
+        {"write",
+         [&] {
+             const std::string name = takeWord(rest);
+             folder_->file(widened(name), rest);
+         }},
         {"folder",
          [&] { CreateDirectoryW((folder_->path() + L"\\" + widened(rest)).c_str(), nullptr); }},
         {"same", [&] { compareFile(rest); }},
@@ -199,6 +204,8 @@ void Stage::make(std::string line) {
         com::check(dialog->put_Communicator(link.communicator()));
     } else if (SUCCEEDED(object_.As(&preprocessor))) {
         com::check(preprocessor->put_Communicator(link.communicator()));
+    } else if (com::ComPtr<IKelTerminal> terminal; SUCCEEDED(object_.As(&terminal))) {
+        com::check(terminal->put_Communicator(link.communicator()));
     }
 }
 
@@ -351,19 +358,24 @@ std::string Stage::expanded(std::string line) {
         transcript.abbreviate(text, sign);
         replace(line, sign, text);
     };
+    const std::lock_guard lock(signs_);
+    if (line.find("$instrument") != line.npos) {
+        if (!instrument_) instrument_.emplace(bench::InstrumentOptions{});
+        put("$instrument", "127.0.0.1:" + com::narrow(instrument_->port().view()));
+    }
     if (line.find("$peer") != line.npos) {
         if (!peer_) peer_.emplace();
         put("$peer", com::narrow(peer_->port().view()));
     }
     if (line.find("$owner") != line.npos) {
         if (!owner_) {
-            owner_ = CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 99, 99, nullptr,
-                                   nullptr, nullptr, nullptr);
+            owner_ = CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 99, 99, nullptr, nullptr,
+                                   nullptr, nullptr);
         }
         replace(line, "$owner", std::to_string(HandleToLong(owner_)));
     }
     if (line.find("$folder") != line.npos || line.starts_with("file ") ||
-        line.starts_with("folder ")) {
+        line.starts_with("folder ") || line.starts_with("write ")) {
         if (!folder_) folder_.emplace();
         put("$folder", com::narrow(folder_->path(), CP_UTF8));
     }

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "tests/wine/support/dialog_driver.h"
-#include "tests/wine/support/fake_link.h"
-#include "ui/modal_dialog.h"
 
 namespace kel::ui {
 namespace {
@@ -135,38 +133,7 @@ TEST(DialogTest, AMissingTemplateIsAnError) {
     EXPECT_THROW(dialog.create(9999, nullptr), com::Error);
 }
 
-class SampleComponent final : public ModalDialog<SampleComponent, IConnectKelGateDialog> {
-public:
-    static constexpr com::ClassDescription kClass{};
-    bool show(HWND owner, const com::ComPtr<IKelCommunicator>&) {
-        return SampleDialog(this).runModal(sample(), owner) == IDOK;
-    }
-};
-
-TEST(ModalDialogTest, KeepsItsContract) {
-    test::FakeLink link;
-    SampleComponent* component = nullptr;
-    auto owner = com::createObject<SampleComponent>(nullptr, &component);
-    VARIANT_BOOL result = VARIANT_TRUE;
-    EXPECT_EQ(component->ShowModal(0, nullptr), E_POINTER);
-    EXPECT_EQ(component->ShowModal(0, &result), E_INVALIDARG);
-    EXPECT_EQ(result, VARIANT_FALSE);
-    ASSERT_EQ(component->put_Communicator(link.communicator()), S_OK);
-
-    const HWND dead =
-        CreateWindowW(L"STATIC", L"", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
-    DestroyWindow(dead);
-    for (const long handle : {0L, HandleToLong(dead)}) {
-        DialogDriver user([&](DialogDriver& driver) {
-            driver.waitFor(L"Sample");
-            driver.press(IDOK);
-        });
-        EXPECT_EQ(component->ShowModal(handle, &result), S_OK);
-        EXPECT_EQ(result, VARIANT_TRUE);
-    }
-}
-
-TEST(ModalDialogTest, TheEndOfTheProgramEndsIt) {
+TEST(DialogTest, TheEndOfTheProgramEndsIt) {
     SampleDialog dialog;
     PostQuitMessage(7);
     EXPECT_NE(dialog.runModal(sample(), nullptr), IDOK);
