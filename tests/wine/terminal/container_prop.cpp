@@ -69,6 +69,7 @@ public:
             {"place", [&] { setPlace(rest); }},
             {"ambient", [&] { setAmbient(rest); }},
             {"watch", [&] { watch(); }},
+            {"quick", [&] { activateQuickly(); }},
             {"unwatch", [&] { unwatch(); }},
             {"freeze", [&] { answer(as<IOleControl>()->FreezeEvents(TRUE)); }},
             {"tell", [&] { tells_ = true; }},
@@ -174,6 +175,19 @@ private:
         com::check(eventsOf(stage_.component(), IID_IPropertyNotifySink)->Unadvise(cookie_));
         com::check(as<IViewObjectEx>()->SetAdvise(0, 0, nullptr));
     }
+    void activateQuickly() {
+        QACONTAINER offered{};
+        offered.cbSize = sizeof offered;
+        offered.pClientSite = container_.site();
+        offered.pAdviseSink = reinterpret_cast<IAdviseSinkEx*>(container_.adviseSink());
+        offered.pPropertyNotifySink = container_.propertySink();
+        QACONTROL taken{};
+        taken.cbSize = sizeof taken;
+        answer(as<IQuickActivate>()->QuickActivate(nullptr, &taken));
+        answer(as<IQuickActivate>()->QuickActivate(&offered, &taken));
+        cookie_ = taken.dwPropNotifyCookie;
+        stage_.transcript.tell("status " + std::to_string(taken.dwMiscStatus));
+    }
     void setLink(const std::string& which) {
         IKelCommunicator* const link = which == "own"     ? stage_.link.communicator()
                                        : which == "other" ? other_.communicator()
@@ -223,26 +237,18 @@ private:
     void load(const std::string& from) {
         if (from == "bag") return answer(as<IPersistPropertyBag>()->Load(bag_.Get(), nullptr));
         if (from == "storage") return answer(as<IPersistStorage>()->Load(storage_.Get()));
-        if (std::exchange(isRead_, true) == false) rewind();
+        if (!std::exchange(isRead_, true)) rewind();
         answer(as<IPersistStreamInit>()->Load(stream_.Get()));
     }
     void loadDamaged() {
-        HGLOBAL memory = nullptr;
-        com::check(GetHGlobalFromStream(stream_.Get(), &memory));
-        const auto* bytes = static_cast<const BYTE*>(GlobalLock(memory));
-        STATSTG status{};
-        com::check(stream_->Stat(&status, STATFLAG_NONAME));
-        const UINT size = status.cbSize.LowPart;
-        UINT refused = 0;
-        for (UINT part = 0; part < size; ++part) {
-            com::ComPtr<IStream> damaged;
-            com::check(CreateStreamOnHGlobal(nullptr, TRUE, &damaged));
-            com::check(damaged->Write(bytes, part, nullptr));
-            com::check(damaged->Seek({}, STREAM_SEEK_SET, nullptr));
-            if (FAILED(as<IPersistStreamInit>()->Load(damaged.Get()))) ++refused;
+        STATSTG whole{};
+        com::check(stream_->Stat(&whole, STATFLAG_NONAME));
+        for (ULARGE_INTEGER size = whole.cbSize; size.QuadPart-- > 0;) {
+            com::check(stream_->SetSize(size));
+            rewind();
+            if (SUCCEEDED(as<IPersistStreamInit>()->Load(stream_.Get())))
+                stage_.transcript.tell("taken: " + std::to_string(size.QuadPart));
         }
-        GlobalUnlock(memory);
-        stage_.transcript.tell(refused == size && size > 0 ? "refused" : "taken");
     }
 
     // Whatever loop runs on this thread: what it would do with a message is done when it takes it.

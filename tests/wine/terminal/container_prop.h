@@ -8,6 +8,7 @@
 //     container place 0 0 300 200 [100 0 600 100]     and what of that is seen
 //     container ambient BackColor|UserMode|UIDead VALUE
 //     container watch, unwatch     its properties and its view
+//     container quick              the same by quick activation, and tells its status
 //     container freeze             events
 //     container tell               from now on what the control calls
 //     container refuse CALL        is answered S_FALSE from now on

@@ -10,7 +10,6 @@
 #include "com/message_loop.h"
 #include "interfaces/KelUtils.h"
 #include "resources/resource_ids.h"
-#include "tests/wine/support/event_sink.h"
 #include "tests/wine/support/library.h"
 #include "tests/wine/support/stage.h"
 #include "tests/wine/terminal/container.h"
@@ -94,33 +93,6 @@ TEST_F(TerminalTest, TellsWhatItIs) {
     CONTROLINFO keys{sizeof keys, nullptr, 0, 0};
     EXPECT_EQ(as<IOleControl>()->GetControlInfo(&keys), S_OK);
     EXPECT_EQ(keys.dwFlags, CTRLINFO_EATS_RETURN + 0u);
-}
-
-TEST_F(TerminalTest, ActivatesQuickly) {
-    Container container;
-    std::string calls;
-    container.onCall = [&](const std::string& call) {
-        calls += call + "\n";
-        return S_OK;
-    };
-    stage->play("make KelTerminal");
-    const auto quick = as<IQuickActivate>();
-    QACONTAINER offered{};
-    offered.cbSize = sizeof offered;
-    offered.pClientSite = container.site();
-    offered.pAdviseSink = reinterpret_cast<IAdviseSinkEx*>(container.adviseSink());
-    offered.pPropertyNotifySink = container.propertySink();
-    QACONTROL taken{};
-    taken.cbSize = sizeof taken;
-    EXPECT_EQ(quick->QuickActivate(&offered, &taken), S_OK);
-    EXPECT_EQ(taken.dwMiscStatus, 131473u);
-    EXPECT_NE(taken.dwPropNotifyCookie, 0u);
-    stage->play("BackColor = 1");
-    EXPECT_EQ(calls, "OnRequestEdit -501\nOnChanged -501\nOnViewChange\n");
-    EXPECT_EQ(quick->QuickActivate(nullptr, &taken), E_POINTER);
-    eventsOf(stage->component(), IID_IPropertyNotifySink)->Unadvise(taken.dwPropNotifyCookie);
-    as<IViewObjectEx>()->SetAdvise(0, 0, nullptr);
-    as<IOleObject>()->SetClientSite(nullptr);
 }
 
 // Each call on the container fails, deactivates the control, or drops the last reference. Whoever
