@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 #include <olectl.h>
 
-#include <algorithm>
+#include <chrono>
+#include <optional>
 #include <random>
 #include <set>
+#include <sstream>
 
 #include "com/message_loop.h"
 #include "interfaces/KelUtils.h"
@@ -21,9 +23,6 @@ class TerminalTest : public testing::Test {
 protected:
     void SetUp() override {
         stage.emplace();
-        open();
-    }
-    void open() {
         stage->play("make KelTerminal");
         stage->play("container activate");
     }
