@@ -34,7 +34,10 @@ protected:
         return found;
     }
     static HWND window() {
-        return FindWindowExW(FindWindowW(nullptr, L"Container"), nullptr, nullptr, L"KelTerminal");
+        for (HWND top = nullptr; (top = FindWindowExW(nullptr, top, nullptr, L"Container"));)
+            if (GetWindowThreadProcessId(top, nullptr) == GetCurrentThreadId())
+                return FindWindowExW(top, nullptr, nullptr, L"KelTerminal");
+        return nullptr;
     }
     static HWND output() { return controlIn(window(), IDC_TERMINAL_OUTPUT); }
     static HWND commandLine() { return controlIn(window(), IDC_TERMINAL_COMMAND_LINE); }
@@ -269,7 +272,8 @@ TEST_F(TerminalTest, CanBeSelectedWithTheMouseWhileTextArrives) {
     EXPECT_NE(GetWindowLongW(output(), GWL_STYLE) & ES_NOHIDESEL, 0);
 }
 
-// The first one goes on reading, and takes nothing back that is not its own.
+// The first one goes on reading, lets no other read inside, and takes nothing back that is not its
+// own.
 TEST_F(TerminalTest, TwoShareAStream) {
     Container second;
     const auto other = kelUtils().create<IKelTerminal3>(CLSID_KelTerminal);
@@ -283,7 +287,13 @@ TEST_F(TerminalTest, TwoShareAStream) {
     EXPECT_EQ(stage->link.shownIn(), pane);
     stage->play("container received waiting");
     stage->transcript.forget();
+    const auto tell = stage->link.onCall;
+    stage->link.onCall = [&](const std::string& call) {
+        tell(call);
+        SendMessageW(GetParent(static_cast<HWND>(LongToHandle(pane))), WM_TIMER, 1, 0);
+    };
     stage->play("container tick");
+    stage->link.onCall = tell;
     EXPECT_EQ(stage->transcript.step(0), "EchoWindow\nClearReadBuffer\n");
     stage->play("container drop");
     EXPECT_EQ(stage->link.shownIn(), pane);
