@@ -109,7 +109,11 @@ void Stage::playInside(DialogDriver& user, const std::string& line) {
     const int before = rounds;
     window_.post([this, line] {
         SetTimer(window_.handle(), 1, USER_TIMER_MINIMUM, endRound);
-        if (!line.empty()) play(line);
+        try {
+            if (!line.empty()) play(line);
+        } catch (const std::exception& failure) {
+            ADD_FAILURE() << "'" << line << "': " << failure.what();
+        }
     });
     user.waitUntil("the thread of the dialogs", [&] { return rounds != before; });
 }

@@ -2,6 +2,7 @@
 
 #include <olectl.h>
 
+#include <deque>
 #include <sstream>
 #include <stdexcept>
 #include <utility>
@@ -77,7 +78,7 @@ public:
             {"during",
              [&] {
                  const std::size_t bar = rest.find(" | ");
-                 during_ = {rest.substr(0, bar), rest.substr(bar + 3)};
+                 during_.emplace_back(rest.substr(0, bar), rest.substr(bar + 3));
              }},
             {"loop", [&] { setLoop(rest); }},
             {"link", [&] { setLink(rest); }},
@@ -120,10 +121,12 @@ private:
     }
     HRESULT happen(const std::string& call) {
         if (!refused_.empty() && call.starts_with(refused_)) return S_FALSE;
-        if (during_.first.empty() || !call.starts_with(during_.first)) return S_OK;
-        const std::string line = std::exchange(during_, {}).second;
-        if (line == "fail") return E_FAIL;
-        stage_.play(line);
+        while (!during_.empty() && call.starts_with(during_.front().first)) {
+            const std::string line = during_.front().second;
+            during_.pop_front();
+            if (line == "fail") return E_FAIL;
+            stage_.play(line);
+        }
         return S_OK;
     }
     HWND window() const {
@@ -277,7 +280,7 @@ private:
     FakeLink other_{stage_.link, "other "};
     bool tells_ = false;
     std::string refused_;
-    std::pair<std::string, std::string> during_;
+    std::deque<std::pair<std::string, std::string>> during_;
     DWORD cookie_ = 0;
     const com::ComPtr<Bag> bag_ = com::makeObject<Bag>();
     com::ComPtr<IStream> stream_;

@@ -13,7 +13,8 @@
 //     container tell               from now on what the control calls
 //     container refuse CALL        is answered S_FALSE from now on
 //     container during CALL | LINE      the next call that begins so, of the control or on the
-//                                  link, does this first; "fail": is answered E_FAIL
+//                                  link, does this first, one after the other;
+//                                  "fail": is answered E_FAIL
 //     container loop dialog|frame  how its message loop goes: asks the window for dialog keys, or
 //                                  the active object for accelerators
 //     container link own|other|none     the communicator, another double, or none
@@ -24,8 +25,7 @@
 //     container settings           tells what persists
 //     container font CALL          of its font
 //     container save|load bag|stream|storage, bag NAME = VALUE
-//     container damage             loads all beginnings of the stream, tells whether all are
-//     refused
+//     container damage             loads every beginning of the stream, tells those that are taken
 
 #include "tests/wine/support/stage.h"
 

@@ -189,6 +189,7 @@ TEST_F(TerminalTest, ArrangesItsPartsAtAnySize) {
     stage->play("ShowSearch");
     const RECT bar = placeOf(FindWindowExW(window(), nullptr, L"#32770", nullptr));
     EXPECT_EQ(bar.top, placeOf(output()).bottom);
+    EXPECT_GT(bar.bottom, bar.top);
     EXPECT_EQ(bar.bottom, placeOf(commandLine()).top);
     stage->play("ShowCommandLine = false");
     EXPECT_EQ(placeOf(FindWindowExW(window(), nullptr, L"#32770", nullptr)).bottom, 1200);
