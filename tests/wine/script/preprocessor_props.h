@@ -83,7 +83,7 @@ public:
     void prepare(const std::string& line) override {
         std::string rest = line;
         const std::string name = takeWord(rest);
-        const auto point = eventsOf(stage_.object(), DIID__IPreprocessorEvents);
+        const auto point = eventsOf(stage_.component(), DIID__IPreprocessorEvents);
         if (rest == "gone") {
             const HRESULT code = point->Unadvise(cookies_[name]);
             if (FAILED(code)) stage_.transcript.tell(std::to_string(code));
@@ -121,7 +121,7 @@ public:
             };
         }
         com::ComPtr<IPreprocessorImpl> preprocessor;
-        com::check(stage_.object()->QueryInterface(IID_PPV_ARGS(&preprocessor)));
+        com::check(stage_.component()->QueryInterface(IID_PPV_ARGS(&preprocessor)));
         while (words >> word) {
             const com::Bstr text(widened(word));
             if (kind == "directive") {
@@ -151,7 +151,7 @@ public:
 
     void prepare(const std::string& line) override {
         com::ComPtr<IPreprocessorControl> preprocessor;
-        com::check(stage_.object()->QueryInterface(IID_PPV_ARGS(&preprocessor)));
+        com::check(stage_.component()->QueryInterface(IID_PPV_ARGS(&preprocessor)));
         com::ComPtr<IScriptDiagnostics> all;
         if (line.empty()) {
             com::check(preprocessor->get_Diagnostics(&all));
@@ -194,8 +194,8 @@ public:
         const std::string word = takeWord(rest);
         com::ComPtr<IPreprocessor2> lines;
         com::ComPtr<IPreprocessorExtension> words;
-        com::check(stage_.object()->QueryInterface(IID_PPV_ARGS(&lines)));
-        com::check(stage_.object()->QueryInterface(IID_PPV_ARGS(&words)));
+        com::check(stage_.component()->QueryInterface(IID_PPV_ARGS(&lines)));
+        com::check(stage_.component()->QueryInterface(IID_PPV_ARGS(&words)));
         VARIANT_BOOL handled = 7;
         VARIANT_BOOL result = 7;
         com::Bstr value;

@@ -43,17 +43,12 @@ std::vector<HWND> windowsOf(DWORD thread) {
     return windows;
 }
 
-bool isDialog(HWND window) {
-    return IsWindowVisible(window) && IsWindowEnabled(window) && classOf(window) == L"#32770";
+bool takesInput(HWND window) {
+    return IsWindowVisible(window) && IsWindowEnabled(window);
 }
 
-HWND findIn(HWND dialog, int identifier) {
-    HWND found = GetDlgItem(dialog, identifier);
-    for (HWND page = nullptr; (page = FindWindowExW(dialog, page, L"#32770", nullptr));) {
-        const HWND inside = findIn(page, identifier);
-        if (inside && (!found || IsWindowVisible(inside))) found = inside;
-    }
-    return found;
+bool isDialog(HWND window) {
+    return takesInput(window) && classOf(window) == L"#32770";
 }
 
 INPUT keyInput(WORD virtualKey, DWORD flags) {
@@ -72,6 +67,17 @@ void describe(std::ostream& stream, HWND window, const char* indent) {
 }
 
 }  // namespace
+
+HWND controlIn(HWND window, int identifier) {
+    HWND found = GetDlgItem(window, identifier);
+    for (const wchar_t* kind : {L"#32770", L"AtlAxWin"}) {
+        for (HWND page = nullptr; (page = FindWindowExW(window, page, kind, nullptr));) {
+            const HWND inside = controlIn(page, identifier);
+            if (inside && (!found || IsWindowVisible(inside))) found = inside;
+        }
+    }
+    return found;
+}
 
 DialogDriver::DialogDriver(std::function<void(DialogDriver&)> steps)
     : testThread_(GetCurrentThreadId()),
@@ -147,8 +153,8 @@ void DialogDriver::waitUntil(const char* what, const std::function<bool()>& hold
 
 HWND DialogDriver::find(const std::wstring& caption) const {
     HWND found = nullptr;
-    for (const HWND window : dialogs())
-        if (captionOf(window) == caption) found = window;
+    for (const HWND window : windowsOf(testThread_))
+        if (takesInput(window) && captionOf(window) == caption) found = window;
     return found;
 }
 
@@ -162,7 +168,7 @@ HWND DialogDriver::waitFor(const std::wstring& caption) {
 }
 
 HWND DialogDriver::control(int identifier) {
-    const HWND found = findIn(window_, identifier);
+    const HWND found = controlIn(window_, identifier);
     if (!found) throw std::runtime_error("there is no control " + std::to_string(identifier));
     return found;
 }
@@ -211,7 +217,7 @@ HWND DialogDriver::focus() {
 
 LRESULT DialogDriver::send(HWND window, UINT message, WPARAM wide, LPARAM longer) {
     DWORD_PTR result = 0;
-    if (!SendMessageTimeoutW(window, message, wide, longer, SMTO_ABORTIFHUNG, kAnswerTime, &result))
+    if (!SendMessageTimeoutW(window, message, wide, longer, SMTO_NORMAL, kAnswerTime, &result))
         throw Timeout("a window does not answer");
     return static_cast<LRESULT>(result);
 }

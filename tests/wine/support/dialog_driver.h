@@ -12,6 +12,9 @@
 
 namespace kel::test {
 
+// The control of a window, or of a page inside it: of the one that is seen where several have it.
+HWND controlIn(HWND window, int identifier);
+
 // Works on a thread of its own through a sequence of steps, while the test's thread runs the
 // dialog:
 //
@@ -35,7 +38,10 @@ public:
     // Runs the message loop of the test's thread until the last step, for what is not modal.
     void runMessageLoop();
 
-    // Waits for a dialog with this caption that takes input. The following steps are for it.
+    // The following steps are for the windows of another thread, of another program even.
+    void moveTo(DWORD thread) { testThread_ = thread; }
+
+    // Waits for a window with this caption that takes input. The following steps are for it.
     HWND waitFor(const std::wstring& caption);
     // Whether there is one.
     bool isThere(const std::wstring& caption) const { return find(caption) != nullptr; }

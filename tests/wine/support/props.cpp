@@ -6,15 +6,18 @@
 
 #include "com/text.h"
 #include "interfaces/link_classes.h"
+#include "tests/wine/keldesk/program_prop.h"
 #include "tests/wine/script/preprocessor_props.h"
 #include "tests/wine/service/access_prop.h"
 #include "tests/wine/service/fake_compass.h"
 #include "tests/wine/service/fake_pressure.h"
 #include "tests/wine/service/fake_recorder.h"
 #include "tests/wine/service/fake_uploader.h"
+#include "tests/wine/support/here_prop.h"
 #include "tests/wine/support/import_patch.h"
 #include "tests/wine/support/library.h"
 #include "tests/wine/support/stage.h"
+#include "tests/wine/terminal/container_prop.h"
 
 namespace kel::test {
 namespace {
@@ -158,6 +161,9 @@ const std::map<std::string_view, std::unique_ptr<Prop> (*)(Stage&)>& propMakers(
         {"box", makeProp<BoxProp>},
         {"chooser", makeProp<ChooserProp>},
         {"clock", makeProp<ClockProp>},
+        {"container", makeContainerProp},
+        {"here", makeHereProp},
+        {"program", makeProgramProp},
         {"compass", makeProp<AccessProp<FakeCompass, link::kCompassAccessClass>>},
         {"diagnostics", makeProp<DiagnosticsProp>},
         {"inside", makeProp<InsideProp>},

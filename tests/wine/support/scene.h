@@ -39,7 +39,9 @@
 //     fail call NUMBER, fail METHOD          counted from now; get_Port, put_Port, Close
 //     remember SECTION NAME = VALUE          in the store: a text, or dword:NUMBER
 //     recall SECTION               tells what the store holds
-//     file NAME, folder NAME       an empty one in $folder; $peer is a port with a listener
+//     file NAME, folder NAME       an empty one in $folder; $peer is a port with a listener,
+//                                  $instrument the address of a virtual instrument
+//     write NAME TEXT              a file with a text in $folder
 //     same NAME FILE               checks that one in $folder is as a file of the project
 //     owner gone                   $owner, a window to be given to ShowModal, is closed
 //     hold CALL, go                the calls that begin so wait inside, running messages, until go
@@ -55,17 +57,17 @@
 // In calls "$nothing" is an object that is not there. A first word of none of these is a further
 // double's: see Prop in stage.h.
 //
-// The user, who names controls as resource_ids.h does, without "IDC_", or OK, CANCEL, YES, NO, or
-// by a number; TEXT is the text of a message box:
+// The user, who names controls as resource_ids.h does, without "IDC_" or "IDM_", or OK, CANCEL,
+// YES, NO, or by a number; TEXT is the text of a message box:
 //
-//     window CAPTION, gone         waits for the window, or for its end
+//     window CAPTION, gone         waits for the window, or until it is seen no more
 //     press NAME                   a button that can be pressed
 //     set NAME TEXT; type TEXT     the whole text; keys for what has the focus
 //     key [Ctrl+|Shift+|Alt+]Tab|Enter|S|…   Tab waits until the focus has moved
 //     choose NAME TEXT|ROW…        in a box of choices; rows of a list, an item of a tree
 //     click|doubleclick|controlclick NAME ROW [box]
 //     close, message NAME, timer   WM_CLOSE, a registered message, a tick of timer 1
-//     command NAME                 the command of a control, be it disabled
+//     command NAME                 the command of a control, be it disabled, or of a menu
 //     wait NAME TEXT               until the control shows this; "*" stands for any text
 //     told TEXT                    until this step tells something that begins so
 //     focus NAME                   until it has the focus
@@ -77,6 +79,7 @@
 //     host LINE                    the host does this inside its message loop, under the open
 //     window forget
 
+#include <functional>
 #include <iosfwd>
 #include <string>
 #include <vector>

@@ -109,7 +109,11 @@ void Stage::playInside(DialogDriver& user, const std::string& line) {
     const int before = rounds;
     window_.post([this, line] {
         SetTimer(window_.handle(), 1, USER_TIMER_MINIMUM, endRound);
-        if (!line.empty()) play(line);
+        try {
+            if (!line.empty()) play(line);
+        } catch (const std::exception& failure) {
+            ADD_FAILURE() << "'" << line << "': " << failure.what();
+        }
     });
     user.waitUntil("the thread of the dialogs", [&] { return rounds != before; });
 }
@@ -130,6 +134,11 @@ void Stage::play(const std::string& line) {
         {"remember", [&] { remember(rest); }},
         {"recall", [&] { recall(rest); }},
         {"file", [&] { folder_->file(widened(rest), ""); }},
+        {"write",
+         [&] {
+             const std::string name = takeWord(rest);
+             folder_->file(widened(name), rest);
+         }},
         {"folder",
          [&] { CreateDirectoryW((folder_->path() + L"\\" + widened(rest)).c_str(), nullptr); }},
         {"same", [&] { compareFile(rest); }},
@@ -199,6 +208,8 @@ void Stage::make(std::string line) {
         com::check(dialog->put_Communicator(link.communicator()));
     } else if (SUCCEEDED(object_.As(&preprocessor))) {
         com::check(preprocessor->put_Communicator(link.communicator()));
+    } else if (com::ComPtr<IKelTerminal> terminal; SUCCEEDED(object_.As(&terminal))) {
+        com::check(terminal->put_Communicator(link.communicator()));
     }
 }
 
@@ -354,6 +365,11 @@ std::string Stage::expanded(std::string line) {
         transcript.abbreviate(text, sign);
         replace(line, sign, text);
     };
+    const std::lock_guard lock(signs_);
+    if (line.find("$instrument") != line.npos) {
+        if (!instrument_) instrument_.emplace(bench::InstrumentOptions{});
+        put("$instrument", "127.0.0.1:" + com::narrow(instrument_->port().view()));
+    }
     if (line.find("$peer") != line.npos) {
         if (!peer_) peer_.emplace();
         put("$peer", com::narrow(peer_->port().view()));
@@ -366,7 +382,7 @@ std::string Stage::expanded(std::string line) {
         replace(line, "$owner", std::to_string(HandleToLong(owner_)));
     }
     if (line.find("$folder") != line.npos || line.starts_with("file ") ||
-        line.starts_with("folder ")) {
+        line.starts_with("folder ") || line.starts_with("write ")) {
         if (!folder_) folder_.emplace();
         put("$folder", com::narrow(folder_->path(), CP_UTF8));
     }

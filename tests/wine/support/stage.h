@@ -78,16 +78,17 @@ public:
     // The same, after the host's line.
     void playInside(DialogDriver& user, const std::string& line);
 
-    // The line with what its signs stand for: "$peer", a port on which somebody listens, "$folder",
-    // a folder that goes with the scene, and "$owner", a window that does.
+    // The line with what its signs stand for: "$peer", a port on which somebody listens,
+    // "$instrument", the address of a virtual instrument, "$folder", a folder that goes with the
+    // scene, and "$owner", a window that does. From any thread.
     std::string expanded(std::string line);
 
     // Whether the call has failed that was to, or anything may have. From any thread.
     bool hasFailed() const;
     bool mayFail() const { return failing_ == kAnything; }
 
-    // The component.
-    IDispatch* object() const { return object_.Get(); }
+    // What was made last.
+    IDispatch* component() const { return object_.Get(); }
 
     FakeLink link;
     FakeLink ports{link, "new "};  // the streams that components make
@@ -96,6 +97,8 @@ public:
     std::function<void(HWND)> look;
     // What lines named "recall" told.
     std::string recalled;
+    // The thread of the program that the user works with, where that is another one.
+    std::atomic<DWORD> programThread = 0;
     // Whether all lines of the host are through, for the user's thread.
     std::atomic<bool> isThrough = false;
 
@@ -115,7 +118,9 @@ private:
 
     const long failing_;
     const RegistrySandbox store_{HKEY_CURRENT_USER};
+    std::mutex signs_;
     std::optional<bench::test::TcpPeer> peer_;
+    std::optional<bench::test::InstrumentServer> instrument_;
     std::optional<TemporaryFolder> folder_;
     std::optional<ClassObject> serial_;
     std::optional<ClassObject> network_;

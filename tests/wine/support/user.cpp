@@ -18,31 +18,13 @@
 namespace kel::test {
 namespace {
 
-// The control that a name stands for: a number, the platform's name without "ID", or one of
-// resource_ids.h without "IDC_".
-int identifierOf(const std::string& name) {
-    static const std::map<std::string, int, std::less<>> known = [] {
-        std::map<std::string, int, std::less<>> names = {
-            {"OK", IDOK}, {"CANCEL", IDCANCEL}, {"YES", IDYES}, {"NO", IDNO}, {"TEXT", 0xFFFF}};
-        std::ifstream header(projectFile("resources/resource_ids.h"));
-        std::string word, constant;
-        for (int number; header >> word;)
-            if (word == "#define" && header >> constant >> number && constant.starts_with("IDC_"))
-                names[constant.substr(4)] = number;
-        return names;
-    }();
-    if (!name.empty() && std::isdigit(static_cast<unsigned char>(name[0]))) return std::stoi(name);
-    const auto found = known.find(name);
-    if (found == known.end()) throw std::invalid_argument("there is no control " + name);
-    return found->second;
-}
-
 WORD keyOf(const std::string& name) {
     static const std::map<std::string, WORD, std::less<>> known = {
         {"Tab", VK_TAB},       {"Enter", VK_RETURN}, {"Escape", VK_ESCAPE}, {"Space", VK_SPACE},
         {"Up", VK_UP},         {"Down", VK_DOWN},    {"Left", VK_LEFT},     {"Right", VK_RIGHT},
         {"Home", VK_HOME},     {"End", VK_END},      {"Ctrl", VK_CONTROL},  {"Shift", VK_SHIFT},
-        {"Delete", VK_DELETE}, {"Alt", VK_MENU}};
+        {"Delete", VK_DELETE}, {"Alt", VK_MENU},     {"PageUp", VK_PRIOR},  {"PageDown", VK_NEXT},
+        {"F3", VK_F3},         {"F7", VK_F7}};
     if (name.size() == 1 && std::isupper(static_cast<unsigned char>(name[0]))) return name[0];
     const auto found = known.find(name);
     if (found == known.end()) throw std::invalid_argument("there is no key " + name);
@@ -65,6 +47,26 @@ bool fits(std::string_view text, std::string_view pattern) {
 }
 
 }  // namespace
+
+int identifierOf(const std::string& name) {
+    static const std::map<std::string, int, std::less<>> known = [] {
+        std::map<std::string, int, std::less<>> names = {
+            {"OK", IDOK}, {"CANCEL", IDCANCEL}, {"YES", IDYES}, {"NO", IDNO}, {"TEXT", 0xFFFF}};
+        for (const char* file : {"resources/resource_ids.h", "hosts/keldesk/resource_ids.h"}) {
+            std::ifstream header(projectFile(file));
+            std::string word, constant;
+            for (int number; header >> word;)
+                if (word == "#define" && header >> constant >> number &&
+                    (constant.starts_with("IDC_") || constant.starts_with("IDM_")))
+                    names[constant.substr(4)] = number;
+        }
+        return names;
+    }();
+    if (!name.empty() && std::isdigit(static_cast<unsigned char>(name[0]))) return std::stoi(name);
+    const auto found = known.find(name);
+    if (found == known.end()) throw std::invalid_argument("there is no control " + name);
+    return found->second;
+}
 
 void User::play(const std::vector<const Step*>& steps) {
     for (const Step* step : steps) {
@@ -124,7 +126,10 @@ void User::act(const std::string& line) {
         {"window",
          [&] {
              const std::wstring caption = widened(rest);
-             wait("the window", [&] { return driver_.isThere(caption); });
+             wait("the window", [&] {
+                 if (stage_.programThread != 0) driver_.moveTo(stage_.programThread);
+                 return driver_.isThere(caption);
+             });
              driver_.waitFor(caption);
          }},
         {"wait",
@@ -138,7 +143,7 @@ void User::act(const std::string& line) {
              const HWND window = control(rest);
              wait("the focus", [&] { return driver_.focus() == window; });
          }},
-        {"gone", [&] { wait("the end", [&] { return !IsWindow(driver_.window()); }); }},
+        {"gone", [&] { wait("the end", [&] { return !IsWindowVisible(driver_.window()); }); }},
         {"show",
          [&] {
              std::istringstream names(rest);

@@ -11,6 +11,10 @@
 
 namespace kel::test {
 
+// The control that a name in a scene stands for: a number, the platform's name without "ID", or one
+// of resource_ids.h without "IDC_" or "IDM_". Throws where there is none.
+int identifierOf(const std::string& name);
+
 // Lives on the driver's thread.
 class User {
 public:

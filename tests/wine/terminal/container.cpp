@@ -1,7 +1,5 @@
 #include "tests/wine/terminal/container.h"
 
-#include <utility>
-
 namespace kel::test {
 
 // One object of all the interfaces; those of the frame and the document are the same.
@@ -15,21 +13,21 @@ public:
     static constexpr com::ClassDescription kClass{};
     explicit Site(Container& owner) : owner_(owner) {}
 
-    STDMETHODIMP SaveObject() override { return owner_.told("SaveObject"); }
+    STDMETHODIMP SaveObject() override { return owner_.onCall("SaveObject"); }
     STDMETHODIMP GetMoniker(DWORD, DWORD, IMoniker**) override { return E_NOTIMPL; }
     STDMETHODIMP GetContainer(IOleContainer**) override { return E_NOINTERFACE; }
-    STDMETHODIMP ShowObject() override { return owner_.told("ShowObject"); }
+    STDMETHODIMP ShowObject() override { return owner_.onCall("ShowObject"); }
     STDMETHODIMP OnShowWindow(BOOL) override { return S_OK; }
     STDMETHODIMP RequestNewObjectLayout() override { return E_NOTIMPL; }
 
     STDMETHODIMP GetWindow(HWND* window) override {
         *window = owner_.window_;
-        return owner_.told("GetWindow");
+        return owner_.onCall("GetWindow");
     }
     STDMETHODIMP ContextSensitiveHelp(BOOL) override { return E_NOTIMPL; }
-    STDMETHODIMP CanInPlaceActivate() override { return owner_.told("CanInPlaceActivate"); }
-    STDMETHODIMP OnInPlaceActivate() override { return owner_.told("OnInPlaceActivate"); }
-    STDMETHODIMP OnUIActivate() override { return owner_.told("OnUIActivate"); }
+    STDMETHODIMP CanInPlaceActivate() override { return owner_.onCall("CanInPlaceActivate"); }
+    STDMETHODIMP OnInPlaceActivate() override { return owner_.onCall("OnInPlaceActivate"); }
+    STDMETHODIMP OnUIActivate() override { return owner_.onCall("OnUIActivate"); }
     STDMETHODIMP GetWindowContext(IOleInPlaceFrame** frame, IOleInPlaceUIWindow** document,
                                   LPRECT position, LPRECT clip, LPOLEINPLACEFRAMEINFO) override {
         AddRef();
@@ -37,16 +35,16 @@ public:
         *document = nullptr;
         *position = owner_.place;
         *clip = owner_.clip;
-        return owner_.told("GetWindowContext");
+        return owner_.onCall("GetWindowContext");
     }
     STDMETHODIMP Scroll(SIZE) override { return E_NOTIMPL; }
-    STDMETHODIMP OnUIDeactivate(BOOL) override { return owner_.told("OnUIDeactivate"); }
-    STDMETHODIMP OnInPlaceDeactivate() override { return owner_.told("OnInPlaceDeactivate"); }
+    STDMETHODIMP OnUIDeactivate(BOOL) override { return owner_.onCall("OnUIDeactivate"); }
+    STDMETHODIMP OnInPlaceDeactivate() override { return owner_.onCall("OnInPlaceDeactivate"); }
     STDMETHODIMP DiscardUndoState() override { return E_NOTIMPL; }
     STDMETHODIMP DeactivateAndUndo() override { return E_NOTIMPL; }
     STDMETHODIMP OnPosRectChange(LPCRECT) override { return E_NOTIMPL; }
     STDMETHODIMP OnInPlaceActivateEx(BOOL*, DWORD) override {
-        return owner_.told("OnInPlaceActivateEx");
+        return owner_.onCall("OnInPlaceActivateEx");
     }
     STDMETHODIMP OnInPlaceDeactivateEx(BOOL) override { return E_NOTIMPL; }
     STDMETHODIMP RequestUIActivate() override { return E_NOTIMPL; }
@@ -56,11 +54,11 @@ public:
     STDMETHODIMP GetExtendedControl(IDispatch**) override { return E_NOTIMPL; }
     STDMETHODIMP TransformCoords(POINTL*, POINTF*, DWORD) override { return E_NOTIMPL; }
     STDMETHODIMP TranslateAccelerator(MSG*, DWORD) override {
-        owner_.told("TranslateAccelerator");
+        owner_.onCall("TranslateAccelerator");
         return S_FALSE;
     }
     STDMETHODIMP OnFocus(BOOL focus) override {
-        return owner_.told(focus ? "OnFocus" : "OnFocus lost");
+        return owner_.onCall(focus ? "OnFocus" : "OnFocus lost");
     }
     STDMETHODIMP ShowPropertyFrame() override { return E_NOTIMPL; }
 
@@ -69,7 +67,7 @@ public:
     STDMETHODIMP SetBorderSpace(LPCBORDERWIDTHS) override { return S_OK; }
     STDMETHODIMP SetActiveObject(IOleInPlaceActiveObject* object, LPCOLESTR) override {
         owner_.active_ = object;
-        return owner_.told(object ? "SetActiveObject" : "SetActiveObject none");
+        return owner_.onCall(object ? "SetActiveObject" : "SetActiveObject none");
     }
     STDMETHODIMP InsertMenus(HMENU, LPOLEMENUGROUPWIDTHS) override { return E_NOTIMPL; }
     STDMETHODIMP SetMenu(HMENU, HOLEMENU, HWND) override { return E_NOTIMPL; }
@@ -91,17 +89,17 @@ public:
     }
 
     STDMETHODIMP OnChanged(DISPID member) override {
-        return owner_.told(("OnChanged " + std::to_string(member)).c_str());
+        return owner_.onCall("OnChanged " + std::to_string(member));
     }
     STDMETHODIMP OnRequestEdit(DISPID member) override {
-        return owner_.told(("OnRequestEdit " + std::to_string(member)).c_str());
+        return owner_.onCall("OnRequestEdit " + std::to_string(member));
     }
 
     STDMETHODIMP_(void) OnDataChange(FORMATETC*, STGMEDIUM*) override {}
-    STDMETHODIMP_(void) OnViewChange(DWORD, LONG) override { owner_.told("OnViewChange"); }
+    STDMETHODIMP_(void) OnViewChange(DWORD, LONG) override { owner_.onCall("OnViewChange"); }
     STDMETHODIMP_(void) OnRename(IMoniker*) override {}
     STDMETHODIMP_(void) OnSave() override {}
-    STDMETHODIMP_(void) OnClose() override { owner_.told("OnClose"); }
+    STDMETHODIMP_(void) OnClose() override { owner_.onCall("OnClose"); }
 
 private:
     Container& owner_;
@@ -114,21 +112,14 @@ Container::Container()
       site_(com::makeObject<Site>(*this)) {}
 
 Container::~Container() {
-    active_.Reset();
+    end();
     DestroyWindow(window_);
 }
 
-std::string Container::takeCalls() {
-    std::string all;
-    for (const std::string& call : std::exchange(calls, {}))
-        all += (all.empty() ? "" : ", ") + call;
-    return all;
-}
-
-HRESULT Container::told(const char* name) {
-    const std::string call = name;
-    calls.push_back(call);
-    return onCall ? onCall(call) : S_OK;
+// The control holds its site, and this its active object.
+void Container::end() {
+    com::ComPtr<IOleInPlaceObject> control;
+    if (active_ && SUCCEEDED(active_.As(&control))) control->InPlaceDeactivate();
 }
 
 IOleClientSite* Container::site() const {

@@ -1,5 +1,5 @@
 #pragma once
-// A container that offers everything a control may ask for, and writes down what it is asked.
+// A container that offers everything a control may ask for.
 
 #include <windows.h>
 
@@ -8,7 +8,6 @@
 #include <functional>
 #include <map>
 #include <string>
-#include <vector>
 
 #include "com/object.h"
 #include "com/variant.h"
@@ -23,11 +22,14 @@ public:
     Container(const Container&) = delete;
     Container& operator=(const Container&) = delete;
 
-    // The names of the calls of the control, in order. Ambient properties are not told.
-    std::vector<std::string> calls;
-    std::string takeCalls();
-    // Runs inside each call, and gives what it answers.
-    std::function<HRESULT(const std::string& call)> onCall;
+    // Runs inside each call of the control, and gives what it answers. Ambient properties are not
+    // told.
+    std::function<HRESULT(const std::string& call)> onCall = [](const std::string&) {
+        return S_OK;
+    };
+
+    // Deactivates what is active.
+    void end();
 
     std::map<DISPID, com::Variant> ambients;
     RECT place{10, 20, 310, 220};
@@ -41,8 +43,6 @@ public:
 
 private:
     class Site;
-
-    HRESULT told(const char* name);
 
     HWND window_;
     com::ComPtr<IOleInPlaceActiveObject> active_;

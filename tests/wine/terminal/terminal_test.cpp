@@ -1,85 +1,209 @@
-// What the terminal does: its look, its keys, its dealings with the link.
-#include <algorithm>
+// What scenes cannot say of the terminal: what containers ask of its interfaces, where its parts
+// are, and what the pane does by and by.
+#include <gtest/gtest.h>
+#include <olectl.h>
 
+#include <chrono>
+#include <optional>
+#include <random>
+#include <set>
+#include <sstream>
+
+#include "com/message_loop.h"
+#include "interfaces/KelUtils.h"
 #include "resources/resource_ids.h"
-#include "tests/support/cases.h"
-#include "tests/wine/terminal/terminal_fixture.h"
+#include "tests/wine/support/library.h"
+#include "tests/wine/support/stage.h"
+#include "tests/wine/terminal/container.h"
 
 namespace kel::test {
 namespace {
 
-TEST_F(TerminalTest, LooksAsItWasSet) {
-    activate();
-    EXPECT_EQ(textOf(hwnd()), L"KelTerminal");
-    EXPECT_EQ(textOf(output()), L"");
-    const auto colours = [&](UINT message, HWND child) {
-        const HDC device = GetDC(child);
-        const auto brush = reinterpret_cast<HBRUSH>(SendMessageW(
-            hwnd(), message, reinterpret_cast<WPARAM>(device), reinterpret_cast<LPARAM>(child)));
-        LOGBRUSH description{};
-        GetObjectW(brush, sizeof description, &description);
-        char text[40];
-        std::snprintf(text, sizeof text, "%06lX on %06lX, %06lX", GetTextColor(device),
-                      GetBkColor(device), description.lbColor);
-        ReleaseDC(child, device);
-        return std::string(text);
-    };
-    EXPECT_EQ(colours(WM_CTLCOLORSTATIC, output()), "FFFFFF on 000000, 000000");
-    terminal->put_ForeColor(0x0000FF);
-    terminal->put_BackColor(0x102030);
-    terminal->put_CommandLineTextColor(0x00FF00);
-    terminal->put_CommandLineBackColor(0x405060);
-    EXPECT_EQ(colours(WM_CTLCOLORSTATIC, output()), "0000FF on 102030, 102030");
-    EXPECT_EQ(colours(WM_CTLCOLOREDIT, output()), "0000FF on 102030, 102030");
-    for (const UINT message : {WM_CTLCOLOREDIT, WM_CTLCOLORLISTBOX, WM_CTLCOLORSTATIC,
-                               WM_CTLCOLORBTN, WM_CTLCOLORSCROLLBAR, WM_CTLCOLORMSGBOX}) {
-        EXPECT_EQ(colours(message, commandLine()), "00FF00 on 405060, 405060") << message;
+class TerminalTest : public testing::Test {
+protected:
+    void SetUp() override {
+        stage.emplace();
+        stage->play("make KelTerminal");
+        stage->play("container activate");
     }
-    container.ambients.emplace(DISPID_AMBIENT_BACKCOLOR, com::Variant(0x112233L));
-    as<IOleControl>()->OnAmbientPropertyChange(DISPID_AMBIENT_BACKCOLOR);
-    EXPECT_EQ(colours(WM_CTLCOLORDLG, hwnd()).substr(10), "112233, 112233");
-    EXPECT_EQ(SendMessageW(hwnd(), WM_ERASEBKGND, 0, 0), TRUE);
+
+    template <class Interface = IKelTerminal3>
+    com::ComPtr<Interface> as() const {
+        com::ComPtr<Interface> found;
+        EXPECT_EQ(stage->component()->QueryInterface(IID_PPV_ARGS(&found)), S_OK);
+        return found;
+    }
+    static HWND window() {
+        for (HWND top = nullptr; (top = FindWindowExW(nullptr, top, nullptr, L"Container"));)
+            if (GetWindowThreadProcessId(top, nullptr) == GetCurrentThreadId())
+                return FindWindowExW(top, nullptr, nullptr, L"KelTerminal");
+        return nullptr;
+    }
+    static HWND output() { return controlIn(window(), IDC_TERMINAL_OUTPUT); }
+    static HWND commandLine() { return controlIn(window(), IDC_TERMINAL_COMMAND_LINE); }
+    static RECT placeOf(HWND child) {
+        RECT place{};
+        GetWindowRect(child, &place);
+        MapWindowPoints(nullptr, window(), reinterpret_cast<POINT*>(&place), 2);
+        return place;
+    }
+    static LRESULT ask(UINT message, WPARAM wide = 0, LPARAM longer = 0) {
+        return SendMessageW(output(), message, wide, longer);
+    }
+    static void runMessagesUntil(const std::function<bool()>& holds) {
+        const DWORD begin = GetTickCount();
+        while (!holds() && GetTickCount() - begin < 10000) {
+            com::sleepUntilMessage(std::chrono::milliseconds(10));
+            com::runWaitingMessages();
+        }
+        EXPECT_TRUE(holds());
+    }
+
+    std::optional<Stage> stage;
+};
+
+TEST_F(TerminalTest, TellsWhatItIs) {
+    DWORD status = 0;
+    EXPECT_EQ(as<IOleObject>()->GetMiscStatus(DVASPECT_CONTENT, &status), S_OK);
+    EXPECT_EQ(status, 131473u);
+    CLSID identifier{};
+    EXPECT_EQ(as<IOleObject>()->GetUserClassID(&identifier), S_OK);
+    EXPECT_EQ(identifier, CLSID_KelTerminal);
+    LPOLESTR type = nullptr;
+    EXPECT_EQ(as<IOleObject>()->GetUserType(USERCLASSTYPE_FULL, &type), S_OK);
+    EXPECT_STREQ(type, L"KelTerminal Class");
+    CoTaskMemFree(type);
+
+    SIZEL extent{}, natural{};
+    DVEXTENTINFO content{sizeof content, DVEXTENT_CONTENT, {}};
+    EXPECT_EQ(as<IOleObject>()->GetExtent(DVASPECT_CONTENT, &extent), S_OK);
+    EXPECT_EQ(as<IViewObjectEx>()->GetNaturalExtent(DVASPECT_CONTENT, -1, nullptr, nullptr,
+                                                    &content, &natural),
+              S_OK);
+    EXPECT_EQ(extent.cx, natural.cx);
+    EXPECT_GT(extent.cx, 5000);
+    EXPECT_GT(extent.cy, 3000);
+    EXPECT_EQ(as<IOleObject>()->GetExtent(DVASPECT_ICON, &extent), DV_E_DVASPECT);
+    SIZEL wanted{2000, 1000};
+    EXPECT_EQ(as<IOleObject>()->SetExtent(DVASPECT_CONTENT, &wanted), S_OK);
+    EXPECT_EQ(as<IViewObjectEx>()->GetExtent(DVASPECT_CONTENT, -1, nullptr, &extent), S_OK);
+    EXPECT_EQ(extent.cy, 1000);
+
+    CAUUID pages{};
+    EXPECT_EQ(as<ISpecifyPropertyPages>()->GetPages(&pages), S_OK);
+    CoTaskMemFree(pages.pElems);
+    CONTROLINFO keys{sizeof keys, nullptr, 0, 0};
+    EXPECT_EQ(as<IOleControl>()->GetControlInfo(&keys), S_OK);
+    EXPECT_EQ(keys.dwFlags, CTRLINFO_EATS_RETURN + 0u);
+}
+
+// Each call on the container fails, deactivates the control, or drops the last reference. Whoever
+// was told of an activation hears of its end.
+TEST_F(TerminalTest, SurvivesWhatItsContainerDoesInACall) {
+    stage.reset();
+    for (const std::string call :
+         {"CanInPlaceActivate", "OnInPlaceActivateEx", "GetWindow", "GetWindowContext",
+          "OnUIActivate", "OnFocus", "SetActiveObject", "ShowObject", "SetActiveObject none",
+          "OnUIDeactivate", "OnInPlaceDeactivate"}) {
+        for (const char* deed : {"fail", "container deactivate", "release"}) {
+            SCOPED_TRACE(call + ": " + deed);
+            Stage own;
+            own.play("make KelTerminal");
+            own.play("container tell");
+            own.play("container during " + call + " | " + deed);
+            own.play("container activate ui");
+            own.play("container end");
+            if (own.component()) own.play("container deactivate");
+            own.play("release");
+            EXPECT_EQ(window(), nullptr);
+            std::istringstream told(own.transcript.step(0));
+            int open = 0;
+            for (std::string line; std::getline(told, line);)
+                open += line == "OnInPlaceActivateEx" ? 1 : line == "OnInPlaceDeactivate" ? -1 : 0;
+            const bool isRefused = call == "OnInPlaceActivateEx" && deed == std::string("fail");
+            EXPECT_EQ(open, isRefused ? 1 : 0);
+        }
+    }
+}
+
+TEST_F(TerminalTest, TakesCallsInAnyOrder) {
+    const char* const deeds[] = {"container leave",
+                                 "container close",
+                                 "container deactivate",
+                                 "container uideactivate",
+                                 "container place 10 20 310 220",
+                                 "container link own",
+                                 "container link none",
+                                 "Send",
+                                 "Clear",
+                                 "ShowSearch",
+                                 "ShowCommandLine = false",
+                                 "ShowCommandLine = true",
+                                 "container font Italic = true",
+                                 "container save stream",
+                                 "container load stream",
+                                 "container activate",
+                                 "container activate ui",
+                                 "container activate hide",
+                                 "container activate primary",
+                                 "Timer = true"};
+    std::mt19937 random(1);
+    for (int round = 0; round < 60; ++round) {
+        SCOPED_TRACE(round);
+        stage->play("make KelTerminal alone");
+        stage->play("container save stream");
+        for (int step = 0; step < 12; ++step) {
+            stage->play(deeds[random() % std::size(deeds)]);
+            if (step % 4 == 3) com::runWaitingMessages();
+        }
+        stage->play("container end");
+    }
+    stage->play("release");
+    EXPECT_EQ(window(), nullptr);
+    EXPECT_EQ(stage->link.shownIn(), 0);
+}
+
+TEST_F(TerminalTest, IsClippedToWhatTheContainerShows) {
+    stage->play("container place 50 50 250 150 100 0 600 100");
+    RECT visible{};
+    GetWindowRgnBox(window(), &visible);
+    const RECT expected{50, 0, 200, 50};
+    EXPECT_TRUE(EqualRect(&visible, &expected));
+    stage->play("container place 50 50 250 150 50 50 250 150");
+    EXPECT_EQ(GetWindowRgnBox(window(), &visible), ERROR);
 }
 
 TEST_F(TerminalTest, ArrangesItsPartsAtAnySize) {
-    activate();
-    const auto placeIn = [&](HWND child) {
-        RECT place{};
-        GetWindowRect(child, &place);
-        MapWindowPoints(nullptr, hwnd(), reinterpret_cast<POINT*>(&place), 2);
-        return place;
-    };
-    for (const SIZE size : {SIZE{300, 200}, SIZE{40, 30}, SIZE{0, 0}, SIZE{1600, 1200}}) {
+    const RECT first = placeOf(window());
+    EXPECT_EQ(first.right, 300);
+    EXPECT_EQ(first.bottom, 200);
+    for (const SIZE size : {SIZE{40, 30}, SIZE{0, 0}, SIZE{1600, 1200}}) {
         SCOPED_TRACE(size.cx);
-        const RECT place{0, 0, size.cx, size.cy};
-        as<IOleInPlaceObject>()->SetObjectRects(&place, nullptr);
-        EXPECT_EQ(placeIn(output()).right, size.cx);
-        EXPECT_EQ(placeIn(commandLine()).right, size.cx);
-        EXPECT_EQ(placeIn(output()).bottom, placeIn(commandLine()).top);
-        if (size.cy > 100) {
-            EXPECT_EQ(placeIn(commandLine()).bottom, size.cy);
-        }
+        stage->play("container place 0 0 " + std::to_string(size.cx) + " " +
+                    std::to_string(size.cy));
+        EXPECT_EQ(placeOf(output()).right, size.cx);
+        EXPECT_EQ(placeOf(commandLine()).right, size.cx);
+        EXPECT_EQ(placeOf(output()).bottom, placeOf(commandLine()).top);
     }
-    terminal->put_ShowCommandLine(VARIANT_FALSE);
-    EXPECT_FALSE(IsWindowVisible(commandLine()));
-    EXPECT_EQ(placeIn(output()).bottom, 1200);
-    close();
-    terminal = kelUtils().create<IKelTerminal3>(CLSID_KelTerminal);
-    terminal->put_ShowCommandLine(VARIANT_FALSE);
-    activate();
-    EXPECT_FALSE(IsWindowVisible(commandLine()));
+    EXPECT_EQ(placeOf(commandLine()).bottom, 1200);
+    stage->play("ShowSearch");
+    const RECT bar = placeOf(FindWindowExW(window(), nullptr, L"#32770", nullptr));
+    EXPECT_EQ(bar.top, placeOf(output()).bottom);
+    EXPECT_GT(bar.bottom, bar.top);
+    EXPECT_EQ(bar.bottom, placeOf(commandLine()).top);
+    stage->play("ShowCommandLine = false");
+    EXPECT_EQ(placeOf(FindWindowExW(window(), nullptr, L"#32770", nullptr)).bottom, 1200);
 }
 
 TEST_F(TerminalTest, ChangesOfTheFontReachItsParts) {
-    const auto height = [](HWND window) {
+    const auto height = [](HWND control) {
         LOGFONTW font{};
-        GetObjectW(reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0)), sizeof font,
+        GetObjectW(reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)), sizeof font,
                    &font);
         return font.lfHeight;
     };
-    activate();
     com::ComPtr<IFontDisp> font;
-    terminal->get_Font(&font);
+    as()->get_Font(&font);
     com::ComPtr<IFont> details;
     font.As(&details);
     CY size{};
@@ -89,355 +213,94 @@ TEST_F(TerminalTest, ChangesOfTheFontReachItsParts) {
     EXPECT_EQ(height(commandLine()), height(output()));
     // A copy is not watched, one by reference is.
     size.int64 = 120000;
-    EXPECT_EQ(terminal->put_Font(font.Get()), S_OK);
+    EXPECT_EQ(as()->put_Font(font.Get()), S_OK);
     details->put_Size(size);
     EXPECT_LT(height(output()), -25);
-    EXPECT_EQ(terminal->putref_Font(font.Get()), S_OK);
+    EXPECT_EQ(as()->putref_Font(font.Get()), S_OK);
     EXPECT_GT(height(output()), -25);
-    close();
+    stage->play("container drop");
     EXPECT_EQ(details->put_Size(size), S_OK);
 }
 
-// How the keys come: straight from the queue, through a dialog's loop, through the frame of a
-// container that looks for accelerators first.
-enum class Loop { Plain, Dialog, Accelerating };
-
-class KeyTest : public TerminalTest {
-protected:
-    void SetUp() override {
-        terminal->put_Communicator(link.communicator());
-        terminal->put_Timer(VARIANT_FALSE);
-        activate(OLEIVERB_UIACTIVATE);
-        link.calls.clear();
-    }
-
-    HWND edit() const { return GetWindow(commandLine(), GW_CHILD); }
-
-    void press(Loop loop, UINT message, WPARAM key) {
-        const HWND focus = GetFocus();
-        PostMessageW(focus, message, key, 0);
-        if (message == WM_KEYDOWN && key == VK_RETURN) PostMessageW(focus, WM_CHAR, L'\r', 0);
-        MSG now;
-        while (PeekMessageW(&now, nullptr, 0, 0, PM_REMOVE)) {
-            const bool isKey = now.message >= WM_KEYFIRST && now.message <= WM_KEYLAST;
-            if (loop == Loop::Dialog && IsDialogMessageW(container.window(), &now)) continue;
-            if (loop == Loop::Accelerating && isKey && container.activeObject() &&
-                container.activeObject()->TranslateAccelerator(&now) == S_OK) {
-                continue;
-            }
-            DispatchMessageW(&now);
-        }
-    }
-    void send(const wchar_t* text) {
-        SetWindowTextW(commandLine(), text);
-        EXPECT_EQ(terminal->Send(), S_OK);
-    }
-};
-
-TEST_F(KeyTest, WorkInEveryLoop) {
-    send(L"start");
-    send(L"getall");
-    send(L"stop");
-    for (const Loop loop : {Loop::Plain, Loop::Dialog, Loop::Accelerating}) {
-        SCOPED_TRACE(static_cast<int>(loop));
-        ASSERT_EQ(GetFocus(), edit());
-        const struct {
-            const wchar_t* typed;
-            WPARAM key;
-            const wchar_t* shown;
-        } steps[] = {{L"", VK_DOWN, L"stop"},        {L"", VK_UP, L"stop"},
-                     {L"stop", VK_UP, L"getall"},    {L"getall", VK_UP, L"start"},
-                     {L"start", VK_UP, L"stop"},     {L"stop", VK_DOWN, L"start"},
-                     {L"start", VK_DOWN, L"getall"}, {L"s", VK_UP, L"stop"},
-                     {L"ST", VK_DOWN, L"stop"},      {L"sta", VK_DOWN, L"start"},
-                     {L"other", VK_UP, L"stop"}};
-        for (const auto& step : steps) {
-            SetWindowTextW(commandLine(), step.typed);
-            press(loop, WM_KEYDOWN, step.key);
-            EXPECT_EQ(textOf(commandLine()), step.shown) << com::narrow(step.typed);
-            EXPECT_EQ(SendMessageW(commandLine(), CB_GETEDITSEL, 0, 0),
-                      MAKELONG(wcslen(step.shown), wcslen(step.shown)));
-        }
-        for (const UINT message : {WM_KEYDOWN, WM_SYSKEYDOWN}) {
-            link.calls.clear();
-            SetWindowTextW(commandLine(), L"start");
-            press(loop, message, VK_RETURN);
-            EXPECT_EQ(link.takeWork(), "Link.SendCommand \"start\" 0\n");
-            EXPECT_EQ(textOf(commandLine()), L"");
-        }
-        // Back into the order of the table above.
-        send(L"getall");
-        send(L"stop");
-        EXPECT_EQ(SendMessageW(commandLine(), CB_GETCOUNT, 0, 0), 3);
-    }
-}
-
-TEST_F(KeyTest, DoNothingWhileTheCommandLineIsHidden) {
-    send(L"start");
-    SetWindowTextW(commandLine(), L"typed");
-    terminal->put_ShowCommandLine(VARIANT_FALSE);
-    EXPECT_EQ(GetFocus(), hwnd());
-    link.calls.clear();
-    for (const HWND window : {hwnd(), edit()})
-        for (const WPARAM key : {VK_RETURN, VK_UP, VK_DOWN})
-            SendMessageW(window, WM_KEYDOWN, key, 0);
-    EXPECT_EQ(textOf(commandLine()), L"typed");
-    EXPECT_EQ(link.takeWork(), "");
-    SetFocus(output());
-    EXPECT_EQ(GetFocus(), hwnd());
-}
-
-TEST_F(KeyTest, TabAndUnknownKeysAreTheContainers) {
-    container.takeCalls();
-    press(Loop::Accelerating, WM_KEYDOWN, VK_TAB);
-    press(Loop::Accelerating, WM_KEYDOWN, VK_F7);
-    EXPECT_EQ(container.takeCalls(), "TranslateAccelerator, TranslateAccelerator");
-    container.ambients.emplace(DISPID_AMBIENT_UIDEAD, com::Variant(true));
-    press(Loop::Accelerating, WM_KEYDOWN, VK_RETURN);
-    EXPECT_EQ(link.takeWork(), "");
-}
-
-TEST_F(KeyTest, FocusNeverStaysOnTheOutput) {
-    container.takeCalls();
-    SetFocus(output());
-    EXPECT_EQ(GetFocus(), edit());
-    SetFocus(container.window());
-    EXPECT_EQ(container.takeCalls(), "OnFocus lost");
-    SetFocus(hwnd());
-    EXPECT_EQ(GetFocus(), edit());
-    EXPECT_EQ(container.takeCalls(), "OnFocus");
-}
-
-TEST_F(KeyTest, WhatCannotBeSentStays) {
-    SetWindowTextW(commandLine(), L"start");
-    link.answers["Link.SendCommand"] = {false};
-    EXPECT_EQ(terminal->Send(), E_FAIL);
-    EXPECT_EQ(takeError()->description, L"The command could not be sent to the instrument");
-    EXPECT_EQ(textOf(commandLine()), L"start");
-    // By the key the reason is shown.
-    link.failMethod(L"SendCommand");
-    press(Loop::Plain, WM_KEYDOWN, VK_RETURN);
-    EXPECT_NE(textOf(output()).find(L"SendCommand(\"start\", false, 0)\r\n"), std::wstring::npos);
-    EXPECT_EQ(textOf(commandLine()), L"start");
-    EXPECT_EQ(SendMessageW(commandLine(), CB_GETCOUNT, 0, 0), 0);
-    // What is typed meanwhile stays too; a second one waits its turn.
-    HRESULT nested = S_OK;
-    link.onCall = [&](const std::string&) {
-        nested = terminal->Send();
-        SetWindowTextW(commandLine(), L"next");
+TEST_F(TerminalTest, ShowsWhatItHasCollectedByItself) {
+    const HDC device = GetDC(output());
+    const auto isPainted = [&] {
+        for (int x = 0; x < 40; ++x)
+            for (int y = 0; y < 20; ++y)
+                if (GetPixel(device, x, y) != 0) return true;
+        return false;
     };
-    EXPECT_EQ(terminal->Send(), S_OK);
-    EXPECT_EQ(nested, HRESULT_FROM_WIN32(ERROR_BUSY));
-    EXPECT_EQ(textOf(commandLine()), L"next");
-    link.onCall = nullptr;
-    terminal->put_Communicator(nullptr);
-    EXPECT_EQ(terminal->Send(), E_UNEXPECTED);
+    runMessagesUntil([&] { return !isPainted(); });
+    stage->play("container feed soon");
+    runMessagesUntil(isPainted);
+    ReleaseDC(output(), device);
 }
 
-TEST_F(KeyTest, AControlMayGoWhileItSends) {
-    for (const bool isLast : {false, true}) {
-        SetWindowTextW(commandLine(), L"start");
-        link.onCall = [&](const std::string& call) {
-            if (call.find("SendCommand") == std::string::npos) return;
-            if (!isLast) as<IOleInPlaceObject>()->InPlaceDeactivate();
-            if (isLast) close();
-        };
-        press(Loop::Plain, WM_KEYDOWN, VK_RETURN);
-        link.onCall = nullptr;
-        if (!isLast) activate(OLEIVERB_UIACTIVATE);
-    }
-    EXPECT_EQ(GetWindow(container.window(), GW_CHILD), nullptr);
+// The bar tells without making the pane show the rest.
+TEST_F(TerminalTest, ShowsMuchInParts) {
+    std::string text;
+    for (int i = 0; i < 1000; ++i)
+        text += std::string(58, 'x') + "\r\n";
+    stage->play("container feed " + text);
+    std::set<int> heights;
+    runMessagesUntil([&] {
+        int least = 0, most = 0;
+        GetScrollRange(output(), SB_VERT, &least, &most);
+        heights.insert(most);
+        return most >= 1000;
+    });
+    EXPECT_GT(heights.size(), 2u);
+    EXPECT_EQ(ask(WM_GETTEXTLENGTH), 60000);
 }
 
-class PollTest : public TerminalTest {
-protected:
-    void SetUp() override {
-        link.received = "";
-        terminal->put_Communicator(link.communicator());
-        activate();
-        link.calls.clear();
-    }
-    long pane() const { return HandleToLong(output()); }
-    std::string workOfTick() {
-        tick();
-        std::string work;
-        for (const std::string& call : std::exchange(link.calls, {}))
-            work += (work.empty() ? "" : ", ") + call;
-        return work;
-    }
-};
-
-TEST_F(PollTest, ClaimsTheStreamAndGivesItBack) {
-    EXPECT_EQ(link.shownIn(), pane());
-    FakeLink other;
-    EXPECT_EQ(terminal->put_Communicator(other.communicator()), S_OK);
-    EXPECT_EQ(link.shownIn(), 0);
-    EXPECT_EQ(other.shownIn(), pane());
-    // Somebody else has it now: it is not taken from him.
-    other.echoWindow = 77;
-    EXPECT_EQ(terminal->put_Communicator(nullptr), S_OK);
-    EXPECT_EQ(other.echoWindow, 77);
-    // A service works on the stream: the same communicator again changes nothing.
-    terminal->put_Communicator(link.communicator());
-    link.echoWindow = 0;
-    terminal->put_Communicator(link.communicator());
-    tick();
-    EXPECT_EQ(link.shownIn(), 0);
-    // A window that opens later claims, too; one that goes gives back.
-    as<IOleInPlaceObject>()->InPlaceDeactivate();
-    verb(OLEIVERB_INPLACEACTIVATE);
-    EXPECT_EQ(link.shownIn(), pane());
-    as<IOleInPlaceObject>()->InPlaceDeactivate();
-    EXPECT_EQ(link.shownIn(), 0);
+TEST_F(TerminalTest, CanBeSelectedWithTheMouseWhileTextArrives) {
+    stage->play("container activate ui");
+    stage->play("container feeds 0 29 line");
+    const auto start = ask(EM_LINEINDEX, static_cast<WPARAM>(ask(EM_GETFIRSTVISIBLELINE)) + 1);
+    const LPARAM from = ask(EM_POSFROMCHAR, static_cast<WPARAM>(start));
+    PostMessageW(output(), WM_LBUTTONDOWN, MK_LBUTTON, from);
+    com::runWaitingMessages();
+    EXPECT_EQ(GetFocus(), GetWindow(commandLine(), GW_CHILD));
+    EXPECT_EQ(GetCapture(), output());
+    const LPARAM to = MAKELPARAM(LOWORD(from) + 30, HIWORD(from));
+    PostMessageW(output(), WM_MOUSEMOVE, MK_LBUTTON, to);
+    com::runWaitingMessages();
+    stage->play("container feed and more");
+    PostMessageW(output(), WM_LBUTTONUP, 0, to);
+    com::runWaitingMessages();
+    const auto selection = static_cast<DWORD>(ask(EM_GETSEL));
+    EXPECT_LT(LOWORD(selection), HIWORD(selection));
+    EXPECT_NE(GetWindowLongW(output(), GWL_STYLE) & ES_NOHIDESEL, 0);
 }
 
-TEST_F(PollTest, EmptiesTheStreamInOrder) {
-    EXPECT_EQ(workOfTick(), "EchoWindow");
-    link.received = "waiting";
-    link.tellsFetches = true;
-    EXPECT_EQ(workOfTick(),
-              "Link.Port, EchoWindow, BytesInReadBuffer, Link.Preprocessor, ClearReadBuffer");
-    link.tellsFetches = false;
-    EXPECT_EQ(link.received, "");
-    link.received = "waiting";
-    link.echoWindow = 0;
-    EXPECT_EQ(workOfTick(), "EchoWindow");
-    link.echoWindow = 77;
-    terminal->put_Timer(VARIANT_FALSE);
-    EXPECT_EQ(workOfTick(), "");
-    terminal->put_Timer(VARIANT_TRUE);
-    link.hasPort = false;
-    EXPECT_EQ(workOfTick(), "EchoWindow");
-    EXPECT_EQ(workOfTick(), "");
-    link.hasPort = true;
-    EXPECT_EQ(workOfTick(),
-              "EchoWindow = " + std::to_string(pane()) + ", EchoWindow, ClearReadBuffer");
-    // A form in design shows no instrument.
-    link.received = "waiting";
-    container.ambients.emplace(DISPID_AMBIENT_USERMODE, com::Variant(false));
-    as<IOleControl>()->OnAmbientPropertyChange(DISPID_AMBIENT_USERMODE);
-    link.calls.clear();
-    EXPECT_EQ(workOfTick(), "");
-    EXPECT_EQ(link.shownIn(), 0);
-}
-
-TEST_F(PollTest, LeavesTheStreamToAScript) {
-    const auto preprocessor = kelUtils().create<IPreprocessorControl>(CLSID_Preprocessor);
-    preprocessor->put_Communicator(link.communicator());
-    link.preprocessor = preprocessor.Get();
-    link.received = "OK";
-    std::string inside;
-    link.onCall = [&](const std::string& call) {
-        if (!inside.empty() || call.find("WriteString") == std::string::npos) return;
-        link.received = "answer";
-        link.calls.clear();
-        inside = workOfTick();
-    };
-    VARIANT_BOOL ran = VARIANT_FALSE;
-    EXPECT_EQ(preprocessor->PreprocessAndRun(com::Bstr(L"start").get(), &ran), S_OK);
-    EXPECT_EQ(inside, "EchoWindow");
-    link.calls.clear();
-    link.received = "later";
-    EXPECT_EQ(workOfTick(), "EchoWindow, ClearReadBuffer");
-    preprocessor->put_Communicator(nullptr);
-    link.preprocessor = nullptr;
-}
-
-TEST_F(PollTest, TellsOnceOfAStreamThatFails) {
-    link.received = "waiting";
-    for (const wchar_t* failing : {L"get_EchoWindow", L"ClearReadBuffer"}) {
-        SCOPED_TRACE(com::narrow(std::wstring_view(failing)));
-        terminal->Clear();
-        link.failMethod(failing);
-        tick();
-        tick();
-        const std::wstring text = textOf(output());
-        EXPECT_EQ(text.find(L"Call "), 0u);
-        EXPECT_EQ(text.find(std::wstring(failing) + L"()\r\n") + 4 + wcslen(failing), text.size());
-        link.calls.clear();
-        EXPECT_EQ(workOfTick(), "");
-        // Another port is another matter.
-        link.hasPort = false;
-        tick();
-        link.hasPort = true;
-        link.calls.clear();
-        EXPECT_NE(workOfTick(), "");
-        link.received = "waiting";
-    }
-}
-
-TEST_F(PollTest, IsNotReentered) {
-    link.received = "waiting";
-    FakeLink otherLink;
-    Container otherContainer;
-    int depth = 0;
-    int deepest = 0;
-    link.onCall = [&](const std::string&) {
-        deepest = std::max(deepest, ++depth);
-        tick();
-        MSG message;
-        PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
-        --depth;
-    };
-    tick();
-    EXPECT_EQ(deepest, 1);
-    link.onCall = nullptr;
-    link.received = "waiting";
-    link.calls.clear();
-    EXPECT_EQ(workOfTick(), "EchoWindow, ClearReadBuffer");
-}
-
-TEST_F(PollTest, AControlMayGoInItsOwnTick) {
-    for (const char* where : {"EchoWindow", "ClearReadBuffer"}) {
-        for (const bool isLast : {false, true}) {
-            SCOPED_TRACE(where);
-            if (!terminal) terminal = kelUtils().create<IKelTerminal3>(CLSID_KelTerminal);
-            terminal->put_Communicator(link.communicator());
-            activate();
-            link.received = "waiting";
-            const HWND window = hwnd();
-            bool isGone = false;
-            link.onCall = [&](const std::string& call) {
-                if (call != where || std::exchange(isGone, true)) return;
-                if (!isLast) as<IOleInPlaceObject>()->InPlaceDeactivate();
-                if (isLast) close();
-            };
-            tick();
-            EXPECT_FALSE(IsWindow(window));
-            link.onCall = nullptr;
-        }
-    }
-}
-
-TEST_F(PollTest, AWindowThatGoesWhileItClaimsIsForgotten) {
-    as<IOleInPlaceObject>()->InPlaceDeactivate();
-    link.onCall = [&](const std::string& call) {
-        if (call.starts_with("EchoWindow = ")) as<IOleInPlaceObject>()->InPlaceDeactivate();
-    };
-    verb(OLEIVERB_INPLACEACTIVATE);
-    link.onCall = nullptr;
-    EXPECT_EQ(link.shownIn(), 0);
-}
-
-TEST_F(PollTest, TwoTerminalsShareAStream) {
+// The first one goes on reading, lets no other read inside, and takes nothing back that is not its
+// own.
+TEST_F(TerminalTest, TwoShareAStream) {
     Container second;
-    auto other = kelUtils().create<IKelTerminal3>(CLSID_KelTerminal);
-    const auto control = to<IOleObject>(other.Get());
+    const auto other = kelUtils().create<IKelTerminal3>(CLSID_KelTerminal);
+    com::ComPtr<IOleObject> control;
+    ASSERT_EQ(other.As(&control), S_OK);
     control->SetClientSite(second.site());
     control->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, second.site(), 0, second.window(), nullptr);
-    other->put_Communicator(link.communicator());
+    other->put_Communicator(stage->link.communicator());
     long pane = 0;
     other->get_OutputWindow(&pane);
-    EXPECT_EQ(link.shownIn(), pane);
-    // The first one goes on reading, and takes nothing back that is not its own.
-    link.received = "waiting";
-    link.calls.clear();
-    EXPECT_EQ(workOfTick(), "EchoWindow, ClearReadBuffer");
-    close();
-    EXPECT_EQ(link.shownIn(), pane);
+    EXPECT_EQ(stage->link.shownIn(), pane);
+    stage->play("container received waiting");
+    stage->transcript.forget();
+    const auto tell = stage->link.onCall;
+    stage->link.onCall = [&](const std::string& call) {
+        tell(call);
+        SendMessageW(GetParent(static_cast<HWND>(LongToHandle(pane))), WM_TIMER, 1, 0);
+    };
+    stage->play("container tick");
+    stage->link.onCall = tell;
+    EXPECT_EQ(stage->transcript.step(0), "EchoWindow\nClearReadBuffer\n");
+    stage->play("container drop");
+    EXPECT_EQ(stage->link.shownIn(), pane);
     control->Close(OLECLOSE_NOSAVE);
     control->SetClientSite(nullptr);
-    EXPECT_EQ(link.shownIn(), 0);
+    EXPECT_EQ(stage->link.shownIn(), 0);
 }
 
 }  // namespace

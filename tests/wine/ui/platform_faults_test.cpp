@@ -22,94 +22,52 @@ bool failsNow() {
     return callsThatGoWell-- == 0;
 }
 
+// A function of the platform, and what it gives when it fails.
+template <auto function, auto failure>
+struct Failing;
+template <class Result, class... Arguments, Result(WINAPI* function)(Arguments...), auto failure>
+struct Failing<function, failure> {
+    static Result WINAPI call(Arguments... arguments) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return failsNow() ? static_cast<Result>(failure) : function(arguments...);
+    }
+};
+
 void* allocate(std::size_t size) {
     return failsNow() ? nullptr : std::malloc(size);
-}
-BSTR WINAPI allocateText(const OLECHAR* text, UINT size) {
-    return failsNow() ? nullptr : SysAllocStringLen(text, size);
-}
-LSTATUS WINAPI createKey(HKEY key, LPCSTR name, DWORD reserved, LPSTR kind, DWORD options,
-                         REGSAM access, SECURITY_ATTRIBUTES* security, HKEY* result,
-                         DWORD* disposition) {
-    if (failsNow()) return ERROR_ACCESS_DENIED;
-    return RegCreateKeyExA(key, name, reserved, kind, options, access, security, result,
-                           disposition);
-}
-LSTATUS WINAPI queryValue(HKEY key, LPCSTR name, DWORD* reserved, DWORD* type, BYTE* data,
-                          DWORD* size) {
-    if (failsNow()) return ERROR_ACCESS_DENIED;
-    return RegQueryValueExA(key, name, reserved, type, data, size);
-}
-LSTATUS WINAPI setValue(HKEY key, LPCSTR name, DWORD reserved, DWORD type, const BYTE* data,
-                        DWORD size) {
-    if (failsNow()) return ERROR_ACCESS_DENIED;
-    return RegSetValueExA(key, name, reserved, type, data, size);
 }
 HRESULT WINAPI createInstance(REFCLSID identifier, IUnknown* outer, DWORD context, REFIID iid,
                               void** result) {
     *result = nullptr;
-    if (failsNow()) return REGDB_E_CLASSNOTREG;
-    return CoCreateInstance(identifier, outer, context, iid, result);
-}
-HRESULT WINAPI createErrorInfo(ICreateErrorInfo** result) {
-    return failsNow() ? E_OUTOFMEMORY : CreateErrorInfo(result);
-}
-INT_PTR WINAPI runDialog(HINSTANCE instance, LPCDLGTEMPLATEW description, HWND owner,
-                         DLGPROC procedure, LPARAM value) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    if (failsNow()) return -1;
-    return DialogBoxIndirectParamW(instance, description, owner, procedure, value);
-}
-INT_PTR WINAPI runDialogWithControls(HINSTANCE instance, LPCSTR name, HWND owner, DLGPROC procedure,
-                                     LPARAM value) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    if (failsNow()) return -1;
-    return AtlAxDialogBoxA(instance, name, owner, procedure, value);
-}
-HWND WINAPI createDialog(HINSTANCE instance, LPCDLGTEMPLATEW description, HWND owner,
-                         DLGPROC procedure, LPARAM value) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    if (failsNow()) return nullptr;
-    return CreateDialogIndirectParamW(instance, description, owner, procedure, value);
-}
-HWND WINAPI createPart(HINSTANCE instance, LPCWSTR name, HWND owner, DLGPROC procedure,
-                       LPARAM value) {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-    if (failsNow()) return nullptr;
-    return CreateDialogParamW(instance, name, owner, procedure, value);
-}
-UINT_PTR WINAPI setTimer(HWND window, UINT_PTR identifier, UINT interval, TIMERPROC procedure) {
-    return failsNow() ? 0 : SetTimer(window, identifier, interval, procedure);
-}
-BOOL WINAPI subclass(HWND window, SUBCLASSPROC procedure, UINT_PTR identifier, DWORD_PTR value) {
-    return failsNow() ? FALSE : SetWindowSubclass(window, procedure, identifier, value);
-}
-HFONT WINAPI createFont(const LOGFONTW* description) {
-    return failsNow() ? nullptr : CreateFontIndirectW(description);
-}
-HDC WINAPI createContext(HDC like) {
-    return failsNow() ? nullptr : CreateCompatibleDC(like);
+    return failsNow() ? REGDB_E_CLASSNOTREG
+                      : CoCreateInstance(identifier, outer, context, iid, result);
 }
 
-const struct {
+struct Fault {
     const char* function;
     void* replacement;
-} kFaults[] = {
+};
+#define KEL_FAULT(function, failure)                                             \
+    Fault {                                                                      \
+#function, reinterpret_cast < void*>(Failing <&function, failure>::call) \
+    }
+
+const Fault kFaults[] = {
     {"malloc", reinterpret_cast<void*>(allocate)},
-    {"SysAllocStringLen", reinterpret_cast<void*>(allocateText)},
-    {"RegCreateKeyExA", reinterpret_cast<void*>(createKey)},
-    {"RegQueryValueExA", reinterpret_cast<void*>(queryValue)},
-    {"RegSetValueExA", reinterpret_cast<void*>(setValue)},
     {"CoCreateInstance", reinterpret_cast<void*>(createInstance)},
-    {"CreateErrorInfo", reinterpret_cast<void*>(createErrorInfo)},
-    {"DialogBoxIndirectParamW", reinterpret_cast<void*>(runDialog)},
-    {"AtlAxDialogBoxA", reinterpret_cast<void*>(runDialogWithControls)},
-    {"CreateDialogIndirectParamW", reinterpret_cast<void*>(createDialog)},
-    {"CreateDialogParamW", reinterpret_cast<void*>(createPart)},
-    {"SetTimer", reinterpret_cast<void*>(setTimer)},
-    {"SetWindowSubclass", reinterpret_cast<void*>(subclass)},
-    {"CreateFontIndirectW", reinterpret_cast<void*>(createFont)},
-    {"CreateCompatibleDC", reinterpret_cast<void*>(createContext)},
+    KEL_FAULT(SysAllocStringLen, nullptr),
+    KEL_FAULT(RegCreateKeyExA, ERROR_ACCESS_DENIED),
+    KEL_FAULT(RegQueryValueExA, ERROR_ACCESS_DENIED),
+    KEL_FAULT(RegSetValueExA, ERROR_ACCESS_DENIED),
+    KEL_FAULT(CreateErrorInfo, E_OUTOFMEMORY),
+    KEL_FAULT(DialogBoxIndirectParamW, -1),
+    KEL_FAULT(AtlAxDialogBoxA, -1),
+    KEL_FAULT(CreateDialogIndirectParamW, nullptr),
+    KEL_FAULT(CreateDialogParamW, nullptr),
+    KEL_FAULT(SetTimer, 0),
+    KEL_FAULT(SetWindowSubclass, FALSE),
+    KEL_FAULT(CreateFontIndirectW, nullptr),
+    KEL_FAULT(CreateCompatibleDC, nullptr),
 };
 
 // Every call where somebody has the time, else ever fewer of the later ones.

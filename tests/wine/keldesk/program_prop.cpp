@@ -1,0 +1,112 @@
+#include "tests/wine/keldesk/program_prop.h"
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <stdexcept>
+
+#include "com/handles.h"
+#include "com/text.h"
+#include "tests/support/cases.h"
+#include "tests/support/project_file.h"
+
+namespace kel::test {
+namespace {
+
+constexpr DWORD kProgramTime = 20000;
+
+std::wstring clipboardText() {
+    if (!OpenClipboard(nullptr)) return {};
+    const HANDLE data = GetClipboardData(CF_UNICODETEXT);
+    const auto* text = data ? static_cast<const wchar_t*>(GlobalLock(data)) : nullptr;
+    const std::wstring copied = text ? text : L"";
+    if (text) GlobalUnlock(data);
+    CloseClipboard();
+    return copied;
+}
+
+class ProgramProp final : public Prop {
+public:
+    explicit ProgramProp(Stage& stage) : stage_(stage) {}
+    ~ProgramProp() override {
+        if (!process_) return;
+        TerminateProcess(process_.get(), 1);
+        WaitForSingleObject(process_.get(), kProgramTime);
+    }
+
+    void prepare(const std::string& line) override {
+        std::string rest = line;
+        const std::string word = takeWord(rest);
+        const std::wstring text = widened(rest);
+        if (word == "start") {
+            start(text);
+        } else if (word == "status") {
+            waitUntil(line, [&] { return status().starts_with(text); });
+        } else if (word == "copied") {
+            waitUntil(line, [&] { return clipboardText().find(text) != std::wstring::npos; });
+        } else if (word == "runs") {
+            if (WaitForSingleObject(process_.get(), 0) != WAIT_TIMEOUT)
+                throw std::runtime_error("it has ended");
+        } else if (word == "ends") {
+            DWORD code = STILL_ACTIVE;
+            waitUntil(line,
+                      [&] { return WaitForSingleObject(process_.get(), 0) == WAIT_OBJECT_0; });
+            GetExitCodeProcess(process_.get(), &code);
+            stage_.transcript.tell("ended with " + std::to_string(code));
+        } else {
+            throw std::invalid_argument("not understood: " + line);
+        }
+    }
+
+private:
+    void start(const std::wstring& arguments) {
+        std::wstring line =
+            L"\"" + projectFile("hosts/keldesk/keldesk.exe").wstring() + L"\" " + arguments;
+        STARTUPINFOW startup{};
+        startup.cb = sizeof startup;
+        PROCESS_INFORMATION started{};
+        com::check(CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                                  nullptr, &startup, &started)
+                       ? S_OK
+                       : HRESULT_FROM_WIN32(GetLastError()));
+        CloseHandle(started.hThread);
+        process_ = com::FileHandle(started.hProcess);
+        stage_.programThread = started.dwThreadId;
+    }
+
+    static void waitUntil(const std::string& what, const std::function<bool()>& holds) {
+        for (const DWORD begin = GetTickCount(); !holds(); Sleep(10))
+            if (GetTickCount() - begin > kProgramTime)
+                throw std::runtime_error("waited in vain: " + what);
+    }
+
+    static BOOL CALLBACK findBar(HWND window, LPARAM place) {
+        HWND& bar = *reinterpret_cast<HWND*>(place);
+        bar = FindWindowExW(window, nullptr, STATUSCLASSNAMEW, nullptr);
+        return !bar;
+    }
+    // The bar writes it into the memory of its own process.
+    std::wstring status() const {
+        HWND bar = nullptr;
+        EnumThreadWindows(stage_.programThread, findBar, reinterpret_cast<LPARAM>(&bar));
+        wchar_t text[128] = L"";
+        void* const there =
+            VirtualAllocEx(process_.get(), nullptr, sizeof text, MEM_COMMIT, PAGE_READWRITE);
+        SendMessageW(bar, SB_GETTEXTW, 1, reinterpret_cast<LPARAM>(there));
+        ReadProcessMemory(process_.get(), there, text, sizeof text - sizeof *text, nullptr);
+        VirtualFreeEx(process_.get(), there, 0, MEM_RELEASE);
+        return text;
+    }
+
+    Stage& stage_;
+    com::FileHandle process_;
+};
+
+}  // namespace
+
+std::unique_ptr<Prop> makeProgramProp(Stage& stage) {
+    return std::make_unique<ProgramProp>(stage);
+}
+
+}  // namespace kel::test
