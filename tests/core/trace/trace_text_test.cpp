@@ -39,7 +39,9 @@ TEST(TraceText, EventsComeBack) {
     for (const auto& line :
          {started, ended, toLine({3, CallbackStarted{"link1", u"#WAIT\r\n"}}),
           toLine({4, CallbackEnded{1}}), toLine({5, EventFired{"uploader1", 2, -1, {u"a"}, true}}),
-          toLine({6, EventAnswered{0x80004001, {true}}})}) {
+          toLine({6, EventAnswered{0x80004001, {true}}}),
+          toLine({7, FilePiece{"recorder1", u"A.DAT", 9, 2, std::string("\0\xFF", 2)}, 2}),
+          toLine({8, FilePiece{"recorder1", u"B.DAT", 5000000000, 0, "", "c0ffee"}})}) {
         EXPECT_EQ(toLine(fromLine(line)), line);
     }
     EXPECT_NE(ended.find("\"t\":2.123,"), ended.npos);

@@ -148,7 +148,7 @@ TEST_F(TransparencyTest, IdentitiesAreKept) {
     EXPECT_EQ(session->Attach(inner.Get(), &again), S_OK);
     EXPECT_EQ(link, again);
     EXPECT_EQ(asks<IBinaryCommunicator>(link.Get()), S_OK) << "passed on";
-    EXPECT_EQ(asks<IRecorderAccess>(link.Get()), S_OK) << "likewise";
+    EXPECT_EQ(asks<IRecorderAccess>(link.Get()), S_OK);
     EXPECT_EQ(asks<IKelStream>(link.Get()), E_NOINTERFACE);
 
     ComPtr<IKelStream> port, innerPort;
