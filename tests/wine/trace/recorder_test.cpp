@@ -130,7 +130,8 @@ TEST_F(RecordedBenchTest, DownloadsAreReplayedWithoutTheInstrument) {
 class RecordedDoubleTest : public TraceTest, public testing::WithParamInterface<bool> {
 protected:
     RecordedDoubleTest() {
-        double_->files = {{L"A.DAT", 5, 2.5}, {L"B.DAT", 6, 3}};
+        double_->files = {{1, 5, 2000, 1, 1, 0, 0, 0, "A.DAT"},
+                          {2, 6, 2000, 1, 1, 0, 0, 0, "B.DAT"}};
         fake_.access = double_->controlling();
         session = fake_.session();
     }
