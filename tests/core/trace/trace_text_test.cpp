@@ -36,11 +36,15 @@ TEST(TraceText, EventsComeBack) {
               "\"compared\":false,\"file\":\"deploy.kel\",\"line\":7}");
     const CallEnded end{12, 0x80004005, {1, true}, PublishedError{u"gone", u"Link", "{1}"}, 5};
     const std::string ended = toLine({2.1234567, end});
+    const std::string piece =
+        toLine({7, FilePiece{"recorder1", u"A.DAT", 9, 2, std::string("\0\xFF", 2)}, 2});
+    EXPECT_EQ(piece,
+              "{\"t\":7.0,\"leaves\":\"A.DAT\",\"object\":\"recorder1\",\"size\":9,\"offset\":2,"
+              "\"bytes\":\"00ff\",\"lane\":2}");
     for (const auto& line :
          {started, ended, toLine({3, CallbackStarted{"link1", u"#WAIT\r\n"}}),
           toLine({4, CallbackEnded{1}}), toLine({5, EventFired{"uploader1", 2, -1, {u"a"}, true}}),
-          toLine({6, EventAnswered{0x80004001, {true}}}),
-          toLine({7, FilePiece{"recorder1", u"A.DAT", 9, 2, std::string("\0\xFF", 2)}, 2}),
+          toLine({6, EventAnswered{0x80004001, {true}}}), piece,
           toLine({8, FilePiece{"recorder1", u"B.DAT", 5000000000, 0, "", "c0ffee"}})}) {
         EXPECT_EQ(toLine(fromLine(line)), line);
     }
