@@ -219,16 +219,20 @@ TEST_P(RecordedDoubleTest, FilesAreThereWhenTheyWere) {
     EXPECT_EQ(run(), recorded);
     EXPECT_EQ(callsLeft(), 0);
 
-    // A recording that somebody has changed reaches no other folder.
+    // A recording that somebody has changed reaches no other folder, and no device.
     letGo();
-    std::string text = recording();
-    for (std::size_t at = 0; (at = text.find("\"leaves\":\"B.DAT", at)) != text.npos; at += 9)
-        text.insert(at + 10, "..\\\\");
-    std::ofstream(com::narrow(file), std::ios::binary) << text;
-    replay();
-    EXPECT_EQ(download(), KELTRACE_E_DIFFERENCE);
-    EXPECT_NE(difference().find(L"it is no file of that folder"), std::wstring::npos)
-        << com::narrow(difference());
+    const std::string original = recording();
+    for (const std::string name : {"..\\\\B.DAT", "NUL"}) {
+        std::string text = original;
+        const std::string from = "\"leaves\":\"B.DAT", to = "\"leaves\":\"" + name;
+        for (std::size_t at = 0; (at = text.find(from, at)) != text.npos; at += to.size())
+            text.replace(at, from.size(), to);
+        std::ofstream(com::narrow(file), std::ios::binary) << text;
+        replay();
+        EXPECT_EQ(download(), KELTRACE_E_DIFFERENCE) << name;
+        EXPECT_NE(difference().find(L"it is no file of that folder"), std::wstring::npos)
+            << com::narrow(difference());
+    }
 }
 
 TEST_P(RecordedDoubleTest, WhatIsTooLargeIsADifference) {
