@@ -7,45 +7,35 @@
 #include "com/error.h"
 #include "com/text.h"
 #include "com/variant.h"
+#include "hosts/trace/model/hexadecimal.h"
 #include "hosts/trace/traced_object.h"
 
 namespace kel::trace {
 namespace {
 
 constexpr VARTYPE kByteArray = VT_ARRAY | VT_UI1;
-constexpr char16_t kDigits[] = u"0123456789abcdef";
-
 std::u16string hexadecimal(SAFEARRAY* array) {
     LONG first = 0;
     LONG last = -1;
     com::check(SafeArrayGetLBound(array, 1, &first));
     com::check(SafeArrayGetUBound(array, 1, &last));
-    std::u16string text;
+    std::string bytes;
     for (LONG i = first; i <= last; ++i) {
         BYTE byte = 0;
         com::check(SafeArrayGetElement(array, &i, &byte));
-        text += kDigits[byte >> 4];
-        text += kDigits[byte & 0xF];
+        bytes += static_cast<char>(byte);
     }
-    return text;
+    return toHexadecimal(bytes);
 }
 
 void putBytes(const std::u16string& text, VARIANT& value) {
+    const std::string bytes = fromHexadecimal(text);
     com::Variant array;
     VARIANT* place = array.put();
-    place->parray = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(text.size() / 2));
+    place->parray = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(bytes.size()));
     if (!place->parray) throw std::bad_alloc();
     place->vt = kByteArray;
-    const auto digit = [&](std::size_t index) {
-        const char16_t* found = std::char_traits<char16_t>::find(kDigits, 16, text[index]);
-        if (!found) throw std::invalid_argument("Bytes are not hexadecimal");
-        return static_cast<unsigned>(found - kDigits);
-    };
-    for (LONG i = 0; i < static_cast<LONG>(text.size() / 2); ++i) {
-        const auto at = static_cast<std::size_t>(i) * 2;
-        BYTE byte = static_cast<BYTE>(digit(at) << 4 | digit(at + 1));
-        com::check(SafeArrayPutElement(place->parray, &i, &byte));
-    }
+    std::memcpy(place->parray->pvData, bytes.data(), bytes.size());
     value = array.release();
 }
 
@@ -62,6 +52,10 @@ com::Variant plainVariant(const Json& json) {
 }  // namespace
 
 Json toJson(long number) {
+    return number;
+}
+
+Json toJson(LONGLONG number) {
     return number;
 }
 
@@ -136,6 +130,10 @@ com::Variant toVariant(const Json::Array& values) {
 
 void fromJson(const Json& json, long& number) {
     number = static_cast<long>(json.integer());
+}
+
+void fromJson(const Json& json, LONGLONG& number) {
+    number = json.integer();
 }
 
 void fromJson(const Json& json, double& number) {

@@ -27,6 +27,7 @@ inline std::wstring fromText(std::u16string_view text) {
 }
 
 Json toJson(long number);
+Json toJson(LONGLONG number);
 Json toJson(double number);
 Json toJson(unsigned char number);
 // True and false for the two values of automation, the number for others.
@@ -46,6 +47,7 @@ com::Variant toVariant(const Json::Array& values);
 // The way back, into a place that holds nothing. Throw std::invalid_argument or com::Error for what
 // toJson() does not give.
 void fromJson(const Json& json, long& number);
+void fromJson(const Json& json, LONGLONG& number);
 void fromJson(const Json& json, double& number);
 void fromJson(const Json& json, unsigned char& number);
 void fromJson(const Json& json, VARIANT_BOOL& truth);

@@ -14,7 +14,8 @@ public:
     static constexpr com::ClassDescription kClass{};
 
     WrappingFactory(std::shared_ptr<Session> session, const Kind& kind, IClassFactory* real)
-        : TracedObject(std::move(session), std::string(kind.name) + "Class", real),
+        : TracedObject(std::move(session), std::string(kind.name) + "Class", real,
+                       com::ObjectCore::inner()),
           kind_(kind),
           real_(real) {}
 
@@ -36,10 +37,8 @@ private:
     HRESULT create(com::ComPtr<IUnknown>& made) {
         Invocation call{
             *this, IID_IClassFactory, "IClassFactory", "CreateInstance", Treatment::kCompared, {}};
-        call.out = [&] { return Json::Array{toJson(made.Get())}; };
-        call.give = [&](const Json::Array& values) {
-            made = replayed(sharedSession(), values.at(0).utf8Text());
-        };
+        call.out = [&] { return told(made.Get()); };
+        call.give = [&](const Json::Array& values) { made = replayed(sharedSession(), values); };
         call.forward = [&] {
             com::ComPtr<IUnknown> inner;
             const HRESULT code = real_->CreateInstance(nullptr, IID_PPV_ARGS(&inner));

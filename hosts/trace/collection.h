@@ -7,9 +7,9 @@ namespace kel::trace {
 
 // Collections have nothing of the instrument: their calls are told and can fail on demand, but a
 // replay neither compares nor answers them.
-class CollectionWrapper final : public Traced<CollectionWrapper, ICollection> {
+class CollectionWrapper final : public MobileTraced<CollectionWrapper, ICollection> {
 public:
-    using Traced::Traced;
+    using MobileTraced::MobileTraced;
 
     STDMETHODIMP get_Count(long* count) override {
         return call<&ICollection::get_Count, Treatment::kLocal>("get_Count", count);

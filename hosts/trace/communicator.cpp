@@ -1,25 +1,19 @@
 #include "hosts/trace/communicator.h"
 
-#include <cstdio>
-
 #include "com/text.h"
 #include "hosts/trace/file.h"
 #include "hosts/trace/kinds.h"
+#include "hosts/trace/recorder_access.h"
 
 namespace kel::trace {
 namespace {
 
 // Tells a file's contents apart from others; null for a file that cannot be read.
-Json fingerprint(const std::wstring& path) {
+Json fingerprintOf(const std::wstring& path) {
     try {
-        const std::string bytes = File::open(path).readAll();
-        std::uint64_t hash = 0xCBF29CE484222325u;  // FNV-1a
-        for (const char byte : bytes)
-            hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001B3u;
-        char text[17];
-        std::snprintf(text, sizeof text, "%08lx%08lx", static_cast<unsigned long>(hash >> 32),
-                      static_cast<unsigned long>(hash & 0xFFFFFFFFu));
-        return std::string(text);
+        Fingerprint fingerprint;
+        fingerprint.add(File::open(path).readAll());
+        return fingerprint.text();
     } catch (const com::Error&) {
         return {};
     }
@@ -45,7 +39,7 @@ HRESULT Communicator::RunCommandFile(BSTR path, VARIANT_BOOL* result) {
             invocation<&IKelCommunicator::RunCommandFile>("RunCommandFile", path, result);
         made.in = [path] {
             const std::wstring file(com::view(path));
-            return Json::Array{toText(file), fingerprint(file)};
+            return Json::Array{toText(file), fingerprintOf(file)};
         };
         return made;
     });
@@ -146,6 +140,65 @@ HRESULT Communicator::forwardPreprocessor(IPreprocessor* preprocessor) {
     const HRESULT code = wrapped()->put_Preprocessor(relay.Get());
     if (SUCCEEDED(code)) std::swap(relay_, relay);
     return code;
+}
+
+HRESULT Communicator::findElsewhere(REFIID iid, void** result) {
+    if (iid == __uuidof(IRecorderAccess)) return giveRecorder(result);
+    const bool isOfRecorder = iid == IID_IConnectionPointContainer || Passage::isAskedFor(iid);
+    if (ownRecorder_ && isOfRecorder) return ownRecorder_->QueryInterface(iid, result);
+    return Traced::findElsewhere(iid, result);
+}
+
+HRESULT Communicator::giveRecorder(void** result) {
+    com::ComPtr<IUnknown> recorder;
+    const HRESULT code = guardedCall([&] {
+        Invocation made{*this,  IID_IUnknown, "IUnknown", "QueryInterface", Treatment::kState,
+                        nullptr};
+        made.in = [] { return Json::Array{kNameOf<IRecorderAccess>}; };
+        made.forward = [&] { return askForRecorder(recorder); };
+        made.out = [&] {
+            Json::Array values = told(recorder.Get());
+            values.resize(2);
+            values.push_back(ownRecorder_ && recorder == ownRecorder_);
+            return values;
+        };
+        made.give = [&](const Json::Array& values) {
+            if (values.at(2) == Json(true)) {
+                makeOwnRecorder(values[0].utf8Text(), nullptr, Mobility::fromJson(values[1]));
+                recorder = ownRecorder_;
+            } else {
+                recorder = replayed(sharedSession(), values);
+            }
+        };
+        return made;
+    });
+    if (FAILED(code)) return code;
+    return recorder ? recorder->QueryInterface(__uuidof(IRecorderAccess), result) : E_NOINTERFACE;
+}
+
+HRESULT Communicator::askForRecorder(com::ComPtr<IUnknown>& recorder) {
+    if (!innerObject()) return E_NOINTERFACE;
+    com::ComPtr<IUnknown> inner;
+    const HRESULT code = innerObject()->QueryInterface(
+        __uuidof(IRecorderAccess), reinterpret_cast<void**>(inner.GetAddressOf()));
+    if (FAILED(code)) return code;
+    if (identityOf(inner.Get()).Get() != innerObject()) {
+        recorder = wrap(sharedSession(), inner.Get());
+        return code;
+    }
+    if (!ownRecorder_)
+        makeOwnRecorder(session().objects().nextName("recorder"), inner.Get(),
+                        Mobility::of(inner.Get()));
+    recorder = ownRecorder_;
+    return code;
+}
+
+void Communicator::makeOwnRecorder(const std::string& name, IUnknown* inner,
+                                   const Mobility& mobility) {
+    if (ownRecorder_) return;
+    ownRecorder_ =
+        com::createObject<RecorderAccess>(controlling(), static_cast<RecorderAccess**>(nullptr),
+                                          sharedSession(), name, inner, mobility);
 }
 
 bool Communicator::runsMessages() const {

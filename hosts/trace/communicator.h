@@ -63,7 +63,16 @@ public:
     bool runsMessages() const override;
     void runScript(const std::wstring& script) override;
 
+protected:
+    // The recorder's access is asked for here, and its answer told: a link may give the same object
+    // each time, a new one, or be the access itself.
+    HRESULT findElsewhere(REFIID iid, void** result) override;
+
 private:
+    HRESULT giveRecorder(void** result);
+    HRESULT askForRecorder(com::ComPtr<IUnknown>& recorder);
+    // For a recorder of the same identity, which is a part of the wrapper.
+    void makeOwnRecorder(const std::string& name, IUnknown* inner, const Mobility& mobility);
     // A stream as the host sees it, and becomes the port that is held.
     HRESULT giveInnerPort(IKelStream** stream);
     HRESULT forwardPort(IKelStream* stream);
@@ -71,6 +80,7 @@ private:
 
     com::ComPtr<IKelStream> port_;
     com::ComPtr<PreprocessorRelay> relay_;
+    com::ComPtr<IUnknown> ownRecorder_;
 };
 
 }  // namespace kel::trace

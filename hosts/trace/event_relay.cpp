@@ -37,6 +37,11 @@ HRESULT EventRelay::Invoke(DISPID member, REFIID iid, LCID locale, WORD flags,
                            UINT* badArgument) {
     // The sink may leave in the middle of its event.
     const com::KeepAlive alive(*this);
+    const Lanes::Stay stay(session_->lanes());
+    if (session_->isRecording()) {
+        if (const auto object = session_->objects().named(object_))
+            object->eventComes(member, arguments);
+    }
     session_->tellEvent([&] {
         return EventFired{object_, number_, member, inOrder(arguments), result != nullptr};
     });
@@ -62,7 +67,7 @@ void* EventRelay::findInterface(REFIID iid) {
 }
 
 HRESULT EventRelay::findElsewhere(REFIID iid, void** result) {
-    if (iid == IID_IMarshal || iid == IID_IAgileObject) return E_NOINTERFACE;
+    if (Passage::isAskedFor(iid)) return passage_.give(iid, controlling(), result);
     return sink_->QueryInterface(iid, result);
 }
 

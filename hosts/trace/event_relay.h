@@ -5,6 +5,7 @@
 #include <string>
 
 #include "com/object.h"
+#include "hosts/trace/mobility.h"
 #include "hosts/trace/session.h"
 
 namespace kel::trace {
@@ -22,8 +23,7 @@ __CRT_UUID_DECL(kel::trace::IEventRelay, 0x6A0B8F57, 0x2C39, 0x4D0E, 0x91, 0x5B,
 
 namespace kel::trace {
 
-// Answers the interfaces that the sink answers. Only its way of being marshalled, which would lead
-// around the relay, is not offered: events come on the thread of the host.
+// Answers the interfaces that the sink answers, and goes to other threads as the sink does.
 class EventRelay final
     : public com::Object<EventRelay, com::Plain<IDispatch>, com::Plain<IEventRelay>> {
 public:
@@ -32,6 +32,8 @@ public:
     // `object` fires events of the dispatch interface `source`; the sink is its `number`-th.
     EventRelay(std::shared_ptr<Session> session, std::string object, const IID& source, long number,
                IUnknown* sink);
+
+    void finalConstruct() { passage_.open(Mobility::of(sink_.Get()), controlling()); }
 
     STDMETHODIMP GetTypeInfoCount(UINT* count) override { return sink().GetTypeInfoCount(count); }
     STDMETHODIMP GetTypeInfo(UINT index, LCID locale, ITypeInfo** type) override {
@@ -62,6 +64,7 @@ private:
     const com::ComPtr<IUnknown> sink_;
     com::ComPtr<IDispatch> asSource_;
     com::ComPtr<IDispatch> asDispatch_;
+    Passage passage_;
 };
 
 }  // namespace kel::trace

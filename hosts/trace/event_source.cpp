@@ -74,7 +74,8 @@ com::ComPtr<IConnectionPoint> EventSource::Point::inPlaceOf(
     IID iid{};
     com::check(inner->GetConnectionInterface(&iid));
     if (iid != source_) return inner;
-    inner_ = inner;
+    const std::lock_guard lock(mutex_);
+    if (!inner_) inner_ = inner;
     return this;
 }
 
@@ -100,10 +101,16 @@ HRESULT EventSource::Point::Advise(IUnknown* sink, DWORD* cookie) {
 HRESULT EventSource::Point::advise(IUnknown* sink, DWORD* cookie) {
     if (!sink) return inner().Advise(nullptr, cookie);
     TracedObject& object = container_.object_;
-    const auto relay = com::makeObject<EventRelay>(object.sharedSession(), object.name(), source_,
-                                                   count_ + 1, sink);
+    long number = 0;
+    {
+        const std::lock_guard lock(mutex_);
+        number = count_ + 1;
+    }
+    const auto relay =
+        com::makeObject<EventRelay>(object.sharedSession(), object.name(), source_, number, sink);
     const HRESULT code = inner().Advise(relay->controlling(), cookie);
     if (FAILED(code)) return code;
+    const std::lock_guard lock(mutex_);
     ++count_;
     if (!inner_) known_.push_back({*cookie, relay});
     return code;
@@ -116,21 +123,35 @@ HRESULT EventSource::Point::Unadvise(DWORD cookie) {
 
 HRESULT EventSource::Point::unadvise(DWORD cookie) {
     const HRESULT code = inner().Unadvise(cookie);
-    for (Known& each : known_)
-        if (each.cookie == cookie) each.hasLeft = true;
-    if (firing_ == 0) forgetLeft();
+    {
+        const std::lock_guard lock(mutex_);
+        for (Known& each : known_)
+            if (each.cookie == cookie) each.hasLeft = true;
+    }
+    forgetLeft();
     return code;
 }
 
 // What the sinks do when they are released must not meet the list.
 void EventSource::Point::forgetLeft() {
     std::vector<Known> left;
+    const std::lock_guard lock(mutex_);
+    if (firing_ > 0) return;
     std::ranges::copy_if(known_, std::back_inserter(left), &Known::hasLeft);
     std::erase_if(known_, [](const Known& each) { return each.hasLeft; });
 }
 
+EventSource::Firing::Firing(EventSource& events) : point_(events.point_) {
+    const std::lock_guard lock(point_.mutex_);
+    ++point_.firing_;
+}
+
 EventSource::Firing::~Firing() {
-    if (--point_.firing_ == 0) point_.forgetLeft();
+    {
+        const std::lock_guard lock(point_.mutex_);
+        --point_.firing_;
+    }
+    point_.forgetLeft();
 }
 
 HRESULT EventSource::Point::call(const char* method, const std::function<HRESULT()>& forward,
@@ -165,11 +186,16 @@ HRESULT EventSource::Point::EnumConnections(IEnumConnections** enumerator) {
     });
 }
 
+com::ComPtr<EventRelay> EventSource::Point::heard(std::int64_t number) {
+    const std::lock_guard lock(mutex_);
+    const auto found =
+        std::ranges::find(known_, number, [](const Known& each) { return each.relay->number(); });
+    return found == known_.end() ? nullptr : found->relay;
+}
+
 std::optional<EventAnswered> EventSource::Point::fire(const EventFired& event) {
-    const auto found = std::ranges::find(known_, event.sink,
-                                         [](const Known& each) { return each.relay->number(); });
-    if (found == known_.end()) return std::nullopt;
-    const com::ComPtr<EventRelay> relay = found->relay;
+    const com::ComPtr<EventRelay> relay = heard(event.sink);
+    if (!relay) return std::nullopt;
     // Arguments of late-bound calls stand in reverse order. They are lent, not given.
     std::vector<com::Variant> arguments(event.in.size());
     std::vector<VARIANT> lent;

@@ -4,6 +4,7 @@
 #include <ocidl.h>
 
 #include <functional>
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -33,7 +34,7 @@ public:
     // Stands for a call of the object that fires events, as long as it lasts.
     class Firing {
     public:
-        explicit Firing(EventSource& events) : point_(events.point_) { ++point_.firing_; }
+        explicit Firing(EventSource& events);
         ~Firing();
         Firing(const Firing&) = delete;
         Firing& operator=(const Firing&) = delete;
@@ -76,7 +77,10 @@ private:
     private:
         HRESULT advise(IUnknown* sink, DWORD* cookie);
         HRESULT unadvise(DWORD cookie);
+        // Nothing while a call fires.
         void forgetLeft();
+        // The relay of a sink that is told of events; null when there is none.
+        com::ComPtr<EventRelay> heard(std::int64_t number);
         IConnectionPoint& inner() { return inner_ ? *inner_.Get() : standIn_; }
         HRESULT call(const char* method, const std::function<HRESULT()>& forward,
                      DWORD* cookie) noexcept;
@@ -84,6 +88,7 @@ private:
         EventSource& container_;
         const IID& source_;
         com::ComPtr<IConnectionPoint> inner_;
+        std::mutex mutex_;  // of what follows, save the stand-in
         // So many sinks have been advised, ever.
         long count_ = 0;
 

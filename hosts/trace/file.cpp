@@ -1,5 +1,6 @@
 #include "hosts/trace/file.h"
 
+#include <cstdio>
 #include <limits>
 
 #include "com/error.h"
@@ -40,13 +41,29 @@ std::string File::readAll() {
     if (size.QuadPart > std::numeric_limits<LONG>::max()) {
         throw com::Error(HRESULT_FROM_WIN32(ERROR_FILE_TOO_LARGE));
     }
-    std::string bytes(static_cast<std::size_t>(size.QuadPart), '\0');
+    return read(static_cast<std::size_t>(size.QuadPart));
+}
+
+std::string File::read(std::size_t count) {
+    std::string bytes(count, '\0');
     DWORD read = 0;
     if (!ReadFile(handle_.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr)) {
         throw com::lastError();
     }
     bytes.resize(read);
     return bytes;
+}
+
+void Fingerprint::add(std::string_view bytes) {
+    for (const char byte : bytes)
+        hash_ = (hash_ ^ static_cast<unsigned char>(byte)) * 0x100000001B3u;
+}
+
+std::string Fingerprint::text() const {
+    char text[17];
+    std::snprintf(text, sizeof text, "%08lx%08lx", static_cast<unsigned long>(hash_ >> 32),
+                  static_cast<unsigned long>(hash_ & 0xFFFFFFFFu));
+    return text;
 }
 
 }  // namespace kel::trace

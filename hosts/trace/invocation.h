@@ -13,6 +13,7 @@ namespace kel::trace {
 // What a replay does with a call. Recordings tell all of them.
 enum class Treatment {
     kCompared,
+    kRepeatable,  // compared; several in a row count as one
     kConnecting,  // compared; answers also by the thread's last error
     kState,       // not compared: a question that the last known answer answers
     kPolled,      // not compared: depends on timing

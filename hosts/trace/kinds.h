@@ -17,8 +17,9 @@ struct Kind {
     const IID* interfaceId;
     // The class under which KelUtils creates such objects; null when it creates none.
     const CLSID* classId;
+    // The mobility is a recorded one where there is nothing to wrap.
     com::ComPtr<IUnknown> (*make)(const std::shared_ptr<Session>& session, const std::string& name,
-                                  IUnknown* inner);
+                                  IUnknown* inner, const Mobility& mobility);
 };
 
 std::span<const Kind> kinds();
@@ -28,7 +29,12 @@ std::span<const Kind> kinds();
 com::ComPtr<IUnknown> wrap(const std::shared_ptr<Session>& session, IUnknown* inner);
 
 // In a replay: the object with a recorded name; makes it when it is new.
-com::ComPtr<IUnknown> replayed(const std::shared_ptr<Session>& session, const std::string& name);
+com::ComPtr<IUnknown> replayed(const std::shared_ptr<Session>& session, const std::string& name,
+                               const Mobility& mobility = {});
+
+// The two ways of a new object into a recording and back: its name, and how it moves where it does.
+Json::Array told(IUnknown* made);
+com::ComPtr<IUnknown> replayed(const std::shared_ptr<Session>& session, const Json::Array& values);
 
 // The communicator behind a wrapper; one that is not wrapped itself.
 com::ComPtr<IKelCommunicator> innerOf(IKelCommunicator* communicator);

@@ -19,27 +19,31 @@ std::wstring widened(std::string_view text) {
 }
 
 bool isCompared(Treatment treatment) {
-    return treatment == Treatment::kCompared || treatment == Treatment::kConnecting;
+    return treatment == Treatment::kCompared || treatment == Treatment::kRepeatable ||
+           treatment == Treatment::kConnecting;
 }
 
 Rule ruleOf(Treatment treatment) {
+    if (treatment == Treatment::kRepeatable) return Rule::kRepeatable;
     if (isCompared(treatment)) return Rule::kCompared;
     return treatment == Treatment::kState ? Rule::kState : Rule::kPolled;
 }
 
 }  // namespace
 
-Session::Session() : stage_(objects_) {}
+Session::Session() : stage_(objects_, lanes_) {}
 
 void Session::requireNothing() const {
-    if (recorder_ || replay_ || isClosed_) {
+    if (isRecording_ || replay_ || isClosed_) {
         throw com::Error(E_UNEXPECTED, L"A session records once, or replays once");
     }
 }
 
 void Session::record(const std::wstring& path) {
     requireNothing();
+    const std::lock_guard lock(mutex_);
     recorder_.emplace(path);
+    isRecording_ = true;
 }
 
 void Session::replay(const std::wstring& path, double speed) {
@@ -59,12 +63,28 @@ void Session::replay(const std::wstring& path, double speed) {
 
 void Session::close() {
     isClosed_ = true;
-    watcher_.Reset();
-    recorder_.reset();
-    if (FAILED(recordingFailure_)) {
-        throw com::Error(std::exchange(recordingFailure_, S_OK),
-                         L"The recording could not be written to its end");
+    isRecording_ = false;
+    watch(nullptr);
+    HRESULT failure = S_OK;
+    {
+        const std::lock_guard lock(mutex_);
+        recorder_.reset();
+        failure = std::exchange(recordingFailure_, S_OK);
     }
+    if (FAILED(failure))
+        throw com::Error(failure, L"The recording could not be written to its end");
+}
+
+// What a watcher does when it is released must not meet the lock.
+void Session::watch(ITraceWatcher* watcher) {
+    com::ComPtr<ITraceWatcher> other = watcher;
+    const std::lock_guard lock(mutex_);
+    std::swap(watcher_, other);
+}
+
+void Session::setPosition(Position position) {
+    const std::lock_guard lock(mutex_);
+    position_ = std::move(position);
 }
 
 std::string Session::difference() const {
@@ -78,6 +98,7 @@ std::size_t Session::callsLeft() const {
 HRESULT Session::perform(const Invocation& call) noexcept {
     // A call may drop the last object, and with it the session.
     const std::shared_ptr<Session> alive = shared_from_this();
+    const Lanes::Stay stay(lanes_);
     DWORD lastError = GetLastError();
     const HRESULT result =
         com::guard(call.interfaceId, kSource, [&] { return decide(call, lastError); });
@@ -103,8 +124,12 @@ HRESULT Session::decide(const Invocation& call, DWORD& lastError) {
 
 // The host's error info is left as it is when the call goes on.
 HRESULT Session::askWatcher(const Invocation& call, std::wstring& refusal) {
-    if (!watcher_) return S_OK;
-    const com::ComPtr<ITraceWatcher> watcher = watcher_;
+    com::ComPtr<ITraceWatcher> watcher;
+    {
+        const std::lock_guard lock(mutex_);
+        watcher = watcher_;
+    }
+    if (!watcher) return S_OK;
     const com::Variant arguments = toVariant(call.in());
     com::ComPtr<IErrorInfo> before;
     GetErrorInfo(0, &before);
@@ -126,7 +151,10 @@ CallStarted Session::started(const Invocation& call, long number) const {
     started.method = call.method;
     started.in = call.in();
     if (call.isSecret) started.in.assign(started.in.size(), Json("***"));
-    started.position = position_;
+    {
+        const std::lock_guard lock(mutex_);
+        started.position = position_;
+    }
     started.number = number;
     started.interfaceName = call.interfaceName;
     started.isCompared = isCompared(call.treatment);
@@ -148,10 +176,7 @@ HRESULT Session::fail(const Invocation& call, long number, HRESULT result,
 
 HRESULT Session::forward(const Invocation& call, long number, DWORD& lastError) {
     tell([&] { return started(call, number); });
-    const com::Scoped current(current_, &call);
-    SetLastError(lastError);
-    const HRESULT result = com::guard(call.interfaceId, kSource, call.forward);
-    lastError = GetLastError();
+    const HRESULT result = forward(call, lastError);
 
     const com::ComPtr<IErrorInfo> info = takeErrorInfo(result, call);
     tell([&] {
@@ -165,12 +190,21 @@ HRESULT Session::forward(const Invocation& call, long number, DWORD& lastError) 
     return result;
 }
 
+HRESULT Session::forward(const Invocation& call, DWORD& lastError) {
+    std::optional<com::Scoped<const Invocation*>> current;
+    if (lanes_.thread() == 0) current.emplace(current_, &call);
+    SetLastError(lastError);
+    const HRESULT result = com::guard(call.interfaceId, kSource, call.forward);
+    lastError = GetLastError();
+    return result;
+}
+
 HRESULT Session::answer(const Invocation& call, long number, DWORD& lastError) {
     call.clear();
     if (isClosed_) throw com::Error(CO_E_OBJNOTCONNECTED, L"The replay has been closed");
     CallEnded ended;
     try {
-        ended = replay_->call(started(call, number), ruleOf(call.treatment));
+        ended = replay_->call(started(call, number), ruleOf(call.treatment), lanes_.thread());
     } catch (const Difference& difference) {
         throw com::Error(KELTRACE_E_DIFFERENCE, widened(difference.what()));
     }
@@ -184,11 +218,14 @@ HRESULT Session::answer(const Invocation& call, long number, DWORD& lastError) {
 // The host must not notice that its calls cannot be told: it hears of it from close().
 template <class MakeWhat>
 void Session::tell(MakeWhat&& makeWhat) noexcept {
-    if (!recorder_ || FAILED(recordingFailure_)) return;
+    if (!isRecording_) return;
     const DWORD lastError = GetLastError();
     try {
-        recorder_->write({0, makeWhat()});
+        Event event{0, makeWhat(), lanes_.here()};
+        const std::lock_guard lock(mutex_);
+        if (recorder_ && SUCCEEDED(recordingFailure_)) recorder_->write(std::move(event));
     } catch (...) {
+        const std::lock_guard lock(mutex_);
         recordingFailure_ = com::codeOfCurrentException();
     }
     SetLastError(lastError);
@@ -196,7 +233,8 @@ void Session::tell(MakeWhat&& makeWhat) noexcept {
 
 void Session::tellShown(const TracedObject& object, const std::wstring& text) noexcept {
     tell([&] {
-        const std::string_view method = current_ ? current_->method : "";
+        const bool isKnown = lanes_.thread() == 0 && current_;
+        const std::string_view method = isKnown ? current_->method : "";
         return Shown{object.name(), toText(text),
                      method == "Echo" || method == "EchoConnectionInfo"};
     });
@@ -216,6 +254,17 @@ void Session::tellEvent(const std::function<EventFired()>& make) noexcept {
 
 void Session::tellEventEnd(const std::function<EventAnswered()>& make) noexcept {
     tell(make);
+}
+
+void Session::tellFile(const std::function<FilePiece()>& make) noexcept {
+    tell(make);
+}
+
+bool Session::takeRoomForFile(std::int64_t size) {
+    const std::lock_guard lock(mutex_);
+    if (size > roomForFiles_) return false;
+    roomForFiles_ -= size;
+    return true;
 }
 
 bool Session::tells(const TracedObject& object, std::string_view method) const {

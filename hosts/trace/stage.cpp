@@ -13,34 +13,42 @@ constexpr double kPatience = 1000;
 }  // namespace
 
 void LinkStage::show(const Shown& shown) {
-    TracedObject* object = objects_.named(shown.object);
+    const HeldObject object = objects_.named(shown.object);
     if (!object) return;
-    const com::ComPtr<IUnknown> alive = object->wrapper();
     object->show(fromText(shown.text));
 }
 
 void LinkStage::runScript(const CallbackStarted& callback) {
-    TracedObject* object = objects_.named(callback.object);
+    const HeldObject object = objects_.named(callback.object);
     if (!object) return;
-    const com::ComPtr<IUnknown> alive = object->wrapper();
     object->runScript(fromText(callback.script));
 }
 
 std::optional<EventAnswered> LinkStage::fire(const EventFired& event) {
-    TracedObject* object = objects_.named(event.object);
+    const HeldObject object = objects_.named(event.object);
     if (!object) return std::nullopt;
-    const com::ComPtr<IUnknown> alive = object->wrapper();
     return object->fire(event);
 }
 
-void LinkStage::wait(const std::string& object, double started, double recorded) {
-    kel::trace::waitUntil(started + atSpeed(recorded, speed_), runsMessages(object), {});
+std::string LinkStage::leave(const FilePiece& piece) {
+    const HeldObject object = objects_.named(piece.object);
+    return object ? object->leave(piece) : std::string();
+}
+
+void LinkStage::wait(const std::string& object, double started, double recorded,
+                     const std::function<bool()>& isOver) {
+    kel::trace::waitUntil(started + atSpeed(recorded, speed_), runsMessages(object), isOver);
 }
 
 bool LinkStage::waitUntil(const std::string& object, double recorded,
                           const std::function<bool()>& done) {
     if (!runsMessages(object)) return done();
-    return kel::trace::waitUntil(now() + recorded + kPatience, true, done);
+    return waitForOthers(object, recorded, done);
+}
+
+bool LinkStage::waitForOthers(const std::string& object, double recorded,
+                              const std::function<bool()>& done) {
+    return kel::trace::waitUntil(now() + recorded + kPatience, runsMessages(object), done);
 }
 
 double LinkStage::now() {
@@ -48,8 +56,8 @@ double LinkStage::now() {
 }
 
 bool LinkStage::runsMessages(const std::string& object) const {
-    const TracedObject* traced = objects_.named(object);
-    return traced && traced->runsMessages();
+    const HeldObject traced = objects_.named(object);
+    return lanes_.thread() == 0 && traced && traced->runsMessages();
 }
 
 }  // namespace kel::trace

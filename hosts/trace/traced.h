@@ -35,6 +35,8 @@ template <>
 inline constexpr const char* kNameOf<IPressureAccess> = "IPressureAccess";
 template <>
 inline constexpr const char* kNameOf<ICompassAccess> = "ICompassAccess";
+template <>
+inline constexpr const char* kNameOf<IRecorderAccess> = "IRecorderAccess";
 
 template <class Interface, class... Arguments>
 std::type_identity<Interface> interfaceOf(HRESULT (STDMETHODCALLTYPE Interface::*)(Arguments...));
@@ -67,7 +69,7 @@ void setArguments(Invocation& made, Arguments... arguments) {
 }
 
 // The inner object answers for every interface that the wrapper does not have, and those calls are
-// not traced (IBinaryCommunicator, IRecorderAccess). Its way of being marshalled would lead around
+// not traced (IBinaryCommunicator). Its way of being marshalled would lead around
 // the wrapper and is not offered.
 template <class Derived, class Interface, class... Bases>
 class Traced : public com::Object<Derived, com::Dual<Interface, Bases...>, com::Plain<ITraced>>,
@@ -76,7 +78,7 @@ public:
     static constexpr com::ClassDescription kClass{};
 
     Traced(std::shared_ptr<Session> session, std::string name, IUnknown* inner)
-        : TracedObject(std::move(session), std::move(name), inner) {
+        : TracedObject(std::move(session), std::move(name), inner, com::ObjectCore::inner()) {
         if (inner) com::check(inner->QueryInterface(IID_PPV_ARGS(&typedInner_)));
     }
 
@@ -127,6 +129,31 @@ protected:
 
 private:
     com::ComPtr<Interface> typedInner_;
+};
+
+// A wrapper that goes to other threads as what it wraps does, in a replay as what was wrapped: a
+// host chooses its threads by that.
+template <class Derived, class Interface>
+class MobileTraced : public Traced<Derived, Interface> {
+    using Base = Traced<Derived, Interface>;
+
+public:
+    MobileTraced(std::shared_ptr<Session> session, std::string name, IUnknown* inner,
+                 const Mobility& mobility)
+        : Base(std::move(session), std::move(name), inner), mobility_(mobility) {}
+    void finalConstruct() { passage_.open(mobility_, this->controlling()); }
+
+    Mobility mobility() const override { return mobility_; }
+
+protected:
+    HRESULT findElsewhere(REFIID iid, void** result) override {
+        if (Passage::isAskedFor(iid)) return passage_.give(iid, this->controlling(), result);
+        return Base::findElsewhere(iid, result);
+    }
+
+private:
+    const Mobility mobility_;
+    Passage passage_;
 };
 
 }  // namespace kel::trace

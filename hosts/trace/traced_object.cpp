@@ -13,8 +13,9 @@ com::ComPtr<IUnknown> identityOf(IUnknown* object) {
 
 }  // namespace
 
-TracedObject::TracedObject(std::shared_ptr<Session> session, std::string name, IUnknown* inner)
-    : session_(std::move(session)), name_(std::move(name)), inner_(identityOf(inner)) {
+TracedObject::TracedObject(std::shared_ptr<Session> session, std::string name, IUnknown* inner,
+                           IUnknown* self)
+    : session_(std::move(session)), name_(std::move(name)), inner_(identityOf(inner)), self_(self) {
     session_->objects().add(*this);
 }
 

@@ -3,13 +3,14 @@
 
 #include <windows.h>
 
-#include <unknwn.h>
+#include <oaidl.h>
 
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "com/error.h"
+#include "hosts/trace/mobility.h"
 #include "hosts/trace/model/event.h"
 
 namespace kel::trace {
@@ -18,8 +19,9 @@ class Session;
 
 class TracedObject {
 public:
-    // `inner` is the object that is wrapped, null in a replay.
-    TracedObject(std::shared_ptr<Session> session, std::string name, IUnknown* inner);
+    // `inner` is the object that is wrapped, null in a replay; `self` the wrapper's own count.
+    TracedObject(std::shared_ptr<Session> session, std::string name, IUnknown* inner,
+                 IUnknown* self);
     virtual ~TracedObject();
     TracedObject(const TracedObject&) = delete;
     TracedObject& operator=(const TracedObject&) = delete;
@@ -31,9 +33,15 @@ public:
     Session& session() const { return *session_; }
     const std::shared_ptr<Session>& sharedSession() const { return session_; }
     IUnknown* innerObject() const { return inner_.Get(); }
+    IUnknown* self() const { return self_; }
 
     // The wrapper itself.
     virtual IUnknown* wrapper() = 0;
+    // How the wrapper goes to other threads, where it goes as what it wraps does.
+    virtual Mobility mobility() const { return {}; }
+
+    // While it is recorded: the object is about to tell a sink of an event.
+    virtual void eventComes(DISPID, const DISPPARAMS*) {}
 
     // Members for replays. A text of the echo is shown in the host's window.
     virtual void show(const std::wstring&) {}
@@ -43,11 +51,14 @@ public:
     virtual void runScript(const std::wstring&) {}
     // The object told a sink of an event. Nothing where there is no such sink.
     virtual std::optional<EventAnswered> fire(const EventFired&) { return std::nullopt; }
+    // A call on the object left a piece of a file. Why that cannot be done again; empty when it is.
+    virtual std::string leave(const FilePiece&) { return {}; }
 
 private:
     const std::shared_ptr<Session> session_;
     const std::string name_;
     const com::ComPtr<IUnknown> inner_;
+    IUnknown* const self_;
 };
 
 // Tells the traced objects of this module from all others.

@@ -15,7 +15,8 @@ class RecordedHost final : public trace::Stage {
 public:
     explicit RecordedHost(const std::vector<Event>& events) : replay_(events, *this) {
         for (const Event& event : events) {
-            if (const auto* call = std::get_if<CallStarted>(&event.what)) calls_.push_back(*call);
+            if (const auto* call = std::get_if<CallStarted>(&event.what))
+                calls_.emplace_back(*call, event.lane);
         }
     }
 
@@ -35,8 +36,17 @@ public:
             step();
         return trace::EventAnswered{0, event.in};
     }
-    void wait(const std::string&, double, double) override {}
+    std::string leave(const trace::FilePiece& piece) override {
+        require(!piece.fingerprint, "only what is held is left");
+        step();
+        return piece.size < 0 ? "no file is as small" : "";
+    }
+    void wait(const std::string&, double, double, const std::function<bool()>&) override {}
     bool waitUntil(const std::string&, double, const std::function<bool()>& done) override {
+        step();
+        return done();
+    }
+    bool waitForOthers(const std::string&, double, const std::function<bool()>& done) override {
         step();
         return done();
     }
@@ -45,13 +55,14 @@ public:
 private:
     void step() {
         if (next_ == calls_.size() || depth_ == kDeepest) return;
-        const CallStarted& call = calls_[next_++];
-        const trace::Rule rule = call.isCompared        ? trace::Rule::kCompared
-                                 : call.number % 2 == 0 ? trace::Rule::kState
-                                                        : trace::Rule::kPolled;
+        const auto& [call, lane] = calls_[next_++];
+        const bool isEven = call.number % 2 == 0;
+        const trace::Rule rule = call.isCompared
+                                     ? (isEven ? trace::Rule::kCompared : trace::Rule::kRepeatable)
+                                     : (isEven ? trace::Rule::kState : trace::Rule::kPolled);
         ++depth_;
         try {
-            replay_.call(call, rule);
+            replay_.call(call, rule, static_cast<std::uint32_t>(lane));
             require(!hasDiffered_, "no call is answered after a difference");
         } catch (const trace::Difference& difference) {
             require(std::string_view(difference.what()) == replay_.difference().c_str(),
@@ -64,7 +75,7 @@ private:
     }
 
     trace::Replay replay_;
-    std::vector<CallStarted> calls_;
+    std::vector<std::pair<CallStarted, std::int64_t>> calls_;  // with their lanes
     std::size_t next_ = 0;
     std::size_t left_ = static_cast<std::size_t>(-1);
     int depth_ = 0;

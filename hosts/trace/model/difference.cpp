@@ -21,7 +21,7 @@ std::string list(const Json::Array& values) {
 
 std::string leaving(const Position& now) {
     const std::string text = "The replay leaves its recording";
-    return (now.line != 0 ? text + " at " + describe(now) : text) + ": expected ";
+    return (now.line != 0 ? text + " at " + describe(now) : text) + ": ";
 }
 
 std::string describe(const EventAnswered& answer) {
@@ -35,7 +35,7 @@ std::string describe(const Call& call) {
 }
 
 std::string describeDifference(const Call* expected, const Call* actual, const Position& now) {
-    std::string text = leaving(now);
+    std::string text = leaving(now) + "expected ";
     text += expected ? describe(*expected) : "no further call";
     if (expected && expected->position.line != 0) {
         text += " (recorded at " + describe(expected->position) + ")";
@@ -45,8 +45,15 @@ std::string describeDifference(const Call* expected, const Call* actual, const P
 
 std::string describeDifference(const EventFired& event, const EventAnswered& expected,
                                const EventAnswered& actual, const Position& now) {
-    return leaving(now) + describe(expected) + " to event " + std::to_string(event.member) + "(" +
-           list(event.in) + ") of " + event.object + ", got " + describe(actual);
+    return leaving(now) + "expected " + describe(expected) + " to event " +
+           std::to_string(event.member) + "(" + list(event.in) + ") of " + event.object + ", got " +
+           describe(actual);
+}
+
+std::string describeDifference(const FilePiece& piece, const std::string& reason,
+                               const Position& now) {
+    return leaving(now) + "the file " + write(Json(piece.name)) + " of " + piece.object +
+           " cannot be left as it was: " + reason;
 }
 
 }  // namespace kel::trace

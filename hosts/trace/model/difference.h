@@ -18,4 +18,8 @@ std::string describeDifference(const Call* expected, const Call* actual, const P
 std::string describeDifference(const EventFired& event, const EventAnswered& expected,
                                const EventAnswered& actual, const Position& now);
 
+// A file cannot be left as it was.
+std::string describeDifference(const FilePiece& piece, const std::string& reason,
+                               const Position& now);
+
 }  // namespace kel::trace

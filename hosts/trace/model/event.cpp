@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "hosts/trace/model/hexadecimal.h"
+
 namespace kel::trace {
 namespace {
 
@@ -81,6 +83,17 @@ struct Teller {
         members.push_back({"eventEnd", hexadecimal(answer.result)});
         members.push_back({"out", answer.out});
     }
+    void operator()(const FilePiece& piece) const {
+        members.push_back({"leaves", piece.name});
+        members.push_back({"object", piece.object});
+        members.push_back({"size", piece.size});
+        if (piece.fingerprint) {
+            members.push_back({"fingerprint", *piece.fingerprint});
+            return;
+        }
+        members.push_back({"offset", piece.offset});
+        members.push_back({"bytes", toHexadecimal(piece.bytes)});
+    }
 };
 
 CallStarted callStarted(const Json& json) {
@@ -121,11 +134,24 @@ EventFired eventFired(const Json& json) {
             json.at("in").array(), json.find("asks") != nullptr};
 }
 
+FilePiece filePiece(const Json& json) {
+    FilePiece piece{json.at("object").utf8Text(), json.at("leaves").text(),
+                    json.at("size").integer()};
+    if (const Json* fingerprint = json.find("fingerprint")) {
+        piece.fingerprint = fingerprint->utf8Text();
+    } else {
+        piece.offset = json.at("offset").integer();
+        piece.bytes = fromHexadecimal(json.at("bytes").text());
+    }
+    return piece;
+}
+
 }  // namespace
 
 std::string toLine(const Event& event) {
     Json::Object members{{"t", inMicroseconds(event.time)}};
     std::visit(Teller{members}, event.what);
+    if (event.lane != 0) members.push_back({"lane", event.lane});
     return write(members);
 }
 
@@ -133,6 +159,7 @@ Event fromLine(std::string_view line) {
     const Json json = hosts::readJson(line);
     Event event;
     event.time = json.at("t").number();
+    if (const Json* lane = json.find("lane")) event.lane = lane->integer();
     if (json.find("call")) {
         event.what = callStarted(json);
     } else if (json.find("return")) {
@@ -147,6 +174,8 @@ Event fromLine(std::string_view line) {
         event.what = eventFired(json);
     } else if (const Json* answer = json.find("eventEnd")) {
         event.what = EventAnswered{codeOf(*answer), json.at("out").array()};
+    } else if (json.find("leaves")) {
+        event.what = filePiece(json);
     } else {
         event.what = CallbackEnded{codeOf(json.at("scriptEnd"))};
     }

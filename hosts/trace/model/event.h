@@ -82,11 +82,25 @@ struct EventAnswered {
     bool operator==(const EventAnswered&) const = default;
 };
 
+// A call left a file in the folder that it was given; what is in it, in pieces. A file whose bytes
+// are not held has one piece, without any.
+struct FilePiece {
+    std::string object;
+    std::u16string name;
+    std::int64_t size = 0;  // of the whole file
+    std::int64_t offset = 0;
+    std::string bytes = {};
+    std::optional<std::string> fingerprint = {};  // in the place of the bytes
+};
+
 struct Event {
     double time = 0;  // milliseconds since the start of the recording
     std::variant<CallStarted, CallEnded, Shown, CallbackStarted, CallbackEnded, EventFired,
-                 EventAnswered>
+                 EventAnswered, FilePiece>
         what;
+    // Calls nest within a lane. Those of the session's thread have the lane 0; calls of other
+    // threads have others, as many as there are at the same time.
+    std::int64_t lane = 0;
 };
 
 // One line, without its end.

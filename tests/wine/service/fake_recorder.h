@@ -1,22 +1,16 @@
 #pragma once
-// The instrument's recorder as a double: files, a log of calls, scripted operations.
+// The instrument's recorder as a double: a card with files, scripted operations.
 
 #include <atomic>
 #include <functional>
-#include <string>
 #include <vector>
 
+#include "bench/link/access/recorder_file.h"
 #include "com/connection_point.h"
 #include "com/object.h"
-#include "interfaces/KelUtils.h"
+#include "tests/wine/service/answers.h"
 
 namespace kel::test {
-
-struct RecorderFile {
-    std::wstring name;
-    LONGLONG size = 0;
-    DATE time = 0;
-};
 
 // Where it is agile, on any thread.
 class FakeRecorder final : public com::Object<FakeRecorder, com::Dual<IRecorderAccess>,
@@ -27,12 +21,9 @@ public:
     explicit FakeRecorder(bool isAgile) : isAgile_(isAgile) {}
     void finalConstruct();
 
-    std::vector<RecorderFile> files;
-    LONGLONG used = 0;
-    LONGLONG capacity = 0;
-
-    // Called inside each call before it is answered. The call fails as it throws.
-    std::function<void(const std::string& call)> onCall = [](const std::string&) {};
+    std::vector<bench::CardEntry> files;
+    // Also "used" and "capacity".
+    Answers answers;
     // What Download and Format do, and answer.
     std::function<bool()> operation = [] { return true; };
     std::atomic<bool> isAborted = false;
@@ -42,26 +33,28 @@ public:
     // A little of the time that an operation takes; false when it is to end.
     bool work() const;
 
-    STDMETHODIMP get_CardPresent(VARIANT_BOOL*) override { return E_NOTIMPL; }
-    STDMETHODIMP get_Rate(long*) override { return E_NOTIMPL; }
+    STDMETHODIMP get_CardPresent(VARIANT_BOOL* present) override {
+        return answers.give("CardPresent", present);
+    }
+    STDMETHODIMP get_Rate(long* rate) override { return answers.give("Rate", rate); }
     STDMETHODIMP ReadListing(ICollection** listing) override;
-    STDMETHODIMP SelectFile(BSTR name) override;
-    STDMETHODIMP Download(ICollection* selection, BSTR folder, VARIANT_BOOL* result) override;
-    STDMETHODIMP CardSpace(LONGLONG* usedBytes, LONGLONG* allBytes) override;
-    STDMETHODIMP Format(VARIANT_BOOL* result) override;
-    STDMETHODIMP SetRate(long rate) override;
-    STDMETHODIMP Abort() override;
-    STDMETHODIMP get_Running(VARIANT_BOOL*) override { return E_NOTIMPL; }
-    STDMETHODIMP SetLinkRate(long rate) override;
+    STDMETHODIMP SelectFile(BSTR) override { return S_OK; }
+    STDMETHODIMP Download(ICollection*, BSTR, VARIANT_BOOL* result) override {
+        return operate(result);
+    }
+    STDMETHODIMP CardSpace(LONGLONG* used, LONGLONG* capacity) override {
+        return answers.give("used", used), answers.give("capacity", capacity);
+    }
+    STDMETHODIMP Format(VARIANT_BOOL* result) override { return operate(result); }
+    STDMETHODIMP SetRate(long) override { return S_OK; }
+    STDMETHODIMP Abort() override { return isAborted = true, S_OK; }
+    STDMETHODIMP get_Running(VARIANT_BOOL* running) override {
+        return answers.give("Running", running);
+    }
+    STDMETHODIMP SetLinkRate(long) override { return S_OK; }
 
 private:
-    template <class Answer>
-    HRESULT call(const std::string& text, Answer&& answer) {
-        return this->template guarded<IRecorderAccess>([&] {
-            onCall(text);
-            answer();
-        });
-    }
+    HRESULT operate(VARIANT_BOOL* result);
     void* findInterface(REFIID iid) override;
     HRESULT findElsewhere(REFIID iid, void** result) override;
 

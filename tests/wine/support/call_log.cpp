@@ -22,11 +22,11 @@ HRESULT WINAPI findNoClass(REFCLSID, DWORD, COSERVERINFO*, REFIID, void**) {
 const std::map<std::string, const char*, std::less<>> kWords = {
     {"SendCommand", "OK"}, {"WriteString", "CR"}, {"WaitForString", "stop"}};
 const std::set<std::string, std::less<>> kUnquoted = {"OpenPort", "PortExists", "ConnectTo",
-                                                      "put_Port"};
+                                                      "put_Port", "Download"};
 
-const std::set<std::string, std::less<>> kFetches = {"get_Port",    "get_Preprocessor",
-                                                     "get_NewData", "get_BytesInReadBuffer",
-                                                     "get_Busy",    "get_Calibrating"};
+const std::set<std::string, std::less<>> kFetches = {
+    "get_Port", "get_Preprocessor", "get_NewData",   "get_BytesInReadBuffer",
+    "get_Busy", "get_Calibrating",  "QueryInterface"};
 
 std::string argument(const std::string& method, const VARIANT& value) {
     const auto word = kWords.find(method);
@@ -75,9 +75,29 @@ public:
 
     const com::ComPtr<ITraceSession> session =
         kelTrace().create<ITraceSession>(__uuidof(TraceSession));
-    std::map<IUnknown*, std::pair<CallLog*, std::string>> logs;  // by the wrapper
+
+    using Log = std::pair<CallLog*, std::string>;  // and what stands before its calls
+    // Null for an object whose calls are not told.
+    Log logOf(IUnknown* wrapper) {
+        const std::lock_guard lock(mutex_);
+        const auto found = logs_.find(wrapper);
+        return found == logs_.end() ? Log() : found->second;
+    }
+    void tell(IUnknown* wrapper, const Log& log) {
+        const std::lock_guard lock(mutex_);
+        logs_[wrapper] = log;
+    }
+    void forget(CallLog* log) {
+        const std::lock_guard lock(mutex_);
+        std::erase_if(logs_, [&](const auto& entry) { return entry.second.first == log; });
+    }
 
 private:
+    static void tellTo(CallLog& log, const std::string& call) { log.tell(call); }
+
+    std::mutex mutex_;
+    std::map<IUnknown*, Log> logs_;
+
     class Watcher final : public com::Object<Watcher, com::Plain<ITraceWatcher>> {
     public:
         static constexpr com::ClassDescription kClass{};
@@ -85,14 +105,10 @@ private:
 
         STDMETHODIMP CallStarts(IUnknown* object, BSTR method, SAFEARRAY* arguments) override {
             return guarded<ITraceWatcher>([&] {
-                const auto found = trace_.logs.find(object);
-                if (found == trace_.logs.end()) return;
-                const auto [log, prefix] = found->second;
+                const auto [log, prefix] = trace_.logOf(object);
                 const std::string name = com::narrow(method);
-                if (kFetches.contains(name) && !log->tellsFetches) return;
-                log->calls.push_back(prefix + notation(name, *arguments));
-                // It may replace itself.
-                if (const auto hook = log->onCall) hook(std::string(log->calls.back()));
+                if (!log || (kFetches.contains(name) && !log->tellsFetches)) return;
+                SharedTrace::tellTo(*log, prefix + notation(name, *arguments));
             });
         }
 
@@ -104,15 +120,25 @@ private:
 CallLog::CallLog() : trace_(SharedTrace::get()) {}
 
 CallLog::~CallLog() {
-    std::erase_if(trace_->logs, [this](const auto& entry) { return entry.second.first == this; });
+    trace_->forget(this);
 }
 
 std::string CallLog::takeWork() {
     std::string work;
+    const std::lock_guard lock(mutex_);
     for (const std::string& call : calls)
         if (call != "Sleep 1") work += escaped(call) + "\n";
     calls.clear();
     return work;
+}
+
+void CallLog::tell(const std::string& call) {
+    {
+        const std::lock_guard lock(mutex_);
+        calls.push_back(call);
+    }
+    // It may replace itself.
+    if (const auto hook = onCall) hook(call);
 }
 
 ITraceSession* CallLog::session() const {
@@ -136,7 +162,7 @@ void CallLog::failMethod(const wchar_t* name, HRESULT code) {
 com::ComPtr<IUnknown> CallLog::wrap(IUnknown* inner, const std::string& prefix) {
     com::ComPtr<IUnknown> object;
     com::check(session()->Wrap(inner, &object), session());
-    trace_->logs[object.Get()] = {this, prefix};
+    trace_->tell(object.Get(), {this, prefix});
     return object;
 }
 

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -29,16 +30,18 @@ public:
     }
 
     // What was called, in order, with its arguments: "SendBreak 300", "BaudRate = 9600". Fetching
-    // the port or the preprocessor, and what is asked at every tick (for bytes that wait, for new
-    // readings), is told on demand only.
+    // the port, the preprocessor or the recorder, and what is asked at every tick (for bytes that
+    // wait, for new readings), is told on demand only. Not to be looked at while another thread
+    // calls.
     std::vector<std::string> calls;
     bool tellsFetches = false;
 
     // The same on one line each, without the pause before every script line; control characters are
-    // shown as escapes. Empties the log.
+    // shown as escapes. Empties the log. Any thread.
     std::string takeWork();
 
-    // Called inside each call that is told, before the double is. The call fails as it throws.
+    // Called inside each call that is told, before the double is, on the thread of the call. The
+    // call fails as it throws.
     std::function<void(const std::string& call)> onCall;
 
     // The session of the trace link, which all logs of a moment share. It counts and fails calls,
@@ -49,9 +52,12 @@ public:
     void failMethod(const wchar_t* name, HRESULT code = E_ACCESSDENIED);
 
 private:
+    friend class SharedTrace;
+    void tell(const std::string& call);
     com::ComPtr<IUnknown> wrap(IUnknown* inner, const std::string& prefix);
 
     const std::shared_ptr<SharedTrace> trace_;
+    std::mutex mutex_;
 };
 
 }  // namespace kel::test

@@ -11,8 +11,8 @@
 #include "tests/wine/service/access_prop.h"
 #include "tests/wine/service/fake_compass.h"
 #include "tests/wine/service/fake_pressure.h"
-#include "tests/wine/service/fake_recorder.h"
 #include "tests/wine/service/fake_uploader.h"
+#include "tests/wine/service/recorder_prop.h"
 #include "tests/wine/support/here_prop.h"
 #include "tests/wine/support/import_patch.h"
 #include "tests/wine/support/library.h"
@@ -21,37 +21,6 @@
 
 namespace kel::test {
 namespace {
-
-//     recorder card                has a card with twelve files, which are all there already
-//     recorder fail METHOD
-class RecorderProp final : public Prop {
-public:
-    explicit RecorderProp(Stage& stage) {
-        for (int number = 1; number <= 12; ++number)
-            recorder_->files.push_back({L"DATA" + std::to_wstring(number + 100) + L".BIN",
-                                        (number * 7919LL) << number, 45000.31 + number});
-        recorder_->used = 91LL << 20;
-        recorder_->capacity = 4LL << 30;
-        recorder_->operation = [recorder = recorder_.Get()] {
-            recorder->fire(4, {com::Variant(L"DATA101.BIN")});
-            return true;
-        };
-        stage.link.access = recorder_->controlling();
-    }
-
-    void prepare(const std::string& line) override {
-        std::string rest = line;
-        if (line == "card") return;
-        if (takeWord(rest) != "fail") throw std::invalid_argument("not understood: " + line);
-        recorder_->onCall = [rest](const std::string& call) {
-            if (call.starts_with(rest)) throw com::Error(E_FAIL, L"The port is not open");
-        };
-    }
-
-private:
-    const com::ComPtr<FakeRecorder> recorder_ = com::makeObject<FakeRecorder>(false);
-    const ClassObject collections_{link::kCollectionClass, [] { return makeCollection(false); }};
-};
 
 // Answers as the other access objects, and besides:
 //
@@ -89,7 +58,8 @@ public:
     }
 };
 
-// "clock 52000": so many milliseconds have passed since the start of the system.
+// "clock 52000": so many milliseconds have passed since the start of the system, until it is told
+// anew.
 class ClockProp final : public Prop {
 public:
     explicit ClockProp(Stage&) {}
@@ -97,9 +67,12 @@ public:
 
 private:
     static ULONGLONG WINAPI tell() { return time_; }
+    static DWORD WINAPI tellShort() { return static_cast<DWORD>(time_); }
 
     static inline std::atomic<ULONGLONG> time_ = 0;
     const ImportPatch clock_{kelUtils().module(), "GetTickCount64", reinterpret_cast<void*>(tell)};
+    const ImportPatch shortClock_{kelUtils().module(), "GetTickCount",
+                                  reinterpret_cast<void*>(tellShort)};
 };
 
 // "platform as Windows": from now on the active dialog gets no Cancel in the name of a button that

@@ -74,6 +74,7 @@
 //     show NAME…                   tells what they show: texts, [x] where checked, (disabled),
 //                                  (hidden), rows with + or - for their boxes and * where selected
 //     style NAME…, caption         tells classes and styles; what stands before the focus
+//     columns NAME                 tells those of a list: title, alignment, width
 //     look                         tells what dialog_faults.h finds
 //     box CAPTION                  tells what a message box says and agrees
 //     host LINE                    the host does this inside its message loop, under the open

@@ -156,6 +156,7 @@ void User::act(const std::string& line) {
              for (std::string name; names >> name;)
                  stage_.transcript.tell(name + ": " + styleOf(control(name)));
          }},
+        {"columns", [&] { stage_.transcript.tell(columnsOf(control(rest))); }},
         {"caption",
          [&] { stage_.transcript.tell(textOf(GetWindow(driver_.focus(), GW_HWNDPREV))); }},
         {"picture",
@@ -334,6 +335,18 @@ std::string User::rowsOf(HWND list) {
         }
     }
     return rows;
+}
+
+std::string User::columnsOf(HWND list) {
+    std::string columns;
+    wchar_t text[64] = L"";
+    LVCOLUMNW column{LVCF_TEXT | LVCF_FMT | LVCF_WIDTH, 0, 0, text, 64, 0, 0, 0, 0, 0, 0};
+    for (WPARAM i = 0; driver_.send(list, LVM_GETCOLUMNW, i, reinterpret_cast<LPARAM>(&column));
+         ++i)
+        columns += com::narrow(text, CP_UTF8) + " " +
+                   std::to_string(column.fmt & LVCFMT_JUSTIFYMASK) + " " +
+                   std::to_string(column.cx) + ", ";
+    return columns;
 }
 
 // Each item: a star where it is selected, what its tooltip says, which begins with its label.

@@ -41,6 +41,8 @@ private:
     std::string styleOf(HWND window);
     std::string rowsOf(HWND list);
     std::string itemsOf(HWND tree);
+    // Titles, alignments and widths.
+    std::string columnsOf(HWND list);
     LPARAM itemAt(HWND tree, int index);
 
     DialogDriver& driver_;

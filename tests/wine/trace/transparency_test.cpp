@@ -148,7 +148,7 @@ TEST_F(TransparencyTest, IdentitiesAreKept) {
     EXPECT_EQ(session->Attach(inner.Get(), &again), S_OK);
     EXPECT_EQ(link, again);
     EXPECT_EQ(asks<IBinaryCommunicator>(link.Get()), S_OK) << "passed on";
-    EXPECT_EQ(asks<IRecorderAccess>(link.Get()), S_OK) << "likewise";
+    EXPECT_EQ(asks<IRecorderAccess>(link.Get()), S_OK);
     EXPECT_EQ(asks<IKelStream>(link.Get()), E_NOINTERFACE);
 
     ComPtr<IKelStream> port, innerPort;
@@ -273,9 +273,11 @@ TEST_F(TransparencyTest, TheEchoReachesTheHostsWindow) {
         EXPECT_EQ(inner->get_Port(&innerPort), S_OK);
         EXPECT_EQ(innerPort->get_EchoWindow(&window), S_OK);
         EXPECT_NE(window, second.number()) << "the link shows its texts in a window between";
-        EXPECT_EQ(stream->put_EchoWindow(77), S_OK);
+        // The number of no window, not even of another program's.
+        constexpr long kNoWindow = 0xFFFF;
+        EXPECT_EQ(stream->put_EchoWindow(kNoWindow), S_OK);
         EXPECT_EQ(innerPort->get_EchoWindow(&window), S_OK);
-        EXPECT_EQ(window, 77) << "what is no window is the link's to judge";
+        EXPECT_EQ(window, kNoWindow) << "what is no window is the link's to judge";
         EXPECT_EQ(stream->put_EchoWindow(second.number()), S_OK);
     }
     EXPECT_EQ(innerPort->Echo(bstr(L"b").get()), S_OK);
