@@ -36,9 +36,13 @@ std::wstring widen(std::string_view text, UINT codePage) {
 std::string narrow(std::wstring_view text, UINT codePage) {
     if (text.empty()) return {};
     const int size = countOf(text.size());
+    // Else a character that only looks like a quote would become one, and end a text. In UTF-8
+    // there is room for all, and no choice.
+    const UINT page = codePage == CP_ACP ? GetACP() : codePage;
+    const DWORD flags = page == CP_UTF8 ? 0 : WC_NO_BEST_FIT_CHARS;
     std::string bytes(
-        WideCharToMultiByte(codePage, 0, text.data(), size, nullptr, 0, nullptr, nullptr), '\0');
-    WideCharToMultiByte(codePage, 0, text.data(), size, bytes.data(),
+        WideCharToMultiByte(page, flags, text.data(), size, nullptr, 0, nullptr, nullptr), '\0');
+    WideCharToMultiByte(page, flags, text.data(), size, bytes.data(),
                         static_cast<int>(bytes.size()), nullptr, nullptr);
     return bytes;
 }

@@ -26,9 +26,10 @@ struct Outcome {
 Outcome invoke(IDispatch* object, DISPID member, WORD flags, std::vector<VARIANT> arguments,
                std::vector<DISPID> named = {});
 
-// Calls a member by its name: "Name argument ..." or "Name argument ... = value". An argument is a
-// text in quotes, a number, "true", "false", "yes" (1, which is not VARIANT_TRUE), "none" (a text
-// that is a null pointer), "out", which takes a result, or the name of one of the values.
+// Calls a member by its name: "Name argument ..." or "Name argument ... = value"; with
+// "Member.Name" one of the object that a member gives. An argument is a text in quotes, a number,
+// "true", "false", "yes" (1, which is not VARIANT_TRUE), "none" (a text that is a null pointer),
+// "out", which takes a result, or the name of one of the values.
 Outcome invoke(IDispatch* object, const std::string& line,
                const std::map<std::string, com::Variant>& values = {});
 

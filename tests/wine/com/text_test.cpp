@@ -35,6 +35,7 @@ TEST(Text, IsConvertedBothWays) {
 
 TEST(Text, WhatACodePageCannotHoldBecomesItsDefaultCharacter) {
     EXPECT_EQ(narrow(L"a\u4E00b", kWestern), "a?b");
+    EXPECT_EQ(narrow(L"\uFF02\u2032", kWestern), "??");
     EXPECT_EQ(narrow(L"a\xD800", kWestern), "a?");
     EXPECT_EQ(narrow(L"\xDC00z", kWestern), "?z");
     // A lead byte at the end has no character.

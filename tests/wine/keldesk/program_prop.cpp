@@ -26,6 +26,23 @@ std::wstring clipboardText() {
     return copied;
 }
 
+// The user's own keys are not those of the stage.
+std::wstring firstRecent() {
+    wchar_t paths[4096] = L"";
+    DWORD size = sizeof paths;
+    HKEY user = nullptr;
+    RegOpenCurrentUser(KEY_READ, &user);
+    RegGetValueW(user, L"Software\\KelDesk", L"RecentScripts", RRF_RT_REG_MULTI_SZ, nullptr, paths,
+                 &size);
+    RegCloseKey(user);
+    return paths;
+}
+
+LRESULT findings() {
+    const HWND window = FindWindowW(L"KelDeskList", L"Errors and warnings");
+    return SendMessageW(GetWindow(window, GW_CHILD), LVM_GETITEMCOUNT, 0, 0);
+}
+
 class ProgramProp final : public Prop {
 public:
     explicit ProgramProp(Stage& stage) : stage_(stage) {}
@@ -39,10 +56,20 @@ public:
         std::string rest = line;
         const std::string word = takeWord(rest);
         const std::wstring text = widened(rest);
-        if (word == "start") {
+        if (word == "in") {
+            folder_ = text;
+        } else if (word == "start") {
             start(text);
         } else if (word == "status") {
-            waitUntil(line, [&] { return status().starts_with(text); });
+            waitUntil(line, [&] { return status(1).starts_with(text); });
+        } else if (word == "says") {
+            waitUntil(line, [&] { return status(2).starts_with(text); });
+        } else if (word == "found") {
+            waitUntil(line, [&] { return findings() == std::stol(rest); });
+        } else if (word == "asks") {
+            waitUntil(line, [&] { return !EnumThreadWindows(stage_.programThread, goesOn, 0); });
+        } else if (word == "recent") {
+            waitUntil(line, [&] { return firstRecent() == text; });
         } else if (word == "copied") {
             waitUntil(line, [&] { return clipboardText().find(text) != std::wstring::npos; });
         } else if (word == "runs") {
@@ -67,7 +94,7 @@ private:
         startup.cb = sizeof startup;
         PROCESS_INFORMATION started{};
         com::check(CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                                  nullptr, &startup, &started)
+                                  folder_.empty() ? nullptr : folder_.c_str(), &startup, &started)
                        ? S_OK
                        : HRESULT_FROM_WIN32(GetLastError()));
         CloseHandle(started.hThread);
@@ -81,25 +108,27 @@ private:
                 throw std::runtime_error("waited in vain: " + what);
     }
 
+    static BOOL CALLBACK goesOn(HWND window, LPARAM) { return !GetDlgItem(window, IDNO); }
     static BOOL CALLBACK findBar(HWND window, LPARAM place) {
         HWND& bar = *reinterpret_cast<HWND*>(place);
         bar = FindWindowExW(window, nullptr, STATUSCLASSNAMEW, nullptr);
         return !bar;
     }
     // The bar writes it into the memory of its own process.
-    std::wstring status() const {
+    std::wstring status(WPARAM part) const {
         HWND bar = nullptr;
         EnumThreadWindows(stage_.programThread, findBar, reinterpret_cast<LPARAM>(&bar));
         wchar_t text[128] = L"";
         void* const there =
             VirtualAllocEx(process_.get(), nullptr, sizeof text, MEM_COMMIT, PAGE_READWRITE);
-        SendMessageW(bar, SB_GETTEXTW, 1, reinterpret_cast<LPARAM>(there));
+        SendMessageW(bar, SB_GETTEXTW, part, reinterpret_cast<LPARAM>(there));
         ReadProcessMemory(process_.get(), there, text, sizeof text - sizeof *text, nullptr);
         VirtualFreeEx(process_.get(), there, 0, MEM_RELEASE);
         return text;
     }
 
     Stage& stage_;
+    std::wstring folder_;
     com::FileHandle process_;
 };
 

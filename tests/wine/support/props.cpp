@@ -3,6 +3,7 @@
 #include <commdlg.h>
 
 #include <cwchar>
+#include <optional>
 
 #include "com/text.h"
 #include "interfaces/link_classes.h"
@@ -76,11 +77,16 @@ private:
 };
 
 // "platform as Windows": from now on the active dialog gets no Cancel in the name of a button that
-// is disabled, which Wine sends.
+// is disabled, which Wine sends. "platform refuses waits": COM does not wait for other threads.
 class PlatformProp final : public Prop {
 public:
     explicit PlatformProp(Stage&) {}
     void prepare(const std::string& line) override {
+        if (line == "refuses waits") {
+            waits_.emplace(kelUtils().module(), "CoWaitForMultipleHandles",
+                           reinterpret_cast<void*>(refuseToWait));
+            return;
+        }
         if (line != "as Windows") throw std::invalid_argument("not understood: " + line);
         original_ = reinterpret_cast<DLGPROC>(
             SetWindowLongPtrW(GetActiveWindow(), DWLP_DLGPROC, reinterpret_cast<LONG_PTR>(behave)));
@@ -94,7 +100,12 @@ private:
         return original_(window, message, wide, longer);
     }
 
+    static HRESULT WINAPI refuseToWait(DWORD, DWORD, ULONG, HANDLE*, DWORD*) {
+        return E_UNEXPECTED;
+    }
+
     static inline DLGPROC original_ = nullptr;
+    std::optional<ImportPatch> waits_;
 };
 
 // "chooser as Windows": the platform's chooser of files refuses names with a bar, and what it is

@@ -118,6 +118,7 @@ private:
     }
     void answer(HRESULT code) {
         if (code != S_OK) stage_.transcript.tell(std::to_string(code));
+        if (takeError() && code == S_OK) stage_.transcript.tell("leaves an error behind");
     }
     HRESULT happen(const std::string& call) {
         if (!refused_.empty() && call.starts_with(refused_)) return S_FALSE;

@@ -126,6 +126,39 @@ TEST_F(TerminalTest, SurvivesWhatItsContainerDoesInACall) {
     }
 }
 
+// A sink that holds the control, and its last reference in the end.
+class HoldingSink final : public com::Object<HoldingSink, com::Plain<IAdviseSink>> {
+public:
+    static constexpr com::ClassDescription kClass{};
+    HoldingSink(com::ComPtr<IUnknown> held, bool& keptAlive) : held_(held), keptAlive_(keptAlive) {}
+    ~HoldingSink() override {
+        held_.Reset();
+        keptAlive_ = kelUtils().canUnloadNow() == S_FALSE;
+    }
+
+    STDMETHODIMP_(void) OnDataChange(FORMATETC*, STGMEDIUM*) override {}
+    STDMETHODIMP_(void) OnViewChange(DWORD, LONG) override {}
+    STDMETHODIMP_(void) OnRename(IMoniker*) override {}
+    STDMETHODIMP_(void) OnSave() override {}
+    STDMETHODIMP_(void) OnClose() override {}
+
+private:
+    com::ComPtr<IUnknown> held_;
+    bool& keptAlive_;
+};
+
+TEST_F(TerminalTest, LivesAsLongAsItsCalls) {
+    stage.reset();
+    bool keptAlive = false;
+    com::ComPtr<IViewObjectEx> made;
+    ASSERT_EQ(kelUtils().create<IKelTerminal3>(CLSID_KelTerminal).As(&made), S_OK);
+    IViewObjectEx* const view = made.Detach();
+    view->SetAdvise(DVASPECT_CONTENT, 0, com::makeObject<HoldingSink>(view, keptAlive).Get());
+    view->Release();
+    EXPECT_EQ(view->SetAdvise(0, 0, nullptr), S_OK);
+    EXPECT_TRUE(keptAlive);
+}
+
 TEST_F(TerminalTest, TakesCallsInAnyOrder) {
     const char* const deeds[] = {"container leave",
                                  "container close",

@@ -1,5 +1,5 @@
 // The access to the recorder, recorded on the bench and on doubles, and replayed without them.
-#include "tests/wine/link/recorder_test.h"
+#include "tests/wine/trace/bench_recorder.h"
 
 #include <fstream>
 
