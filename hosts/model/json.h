@@ -65,8 +65,8 @@ struct Json {
 
 using Member = NamedValue<Json>;
 
-// Control characters and lone surrogates are escaped; everything else is UTF-8. A number that is not
-// finite becomes null: there is none in JSON.
+// Control characters and lone surrogates are escaped; everything else is UTF-8. A number that is
+// not finite becomes null: there is none in JSON.
 std::string write(const Json& json);
 
 // Throws std::invalid_argument, with a reason, for what is not exactly one value.
