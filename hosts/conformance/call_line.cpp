@@ -54,12 +54,12 @@ Outcome invoke(IDispatch* object, DISPID member, WORD flags, std::vector<VARIANT
 
 Outcome invoke(IDispatch* object, const std::string& line,
                const std::map<std::string, com::Variant>& values) {
-    const std::size_t end = line.find_first_of(". \"");
-    if (end != line.npos && line[end] == '.') {
-        Outcome member = invoke(object, line.substr(0, end), values);
+    const std::size_t stop = line.find_first_of(". \"");
+    if (stop != line.npos && line[stop] == '.') {
+        Outcome member = invoke(object, line.substr(0, stop), values);
         const VARIANT& found = member.result.get();
         if (found.vt != VT_DISPATCH || !found.pdispVal) return member;
-        return invoke(found.pdispVal, line.substr(end + 1), values);
+        return invoke(found.pdispVal, line.substr(stop + 1), values);
     }
     const std::regex pattern("\"[^\"]*\"|\\S+");
     std::vector<std::string> words;
