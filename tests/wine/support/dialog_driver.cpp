@@ -173,8 +173,7 @@ HWND DialogDriver::control(int identifier) {
     return found;
 }
 
-std::wstring DialogDriver::text(int identifier) {
-    const HWND window = control(identifier);
+std::wstring DialogDriver::textOf(HWND window) {
     std::wstring text(static_cast<std::size_t>(send(window, WM_GETTEXTLENGTH)) + 1, L'\0');
     text.resize(static_cast<std::size_t>(
         send(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));

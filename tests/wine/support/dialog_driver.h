@@ -55,7 +55,7 @@ public:
     HWND window() const { return window_; }
     // Of the window, or of a page inside it: of the one that is seen where several have it.
     HWND control(int identifier);
-    std::wstring text(int identifier);
+    std::wstring text(int identifier) { return textOf(control(identifier)); }
 
     // Presses a button without waiting for what it does.
     void press(int identifier);
@@ -65,7 +65,9 @@ public:
     void type(std::wstring_view text);
     // The window of the test's thread that has the focus.
     HWND focus();
-    LRESULT send(HWND window, UINT message, WPARAM wide = 0, LPARAM longer = 0);
+    // Waits for the answer, for as long as a window that works may take.
+    static LRESULT send(HWND window, UINT message, WPARAM wide = 0, LPARAM longer = 0);
+    static std::wstring textOf(HWND window);
 
 private:
     HWND find(const std::wstring& caption) const;

@@ -1,14 +1,14 @@
 #include "tests/wine/support/here_prop.h"
 
-#include <commctrl.h>
-
 #include <cstdio>
+#include <fstream>
 #include <sstream>
 #include <stdexcept>
 
 #include "com/text.h"
 #include "interfaces/KelUtils.h"
 #include "tests/support/cases.h"
+#include "tests/support/project_file.h"
 #include "tests/wine/support/dialog_driver.h"
 #include "tests/wine/support/event_sink.h"
 #include "tests/wine/support/user.h"
@@ -16,47 +16,13 @@
 namespace kel::test {
 namespace {
 
+// By the platform's name for it.
 UINT messageOf(const std::string& name) {
-#define KEL_MESSAGE(name) \
-    { #name, name }
-    static const std::map<std::string, UINT, std::less<>> known = {
-        KEL_MESSAGE(BM_CLICK),
-        KEL_MESSAGE(CB_GETCOUNT),
-        KEL_MESSAGE(CB_GETEDITSEL),
-        KEL_MESSAGE(EM_GETFIRSTVISIBLELINE),
-        KEL_MESSAGE(EM_GETLIMITTEXT),
-        KEL_MESSAGE(EM_GETSEL),
-        KEL_MESSAGE(EM_LINEINDEX),
-        KEL_MESSAGE(EM_LINESCROLL),
-        KEL_MESSAGE(EM_REPLACESEL),
-        KEL_MESSAGE(EM_SCROLLCARET),
-        KEL_MESSAGE(EM_SETSEL),
-        KEL_MESSAGE(PBM_GETRANGE),
-        KEL_MESSAGE(WM_COMMAND),
-        KEL_MESSAGE(WM_CTLCOLORBTN),
-        KEL_MESSAGE(WM_CTLCOLORDLG),
-        KEL_MESSAGE(WM_CTLCOLOREDIT),
-        KEL_MESSAGE(WM_CTLCOLORLISTBOX),
-        KEL_MESSAGE(WM_CTLCOLORMSGBOX),
-        KEL_MESSAGE(WM_CTLCOLORSCROLLBAR),
-        KEL_MESSAGE(WM_CTLCOLORSTATIC),
-        KEL_MESSAGE(WM_ERASEBKGND),
-        KEL_MESSAGE(WM_GETTEXT),
-        KEL_MESSAGE(WM_GETTEXTLENGTH),
-        KEL_MESSAGE(WM_KEYDOWN),
-        KEL_MESSAGE(WM_SETTEXT)};
-#undef KEL_MESSAGE
-    return known.at(name);
-}
-
-std::string shownBy(HWND window) {
-    wchar_t kind[64] = L"", text[1024] = L"";
-    GetClassNameW(window, kind, static_cast<int>(std::size(kind)));
-    GetWindowTextW(window, text, static_cast<int>(std::size(text)));
-    std::string shown = std::wstring_view(kind) == PROGRESS_CLASSW
-                            ? std::to_string(SendMessageW(window, PBM_GETPOS, 0, 0))
-                            : com::narrow(text, CP_UTF8);
-    return shown + (IsWindowVisible(window) ? "" : " (hidden)");
+    std::ifstream table(projectFile("tests/wine/support/messages.txt"));
+    std::string known;
+    for (UINT number; table >> known >> std::hex >> number;)
+        if (known == name) return number;
+    throw std::invalid_argument("messages.txt has no message " + name);
 }
 
 class HereProp final : public Prop {
@@ -135,7 +101,7 @@ private:
             if (!control) {
                 tell(name, "gone");
             } else if (shows) {
-                tell(name, shownBy(control));
+                tell(name, described(control));
             } else {
                 tell(name, GetUpdateRect(control, nullptr, FALSE) ? "not painted" : "painted");
             }

@@ -9,7 +9,8 @@
 //     here setfocus NAME
 //     here focus NAME              tells whether it has the focus, or a part of it
 //     here end NAME                tells whether it is scrolled to the end
-//     here send NAME MESSAGE [WIDE [LONG | "TEXT"]]     by the platform's name for the message
+//     here send NAME MESSAGE [WIDE [LONG | "TEXT"]]     by the platform's name for the message,
+//                                  which messages.txt has to know
 //     here ask NAME MESSAGE …      the same, and tells what it gives
 //     here post NAME MESSAGE …
 //     here colours NAME MESSAGE    tells what the window answers to that message of a control:

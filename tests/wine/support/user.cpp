@@ -46,7 +46,120 @@ bool fits(std::string_view text, std::string_view pattern) {
     return fits(text, pattern.substr(1)) || (!text.empty() && fits(text.substr(1), pattern));
 }
 
+LRESULT send(HWND window, UINT message, WPARAM wide = 0, LPARAM longer = 0) {
+    return DialogDriver::send(window, message, wide, longer);
+}
+
+std::string textOf(HWND window) {
+    return com::narrow(DialogDriver::textOf(window), CP_UTF8);
+}
+
+// Each row: its box where there are boxes, a star where it is selected, its cells.
+std::string rowsOf(HWND list) {
+    const bool hasBoxes = send(list, LVM_GETEXTENDEDLISTVIEWSTYLE) & LVS_EX_CHECKBOXES;
+    const auto header = reinterpret_cast<HWND>(send(list, LVM_GETHEADER));
+    const auto columns = std::max<LRESULT>(1, header ? send(header, HDM_GETITEMCOUNT) : 1);
+    std::string rows;
+    const LRESULT count = send(list, LVM_GETITEMCOUNT);
+    for (LRESULT row = 0; row < count; ++row) {
+        const auto state = static_cast<UINT>(send(list, LVM_GETITEMSTATE, static_cast<WPARAM>(row),
+                                                  LVIS_STATEIMAGEMASK | LVIS_SELECTED));
+        rows += row > 0 ? ", " : "";
+        if (hasBoxes) rows += (state & LVIS_STATEIMAGEMASK) == INDEXTOSTATEIMAGEMASK(2) ? "+" : "-";
+        rows += state & LVIS_SELECTED ? "*" : "";
+        for (int column = 0; column < columns; ++column) {
+            wchar_t text[256] = L"";
+            LVITEMW item{};
+            item.iSubItem = column;
+            item.pszText = text;
+            item.cchTextMax = static_cast<int>(std::size(text));
+            send(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+            rows += (column > 0 ? "|" : "") + com::narrow(item.pszText, CP_UTF8);
+        }
+    }
+    return rows;
+}
+
+// Each item: a star where it is selected, what its tooltip says, which begins with its label.
+std::string itemsOf(HWND tree) {
+    const auto selected = send(tree, TVM_GETNEXTITEM, TVGN_CARET);
+    std::string items;
+    for (auto item = send(tree, TVM_GETNEXTITEM, TVGN_ROOT); item;
+         item = send(tree, TVM_GETNEXTITEM, TVGN_NEXT, item)) {
+        wchar_t text[256] = L"";
+        NMTVGETINFOTIPW asked{};
+        asked.hdr = {tree, static_cast<UINT_PTR>(GetDlgCtrlID(tree)),
+                     static_cast<UINT>(TVN_GETINFOTIPW)};
+        asked.pszText = text;
+        asked.cchTextMax = static_cast<int>(std::size(text));
+        asked.hItem = reinterpret_cast<HTREEITEM>(item);
+        send(GetParent(tree), WM_NOTIFY, asked.hdr.idFrom, reinterpret_cast<LPARAM>(&asked));
+        wchar_t label[256] = L"";
+        TVITEMW entry{};
+        entry.mask = TVIF_TEXT;
+        entry.hItem = asked.hItem;
+        entry.pszText = label;
+        entry.cchTextMax = static_cast<int>(std::size(label));
+        send(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&entry));
+        items += (items.empty() ? "" : ", ") + std::string(item == selected ? "*" : "");
+        if (!std::wstring_view(text).starts_with(label))
+            items += com::narrow(label, CP_UTF8) + ": ";
+        items += com::narrow(text, CP_UTF8);
+    }
+    return items;
+}
+
+LPARAM itemAt(HWND tree, int index) {
+    auto item = send(tree, TVM_GETNEXTITEM, TVGN_ROOT);
+    while (index-- > 0)
+        item = send(tree, TVM_GETNEXTITEM, TVGN_NEXT, item);
+    return item;
+}
+
+// Titles, alignments and widths.
+std::string columnsOf(HWND list) {
+    std::string columns;
+    wchar_t text[64] = L"";
+    LVCOLUMNW column{LVCF_TEXT | LVCF_FMT | LVCF_WIDTH, 0, 0, text, 64, 0, 0, 0, 0, 0, 0};
+    for (WPARAM i = 0; send(list, LVM_GETCOLUMNW, i, reinterpret_cast<LPARAM>(&column)); ++i)
+        columns += com::narrow(text, CP_UTF8) + " " +
+                   std::to_string(column.fmt & LVCFMT_JUSTIFYMASK) + " " +
+                   std::to_string(column.cx) + ", ";
+    return columns;
+}
+
+// Its class and style; of that without what controls take away because they draw it themselves.
+std::string styleOf(HWND window) {
+    constexpr LONG kOwn = WS_BORDER | WS_VSCROLL;
+    char style[16];
+    std::snprintf(style, sizeof style, " %08lx", GetWindowLongW(window, GWL_STYLE) & ~kOwn);
+    const bool isOdd = send(window, WM_GETFONT) != send(GetParent(window), WM_GETFONT);
+    return kindOf(window) + style + (isOdd ? " (another font)" : "");
+}
+
 }  // namespace
+
+std::string described(HWND window) {
+    const std::string kind = kindOf(window);
+    std::string text;
+    if (kind == WC_LISTVIEWA) {
+        text = rowsOf(window);
+    } else if (kind == WC_TREEVIEWA) {
+        text = itemsOf(window);
+    } else if (kind == PROGRESS_CLASSA) {
+        text = std::to_string(send(window, PBM_GETPOS)) + " of " +
+               std::to_string(send(window, PBM_GETRANGE, FALSE));
+    } else {
+        text = textOf(window);
+    }
+    const auto type = GetWindowLongW(window, GWL_STYLE) & BS_TYPEMASK;
+    constexpr LONG kChecked[] = {BS_CHECKBOX, BS_AUTOCHECKBOX, BS_RADIOBUTTON, BS_AUTORADIOBUTTON};
+    if (kind == "Button" && std::ranges::count(kChecked, type) > 0)
+        text = (send(window, BM_GETCHECK) == BST_CHECKED ? "[x] " : "[ ] ") + text;
+    if (!IsWindowEnabled(window)) text += " (disabled)";
+    if (!IsWindowVisible(window)) text += " (hidden)";
+    return text;
+}
 
 int identifierOf(const std::string& name) {
     static const std::map<std::string, int, std::less<>> known = [] {
@@ -119,7 +232,7 @@ void User::act(const std::string& line) {
         {"controlclick", [&] { this->click(rest, click, MK_CONTROL); }},
         {"command", [&] { post(WM_COMMAND, static_cast<WPARAM>(identifierOf(rest))); }},
         {"close", [&] { post(WM_CLOSE); }},
-        {"timer", [&] { driver_.send(driver_.window(), WM_TIMER, 1); }},
+        {"timer", [&] { send(driver_.window(), WM_TIMER, 1); }},
         {"message", [&] { post(RegisterWindowMessageW(widened(rest).c_str())); }},
     };
     const std::map<std::string_view, std::function<void()>> looks = {
@@ -208,21 +321,21 @@ void User::choose(std::string line) {
     const HWND window = control(name);
     const std::string kind = kindOf(window);
     if (kind == "ComboBox") {
-        const auto index = driver_.send(window, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
-                                        reinterpret_cast<LPARAM>(widened(line).c_str()));
+        const auto index = send(window, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
+                                reinterpret_cast<LPARAM>(widened(line).c_str()));
         if (index < 0) throw std::runtime_error("there is no choice " + line);
-        driver_.send(window, CB_SETCURSEL, static_cast<WPARAM>(index));
+        send(window, CB_SETCURSEL, static_cast<WPARAM>(index));
         PostMessageW(GetParent(window), WM_COMMAND, MAKEWPARAM(identifierOf(name), CBN_SELCHANGE),
                      reinterpret_cast<LPARAM>(window));
     } else if (kind == WC_TREEVIEWA) {
         const LPARAM item = line.empty() ? 0 : itemAt(window, std::stoi(line));
-        driver_.send(window, TVM_SELECTITEM, TVGN_CARET, item);
+        send(window, TVM_SELECTITEM, TVGN_CARET, item);
     } else if (kind == WC_LISTVIEWA) {
         LVITEMW item{};
         item.stateMask = LVIS_SELECTED;
         const auto set = [&](int row) {
-            driver_.send(window, LVM_SETITEMSTATE, static_cast<WPARAM>(row),
-                         reinterpret_cast<LPARAM>(&item));
+            send(window, LVM_SETITEMSTATE, static_cast<WPARAM>(row),
+                 reinterpret_cast<LPARAM>(&item));
         };
         set(-1);
         item.state = LVIS_SELECTED;
@@ -241,11 +354,10 @@ void User::click(std::string line, const std::vector<UINT>& messages, WPARAM key
     RECT place{};
     if (kindOf(window) == WC_TREEVIEWA) {
         *reinterpret_cast<LPARAM*>(&place) = itemAt(window, row);
-        driver_.send(window, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&place));
+        send(window, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&place));
     } else {
         place.left = LVIR_LABEL;
-        driver_.send(window, LVM_GETITEMRECT, static_cast<WPARAM>(row),
-                     reinterpret_cast<LPARAM>(&place));
+        send(window, LVM_GETITEMRECT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&place));
     }
     const LONG x = place.left + (line == "box" ? -8 : 4);
     for (const UINT message : messages)
@@ -259,7 +371,7 @@ void User::answerBox(const std::wstring& caption) {
     const HICON stop = LoadIconW(nullptr, MAKEINTRESOURCEW(32513));
     std::string text;
     for (HWND child = nullptr; (child = FindWindowExW(box, child, L"Static", nullptr));) {
-        const auto icon = driver_.send(child, STM_GETICON);
+        const auto icon = send(child, STM_GETICON);
         if (icon == 0) text += textOf(child);
         if (reinterpret_cast<HICON>(icon) == stop) text += "(stop) ";
     }
@@ -270,120 +382,6 @@ void User::answerBox(const std::wstring& caption) {
 
 HWND User::control(const std::string& name) {
     return driver_.control(identifierOf(name));
-}
-
-std::string User::textOf(HWND window) {
-    wchar_t text[512] = L"";
-    driver_.send(window, WM_GETTEXT, std::size(text), reinterpret_cast<LPARAM>(text));
-    return com::narrow(text, CP_UTF8);
-}
-
-std::string User::described(HWND window) {
-    const std::string kind = kindOf(window);
-    std::string text;
-    if (kind == WC_LISTVIEWA) {
-        text = rowsOf(window);
-    } else if (kind == WC_TREEVIEWA) {
-        text = itemsOf(window);
-    } else if (kind == PROGRESS_CLASSA) {
-        text = std::to_string(driver_.send(window, PBM_GETPOS)) + " of " +
-               std::to_string(driver_.send(window, PBM_GETRANGE, FALSE));
-    } else {
-        text = textOf(window);
-    }
-    const auto type = GetWindowLongW(window, GWL_STYLE) & BS_TYPEMASK;
-    constexpr LONG kChecked[] = {BS_CHECKBOX, BS_AUTOCHECKBOX, BS_RADIOBUTTON, BS_AUTORADIOBUTTON};
-    if (kind == "Button" && std::ranges::count(kChecked, type) > 0)
-        text = (driver_.send(window, BM_GETCHECK) == BST_CHECKED ? "[x] " : "[ ] ") + text;
-    if (!IsWindowEnabled(window)) text += " (disabled)";
-    if (!IsWindowVisible(window)) text += " (hidden)";
-    return text;
-}
-
-// Its class and style; of that without what controls take away because they draw it themselves.
-std::string User::styleOf(HWND window) {
-    constexpr LONG kOwn = WS_BORDER | WS_VSCROLL;
-    char style[16];
-    std::snprintf(style, sizeof style, " %08lx", GetWindowLongW(window, GWL_STYLE) & ~kOwn);
-    const bool isOdd =
-        driver_.send(window, WM_GETFONT) != driver_.send(GetParent(window), WM_GETFONT);
-    return kindOf(window) + style + (isOdd ? " (another font)" : "");
-}
-
-// Each row: its box where there are boxes, a star where it is selected, its cells.
-std::string User::rowsOf(HWND list) {
-    const bool hasBoxes = driver_.send(list, LVM_GETEXTENDEDLISTVIEWSTYLE) & LVS_EX_CHECKBOXES;
-    const auto header = reinterpret_cast<HWND>(driver_.send(list, LVM_GETHEADER));
-    const auto columns = std::max<LRESULT>(1, header ? driver_.send(header, HDM_GETITEMCOUNT) : 1);
-    std::string rows;
-    const LRESULT count = driver_.send(list, LVM_GETITEMCOUNT);
-    for (LRESULT row = 0; row < count; ++row) {
-        const auto state = static_cast<UINT>(driver_.send(
-            list, LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_STATEIMAGEMASK | LVIS_SELECTED));
-        rows += row > 0 ? ", " : "";
-        if (hasBoxes) rows += (state & LVIS_STATEIMAGEMASK) == INDEXTOSTATEIMAGEMASK(2) ? "+" : "-";
-        rows += state & LVIS_SELECTED ? "*" : "";
-        for (int column = 0; column < columns; ++column) {
-            wchar_t text[256] = L"";
-            LVITEMW item{};
-            item.iSubItem = column;
-            item.pszText = text;
-            item.cchTextMax = static_cast<int>(std::size(text));
-            driver_.send(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row),
-                         reinterpret_cast<LPARAM>(&item));
-            rows += (column > 0 ? "|" : "") + com::narrow(item.pszText, CP_UTF8);
-        }
-    }
-    return rows;
-}
-
-std::string User::columnsOf(HWND list) {
-    std::string columns;
-    wchar_t text[64] = L"";
-    LVCOLUMNW column{LVCF_TEXT | LVCF_FMT | LVCF_WIDTH, 0, 0, text, 64, 0, 0, 0, 0, 0, 0};
-    for (WPARAM i = 0; driver_.send(list, LVM_GETCOLUMNW, i, reinterpret_cast<LPARAM>(&column));
-         ++i)
-        columns += com::narrow(text, CP_UTF8) + " " +
-                   std::to_string(column.fmt & LVCFMT_JUSTIFYMASK) + " " +
-                   std::to_string(column.cx) + ", ";
-    return columns;
-}
-
-// Each item: a star where it is selected, what its tooltip says, which begins with its label.
-std::string User::itemsOf(HWND tree) {
-    const auto selected = driver_.send(tree, TVM_GETNEXTITEM, TVGN_CARET);
-    std::string items;
-    for (auto item = driver_.send(tree, TVM_GETNEXTITEM, TVGN_ROOT); item;
-         item = driver_.send(tree, TVM_GETNEXTITEM, TVGN_NEXT, item)) {
-        wchar_t text[256] = L"";
-        NMTVGETINFOTIPW asked{};
-        asked.hdr = {tree, static_cast<UINT_PTR>(GetDlgCtrlID(tree)),
-                     static_cast<UINT>(TVN_GETINFOTIPW)};
-        asked.pszText = text;
-        asked.cchTextMax = static_cast<int>(std::size(text));
-        asked.hItem = reinterpret_cast<HTREEITEM>(item);
-        driver_.send(GetParent(tree), WM_NOTIFY, asked.hdr.idFrom,
-                     reinterpret_cast<LPARAM>(&asked));
-        wchar_t label[256] = L"";
-        TVITEMW entry{};
-        entry.mask = TVIF_TEXT;
-        entry.hItem = asked.hItem;
-        entry.pszText = label;
-        entry.cchTextMax = static_cast<int>(std::size(label));
-        driver_.send(tree, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&entry));
-        items += (items.empty() ? "" : ", ") + std::string(item == selected ? "*" : "");
-        if (!std::wstring_view(text).starts_with(label))
-            items += com::narrow(label, CP_UTF8) + ": ";
-        items += com::narrow(text, CP_UTF8);
-    }
-    return items;
-}
-
-LPARAM User::itemAt(HWND tree, int index) {
-    auto item = driver_.send(tree, TVM_GETNEXTITEM, TVGN_ROOT);
-    while (index-- > 0)
-        item = driver_.send(tree, TVM_GETNEXTITEM, TVGN_NEXT, item);
-    return item;
 }
 
 }  // namespace kel::test

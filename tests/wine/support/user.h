@@ -15,6 +15,10 @@ namespace kel::test {
 // of resource_ids.h without "IDC_" or "IDM_". Throws where there is none.
 int identifierOf(const std::string& name);
 
+// What a control shows: its text, or its rows, or the place of its bar; whether it is checked,
+// disabled or hidden. From any thread.
+std::string described(HWND window);
+
 // Lives on the driver's thread.
 class User {
 public:
@@ -35,15 +39,6 @@ private:
     void answerBox(const std::wstring& caption);
 
     HWND control(const std::string& name);
-    // Its text, or its rows, or the place of its bar; whether it is checked, disabled or hidden.
-    std::string described(HWND window);
-    std::string textOf(HWND window);
-    std::string styleOf(HWND window);
-    std::string rowsOf(HWND list);
-    std::string itemsOf(HWND tree);
-    // Titles, alignments and widths.
-    std::string columnsOf(HWND list);
-    LPARAM itemAt(HWND tree, int index);
 
     DialogDriver& driver_;
     Stage& stage_;
