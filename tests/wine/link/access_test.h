@@ -20,16 +20,26 @@ protected:
         TearDown();
         scale.reset();
         if (linkScale) scale.emplace(linkScale);
+        reach(startInstrument(std::move(options), instrumentScale));
+    }
+
+    // Gives the port of a new instrument.
+    virtual Bstr startInstrument(InstrumentOptions options, double instrumentScale) {
         server.emplace(std::move(options), instrumentScale);
-        reach(server->port());
+        return server->port();
+    }
+
+    // A new object of a class of the link.
+    virtual ComPtr<IDispatch> newObject(REFCLSID identifier) {
+        return create<IDispatch>(identifier);
     }
 
     // Makes a link that reaches whoever listens on a port.
     void reach(const Bstr& port) {
-        stream = create<INetworkStream>(link::kNetworkStreamClass);
+        com::check(newObject(link::kNetworkStreamClass).As(&stream));
         ASSERT_TRUE(connectTo(*stream.Get(), port));
         stream->put_EchoWindow(window.number());
-        link = create<IKelCommunicator>(kCommunicatorClass);
+        com::check(newObject(kCommunicatorClass).As(&link));
         link->put_Port(stream.Get());
     }
 

@@ -76,13 +76,24 @@ private:
 
 }  // namespace
 
+void LinkCase::playAll() {
+    const auto& steps = GetParam().steps;
+    make(steps.front().settings);
+    for (const kel::test::Step& step : steps) {
+        std::string shown;
+        for (const std::string& line : step.lines)
+            shown += play(line);
+        EXPECT_EQ(shown, step.expected) << "line " << step.line;
+    }
+}
+
 void LinkCase::make(const std::vector<std::string>& settings) {
     std::string kind = "stream", instrument, speed = "50";
     std::wstring clock;
     for (std::string setting : settings) {
         const std::string word = takeWord(setting);
         if (word == "alone") {
-            object_ = create<IDispatch>(kClasses.at(setting));
+            object_ = newObject(kClasses.at(setting));
             return;
         }
         if (word == "on") kind = setting;
@@ -112,7 +123,7 @@ void LinkCase::make(const std::vector<std::string>& settings) {
         object_ = recorder;
         listen(DIID__IRecorderAccessEvents);
     } else {
-        object_ = create<IDispatch>(kClasses.at(kind));
+        object_ = newObject(kClasses.at(kind));
         EXPECT_EQ(call(object_.Get(), "Attach $link"), "");
         if (kind == "uploader") listen(DIID__IFirmwareUploaderEvents);
     }

@@ -20,13 +20,17 @@ namespace kel::bench::test {
 
 class LinkCase : public AccessTest, public testing::WithParamInterface<kel::test::Case> {
 protected:
-    // The object that the settings name, and what it needs.
-    void make(const std::vector<std::string>& settings);
+    // The whole case.
+    void playAll();
 
     // Does a line and gives what it shows, with a line end if that is something.
     std::string play(const std::string& line);
 
+    kel::test::TemporaryFolder folder_;
+
 private:
+    // The object that the settings name, and what it needs.
+    void make(const std::vector<std::string>& settings);
     std::string act(const std::string& word, std::string rest);
     kel::test::Outcome invoked(IDispatch* object, std::string line);
     std::string call(IDispatch* object, const std::string& line) {
@@ -48,7 +52,6 @@ private:
     TcpPeer peer_;
     TcpPeer gateway_;
     CardKind card_ = CardKind::kUsual;
-    kel::test::TemporaryFolder folder_;
     ComPtr<IDispatch> object_;
     std::map<std::string, com::Variant> values_;  // objects by their names, which begin with "$"
     ComPtr<IUnknown> sinkOwner_;

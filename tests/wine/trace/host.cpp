@@ -26,6 +26,11 @@ class BenchClasses {
 
 }  // namespace
 
+void recordBench(ITraceSession& session, const std::wstring& file) {
+    const BenchClasses classes;
+    ASSERT_EQ(session.Record(bstr(file).get()), S_OK);
+}
+
 Host::Host(IKelCommunicator* communicator, IKelStream* port)
     : preprocessor(kel::test::kelUtils().create<IPreprocessorControl>(__uuidof(Preprocessor))),
       link(communicator),
@@ -76,8 +81,7 @@ void TraceTest::startRecording(std::pair<CLSID, IUnknown*> other) {
         CoGetClassObject(other.first, CLSCTX_INPROC_SERVER, nullptr,
                          IID_PPV_ARGS(&otherClass.second));
     }
-    const BenchClasses classes;
-    ASSERT_EQ(session->Record(bstr(file).get()), S_OK);
+    recordBench(*session.Get(), file);
     otherClass.second.Reset();
 }
 

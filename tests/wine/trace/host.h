@@ -19,6 +19,9 @@ inline Bstr bstr(std::wstring_view text) {
     return Bstr(text);
 }
 
+// Begins a recording of the bench's link, whose classes need not be registered.
+void recordBench(ITraceSession& session, const std::wstring& file);
+
 // A host that runs scripts on a link, as the command-line host does. The link and its stream are
 // traced or not.
 class Host {

@@ -1,7 +1,6 @@
 #include <fstream>
 
 #include "com/variant.h"
-#include "tests/wine/support/event_sink.h"
 #include "tests/wine/trace/host.h"
 
 namespace kel::trace::test {
@@ -144,42 +143,6 @@ TEST_F(RecordReplayTest, CallsInsideAWaitAreReplayed) {
     startReplay();
     EXPECT_EQ(sleep(true, false).first, KELTRACE_E_DIFFERENCE) << "waited for, not for ever";
     EXPECT_NE(difference().find(L"put_BaudRate(2400), which did not come"), std::wstring::npos);
-}
-
-// With the uploader's own events, at the recorded speed and faster.
-TEST_F(RecordReplayTest, FirmwareIsLoadedWithoutTheInstrument) {
-    write(std::string(3000, 'k'));
-    const auto load = [&] {
-        connectHost(port);
-        const auto uploader = createStream<IFirmwareUploader>(link::kFirmwareUploaderClass);
-        const auto sink = com::makeObject<kel::test::EventSink>();
-        const auto events = kel::test::eventsOf(uploader.Get(), __uuidof(_IFirmwareUploaderEvents));
-        DWORD cookie = 0;
-        EXPECT_EQ(events->Advise(sink->controlling(), &cookie), S_OK);
-        EXPECT_EQ(uploader->Attach(host->link.Get()), S_OK);
-        VARIANT_BOOL loaded = VARIANT_FALSE, same = VARIANT_FALSE;
-        EXPECT_EQ(uploader->Upload(bstr(nested).get(), VARIANT_FALSE, 57600, 0, &loaded), S_OK);
-        EXPECT_EQ(uploader->Verify(bstr(nested).get(), VARIANT_FALSE, &same), S_OK);
-        EXPECT_TRUE(loaded && same);
-        EXPECT_EQ(events->Unadvise(cookie), S_OK);
-        host.reset();
-        return sink->events;
-    };
-    std::string told;
-    {
-        const InstrumentServer instrument({}, 50);
-        port = instrument.port();
-        startRecording();
-        told = load();
-        endSession();
-    }
-    EXPECT_NE(told.find("2 3000 3000\n1 The firmware is as in the file\n"), told.npos) << told;
-    for (const double speed : {1, 0}) {
-        startReplay(speed);
-        EXPECT_EQ(load(), told) << com::narrow(difference());
-        EXPECT_EQ(callsLeft(), 0);
-        endSession();
-    }
 }
 
 TEST_F(RecordReplayTest, AReplayCanBeCancelled) {

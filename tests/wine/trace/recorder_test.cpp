@@ -1,14 +1,15 @@
-// The access to the recorder, recorded on the bench and on doubles, and replayed without them.
-#include "tests/wine/trace/bench_recorder.h"
-
+// The access to the recorder, recorded on doubles and replayed without them.
+#include <atomic>
 #include <fstream>
+#include <thread>
 
 #include "com/handles.h"
 #include "com/passed.h"
 #include "com/variant.h"
 #include "tests/wine/service/fake_recorder.h"
 #include "tests/wine/support/class_object.h"
-#include "tests/wine/support/refusals.h"
+#include "tests/wine/support/event_sink.h"
+#include "tests/wine/support/temporary_folder.h"
 #include "tests/wine/trace/host.h"
 
 namespace kel::trace::test {
@@ -31,99 +32,6 @@ void inApartment(const std::function<void()>& work) {
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     work();
     CoUninitialize();
-}
-
-// The bench's own recorder, which is agile, on a virtual instrument.
-class RecordedBenchTest : public bench::test::RecorderTest {
-protected:
-    // All that a host sees of a card: what is listed, a download with a file to be replaced and one
-    // that is not, a download that is aborted, with patience, in the middle of its second file.
-    std::string visit(const ComPtr<IKelCommunicator>& traced) {
-        link = traced;
-        attach();
-        EXPECT_TRUE(com::isAgile(access.Get()));
-        kel::test::expectNullPointersRefused(access.Get());
-        LONGLONG used = 0, capacity = 0;
-        EXPECT_EQ(access->CardSpace(&used, &capacity), S_OK);
-        std::string told = std::to_string(used) + " of " + std::to_string(capacity) + "\n";
-        told += std::to_string(get(access, &IRecorderAccess::get_Rate));
-        told += get(access, &IRecorderAccess::get_CardPresent) ? " present\n" : " absent\n";
-        const auto files = listing();
-        const auto some = kel::test::benchLink().create<ICollection>(link::kCollectionClass);
-        for (long i = 0; i < countOf(files); ++i) {
-            const auto file = fileAt(files, i);
-            told += com::narrow(nameOf(file)) + " " +
-                    std::to_string(get(file, &IRecorderFile::get_Size)) + " " +
-                    std::to_string(get(file, &IRecorderFile::get_Time)) + "\n";
-            EXPECT_EQ(some->Add(com::Variant(file.Get()).get()), S_OK);
-        }
-        folder.file(L"DAY001.DAT", "old");
-        folder.file(L"DAY003.DAT", "kept");
-        sink->onEvent = [this, asked = 0](DISPID event) mutable {
-            if (event == kConfirm) sink->answer = asked++ == 0;
-            return S_OK;
-        };
-        told += download(files) ? "complete\n" : "not complete\n";
-        told += filesIn(folder);
-        for (const std::wstring& name : folder.names())
-            DeleteFileW((folder.path() + L"\\" + name).c_str());
-
-        std::atomic<int> started = 0;
-        sink->onEvent = [&](DISPID event) {
-            if (event == kStarted) ++started;
-            // Until the abort has come.
-            while (event == kStarted && started == 2)
-                Sleep(1);
-            return S_OK;
-        };
-        meanwhile = [&] {
-            if (started < 2) return;
-            EXPECT_EQ(access->Abort(), S_OK);
-            started = 3;
-        };
-        told += download(some) ? "complete\n" : "not complete\n";
-        meanwhile = nullptr;
-        told += filesIn(folder);
-        for (const std::wstring& name : folder.names())
-            DeleteFileW((folder.path() + L"\\" + name).c_str());
-        return told + std::exchange(sink->events, {});
-    }
-};
-
-TEST_F(RecordedBenchTest, DownloadsAreReplayedWithoutTheInstrument) {
-    connect({}, 50, L"10");
-    const Bstr file(folder.path() + L".trace");
-    std::string recorded;
-    for (const double speed : {-1, 0, 1}) {
-        SCOPED_TRACE(speed);
-        const auto session = kel::test::kelTrace().create<ITraceSession>(__uuidof(TraceSession));
-        ComPtr<IKelCommunicator> traced;
-        if (speed < 0) {
-            ASSERT_EQ(session->Record(file.get()), S_OK);
-            ASSERT_EQ(session->Attach(link.Get(), &traced), S_OK);
-            recorded = visit(traced);
-            EXPECT_NE(recorded.find("DAY001.DAT"), std::string::npos);
-            EXPECT_NE(recorded.find("DAY003.DAT=kept 4\n"), std::string::npos);
-            EXPECT_NE(recorded.find("\ncomplete\n"), std::string::npos);
-            EXPECT_NE(recorded.find("\nnot complete\n"), std::string::npos);
-            EXPECT_NE(recorded.find("1 The download was aborted\n3\n"), std::string::npos);
-        } else {
-            ASSERT_EQ(session->Replay(file.get(), speed), S_OK);
-            ASSERT_EQ(session->Attach(nullptr, &traced), S_OK);
-            EXPECT_EQ(visit(traced), recorded);
-        }
-        Bstr difference;
-        long left = -1;
-        EXPECT_EQ(session->get_Difference(difference.put()), S_OK);
-        EXPECT_EQ(com::narrow(difference.view()), "");
-        EXPECT_EQ(session->get_CallsLeft(&left), S_OK);
-        EXPECT_EQ(left, 0);
-        TearDown();
-        traced.Reset();
-        EXPECT_EQ(session->Close(), S_OK);
-        server.reset();
-    }
-    DeleteFileW(file.get());
 }
 
 // A double, that any thread may call or one only.
