@@ -38,12 +38,13 @@ private:
     // One that expects the call, else for one that is compared the first that expects any.
     ReplayLane* choose(const Call& actual, bool isCompared) const {
         ReplayLane* other = nullptr;
-        for (const auto& [number, lane] : replay_.lanes_) {
+        for (const auto& each : replay_.lanes_) {
+            ReplayLane* const lane = each.second.get();
             const bool isUsed = std::ranges::any_of(
-                replay_.users_, [&](const auto& user) { return user.second.first == lane.get(); });
-            if (number == 0 || isUsed) continue;
-            if (lane->expects(actual)) return lane.get();
-            if (isCompared && !other && lane->callsLeft() > 0) other = lane.get();
+                replay_.users_, [&](const auto& user) { return user.second.first == lane; });
+            if (each.first == 0 || isUsed) continue;
+            if (lane->expects(actual)) return lane;
+            if (isCompared && !other && lane->callsLeft() > 0) other = lane;
         }
         return other;
     }
