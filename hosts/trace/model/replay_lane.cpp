@@ -92,6 +92,8 @@ CallEnded ReplayLane::compared(const Call& actual, bool isRepeatable) {
     lastCall_ = wanted;
     lastEnd_ = as<CallEnded>(events_[end]);
     if (isRepeatable) passRepeats(*wanted);
+    // What was shown meanwhile may have led to calls that differ.
+    state_.stopIfDifferent();
     return *as<CallEnded>(events_[end]);
 }
 
