@@ -105,9 +105,10 @@ test_an_instrument_ends_with_its_parent() {
     local parent
     instrument tcp
     parent=$instrument_process
-    "$KEL_VIRTUAL_INSTRUMENT" --pty --parent "$parent" >/dev/null &
+    "$KEL_VIRTUAL_INSTRUMENT" --pty --parent "$parent" >"$folder/child" &
     instrument_process=$!
     at_exit end_process "$instrument_process"
+    wait_until "the child's address" grep -q . "$folder/child"
     kill "$parent"
     expect_end_of_instrument
 }
