@@ -201,6 +201,8 @@ void RecorderWindow::showListing(long listed, long total) {
 void RecorderWindow::readFiles() {
     com::ComPtr<ICollection> files;
     com::check(recorder_->ReadListing(&files), recorder_);
+    // Its user need not wait for more calls, should it have gone on in spite of the abort.
+    if (isClosing_) return;
     if (!files)
         throw com::Error(E_POINTER, L"The recorder gave no listing", __uuidof(IRecorderAccess));
     files_ = files;
