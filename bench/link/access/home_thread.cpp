@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "com/error.h"
+#include "com/module.h"
 
 namespace kel::bench {
 namespace {
@@ -15,6 +16,15 @@ struct Work {
     const std::function<void()>& function;
     bool done = false;
     std::exception_ptr failure = nullptr;
+};
+
+struct Later {
+    explicit Later(std::function<void()> work) : function(std::move(work)) { com::lockModule(); }
+    ~Later() { com::unlockModule(); }
+    Later(const Later&) = delete;
+    Later& operator=(const Later&) = delete;
+
+    const std::function<void()> function;
 };
 
 }  // namespace
@@ -36,7 +46,8 @@ void HomeThread::run(const std::function<void()>& work) const {
 }
 
 bool HomeThread::post(std::function<void()> work) const {
-    auto item = std::make_unique<std::function<void()>>(std::move(work));
+    // What posts may be the last object of the library, which has to stay until this is done.
+    auto item = std::make_unique<Later>(std::move(work));
     if (!PostMessageW(window_.get(), kRunLater, 0, reinterpret_cast<LPARAM>(item.get()))) {
         return false;
     }
@@ -56,9 +67,8 @@ LRESULT HomeThread::procedure(HWND window, UINT message, WPARAM first, LPARAM se
         return 0;
     }
     if (message == kRunLater) {
-        const std::unique_ptr<std::function<void()>> item(
-            reinterpret_cast<std::function<void()>*>(second));
-        (*item)();
+        const std::unique_ptr<Later> item(reinterpret_cast<Later*>(second));
+        item->function();
         return 0;
     }
     return DefWindowProcW(window, message, first, second);
