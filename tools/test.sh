@@ -28,6 +28,7 @@ run_tests() {
     logged "making the set-up program" "$kel_build/log/package.log" pack_setup ||
         show_failure "$kel_build/log/package.log" "making the set-up program failed"
     wait "$prefix_maker" || exit
+    unset 'exit_commands[-1]' # its id may be another's from now on
     unlock_build
 
     run_test_program "the portable core, natively" "$kel_build/native/tests/core/kel_core_tests"
