@@ -170,6 +170,10 @@ LRESULT MainWindow::handle(UINT message, WPARAM wide, LPARAM longer) {
         case WM_CLOSE:
             attempt([&] { close(); });
             return 0;
+        case WM_ENDSESSION:
+            // Nothing of this program runs once this has been answered.
+            if (wide) attempt([&] { keepSettings(); });
+            return 0;
         default:
             return DefWindowProcW(window_, message, wide, longer);
     }

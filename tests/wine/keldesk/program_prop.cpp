@@ -15,6 +15,7 @@ namespace kel::test {
 namespace {
 
 constexpr DWORD kProgramTime = 20000;
+constexpr wchar_t kSettings[] = L"Software\\KelDesk";
 
 std::wstring clipboardText() {
     if (!OpenClipboard(nullptr)) return {};
@@ -27,14 +28,17 @@ std::wstring clipboardText() {
 }
 
 // The user's own keys are not those of the stage.
+com::RegistryKeyHandle userKey() {
+    HKEY user = nullptr;
+    RegOpenCurrentUser(KEY_ALL_ACCESS, &user);
+    return com::RegistryKeyHandle(user);
+}
+
 std::wstring firstRecent() {
     wchar_t paths[4096] = L"";
     DWORD size = sizeof paths;
-    HKEY user = nullptr;
-    RegOpenCurrentUser(KEY_READ, &user);
-    RegGetValueW(user, L"Software\\KelDesk", L"RecentScripts", RRF_RT_REG_MULTI_SZ, nullptr, paths,
+    RegGetValueW(userKey().get(), kSettings, L"RecentScripts", RRF_RT_REG_MULTI_SZ, nullptr, paths,
                  &size);
-    RegCloseKey(user);
     return paths;
 }
 
@@ -45,7 +49,10 @@ LRESULT findings() {
 
 class ProgramProp final : public Prop {
 public:
-    explicit ProgramProp(Stage& stage) : stage_(stage) {}
+    explicit ProgramProp(Stage& stage) : stage_(stage) {
+        // What a scene that failed, or the user, has made of the terminal would be in the way.
+        RegDeleteKeyValueW(userKey().get(), kSettings, L"Terminal");
+    }
     ~ProgramProp() override {
         if (!process_) return;
         TerminateProcess(process_.get(), 1);
@@ -72,6 +79,9 @@ public:
             waitUntil(line, [&] { return firstRecent() == text; });
         } else if (word == "copied") {
             waitUntil(line, [&] { return clipboardText().find(text) != std::wstring::npos; });
+        } else if (word == "logs") {
+            EnumThreadWindows(stage_.programThread, logOff, 0);
+            TerminateProcess(process_.get(), 0);
         } else if (word == "runs") {
             if (WaitForSingleObject(process_.get(), 0) != WAIT_TIMEOUT)
                 throw std::runtime_error("it has ended");
@@ -113,6 +123,10 @@ private:
         HWND& bar = *reinterpret_cast<HWND*>(place);
         bar = FindWindowExW(window, nullptr, STATUSCLASSNAMEW, nullptr);
         return !bar;
+    }
+    static BOOL CALLBACK logOff(HWND window, LPARAM) {
+        SendMessageW(window, WM_ENDSESSION, SendMessageW(window, WM_QUERYENDSESSION, 0, 0), 0);
+        return TRUE;
     }
     // The bar writes it into the memory of its own process.
     std::wstring status(WPARAM part) const {

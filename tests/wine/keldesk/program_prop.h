@@ -10,6 +10,7 @@
 //     program copied TEXT          waits until the clipboard holds this
 //     program asks                 waits for a question to be answered with yes or no
 //     program runs                 it has not ended
+//     program logs off             its user does, and the system asks and tells it
 //     program ends 0               waits until it has, with this code
 
 #include "tests/wine/support/stage.h"
