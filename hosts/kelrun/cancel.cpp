@@ -13,18 +13,29 @@ constexpr UINT kCancelMessage = WM_APP;
 std::atomic<HWND> target;
 std::atomic<bool> isAskedAlready;
 
+bool isInterrupt(DWORD kind) {
+    return kind == CTRL_C_EVENT || kind == CTRL_BREAK_EVENT;
+}
+
+// No orderly end: the thread that would do it is the one that does not listen.
+BOOL WINAPI endCancelled(DWORD kind) {
+    return isInterrupt(kind) &&
+           TerminateProcess(GetCurrentProcess(), static_cast<UINT>(host::ExitCode::kCancelled));
+}
+
 BOOL WINAPI takeInterrupt(DWORD kind) {
-    const bool isInterrupt = kind == CTRL_C_EVENT || kind == CTRL_BREAK_EVENT;
-    if (isInterrupt && isAskedAlready.exchange(true)) {
-        // No orderly end: the thread that would do it is the one that does not listen.
-        TerminateProcess(GetCurrentProcess(), static_cast<UINT>(host::ExitCode::kCancelled));
-    }
+    if (isInterrupt(kind) && isAskedAlready.exchange(true)) return endCancelled(kind);
     PostMessageW(target, kCancelMessage, 0, 0);
-    if (!isInterrupt) Sleep(INFINITE);  // the console closes: the process ends when this returns
+    if (!isInterrupt(kind))
+        Sleep(INFINITE);  // the console closes: the process ends when this returns
     return TRUE;
 }
 
 }  // namespace
+
+void endAtInterrupt() {
+    if (!SetConsoleCtrlHandler(endCancelled, TRUE)) throw com::lastError();
+}
 
 CancelOnInterrupt::CancelOnInterrupt(com::ComPtr<IPreprocessorControl> preprocessor)
     : preprocessor_(std::move(preprocessor)) {

@@ -7,6 +7,10 @@
 
 namespace kel::kelrun {
 
+// From now on Ctrl+C ends the process at once, as a cancelled one, unless an object of the class
+// below takes it. The system's own end need not tell it from success.
+void endAtInterrupt();
+
 // Works while it lives; one at a time. The system calls on a thread of its own: the request reaches
 // the script as a message, when the stream lets this thread take its messages.
 class CancelOnInterrupt final : public MessageWindow {

@@ -1,4 +1,5 @@
 // kelrun: runs an instrument command script on a connected instrument.
+#include "hosts/kelrun/cancel.h"
 #include "hosts/kelrun/diagnose.h"
 #include "hosts/kelrun/run.h"
 #include "hosts/shared/console_program.h"
@@ -8,6 +9,7 @@ namespace {
 using namespace kel::kelrun;
 
 ExitCode runProgram(const std::vector<std::string>& arguments, ConsoleOutput& errors) {
+    endAtInterrupt();
     const Options options = parseOptions(arguments);
     ConsoleOutput output(STD_OUTPUT_HANDLE);
     if (options.diagnose) return diagnose(options, output);

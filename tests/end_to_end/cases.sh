@@ -271,6 +271,18 @@ test_ends_at_the_second_interrupt() {
     [[ $code == 4 && ! -s $errors ]] || give_up "not ended by the second interrupt"
 }
 
+# As long as no run has begun, the first one does.
+test_ends_at_an_interrupt_before_the_run() {
+    local host
+    host=$(script host.js "dialogue.print('ready'); while (true) {}\n")
+    instrument tcp
+    start_kelrun "$(script waits.kel 'status\n')" "${connection[@]}" --host "$host"
+    wait_until "the host script" grep -q ready "$output"
+    kill -INT "$process"
+    finish_kelrun
+    [[ $code == 4 && ! -s $errors ]] || give_up "not ended as cancelled, but with $code"
+}
+
 interrupt_again() {
     kill -INT "$process" 2>/dev/null || true
     has_ended
