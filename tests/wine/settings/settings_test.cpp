@@ -8,7 +8,6 @@
 #include "settings/settings_list.h"
 #include "settings/vocabulary.h"
 #include "tests/support/table.h"
-#include "tests/support/temporary_file.h"
 #include "tests/wine/support/import_patch.h"
 #include "tests/wine/support/library.h"
 #include "tests/wine/support/registry_sandbox.h"
@@ -86,6 +85,11 @@ protected:
         return "";
     }
 
+    static std::string keep(const std::string& text) {
+        const SettingsKey key = SettingsKey::forWriting(recorder::kKey);
+        return WriteStringSetting(key, recorder::kDownloadRate, text) ? "" : "lost\n";
+    }
+
     static std::string write(const std::string& words) {
         Entries entries;
         std::istringstream texts(words);
@@ -135,6 +139,7 @@ protected:
         if (word == "number") return put(new_session::key("Host"), new_session::kOption, line);
         if (word == "count") return put(connections::kKey, "Count", line);
         if (word == "address") return put(connections::kKey + std::string("\\1"), "Address", line);
+        if (word == "keep") return keep(line);
         if (word == "write") return write(line);
         if (word == "list") return list();
         if (word == "read" && line == "number") return number();
@@ -146,9 +151,7 @@ protected:
         return test::joined(sandbox_.listing()).substr(1);
     }
 
-    test::RegistrySandbox sandbox_{HKEY_CURRENT_USER};
-
-private:
+    const test::RegistrySandbox sandbox_{HKEY_CURRENT_USER};
     const HMODULE program_ = GetModuleHandleW(nullptr);
     const test::ImportPatch patches_[4] = {
         {program_, "RegCreateKeyExA", reinterpret_cast<void*>(create)},
@@ -164,39 +167,6 @@ TEST_P(Settings, AreReadAndWrittenAsTheTableTells) {
 INSTANTIATE_TEST_SUITE_P(Of, Settings,
                          testing::ValuesIn(test::readCases("tests/wine/settings/settings.txt")),
                          testing::PrintToStringParamName());
-
-TEST_F(Settings, EverythingIsKeptAsTheTableSays) {
-    const SettingsKey serial = SettingsKey::forWriting(serial::key("Host"));
-    WriteStringSetting(serial, serial::kPort, "Com3:");
-    WriteStringSetting(serial, serial::kBaud, "19200");
-    writeList(connections::kKey, connections::kFields,
-              Entries{{"Pier", "10.0.0.7", "4444"}, {"", "buoy", "23"}});
-    for (const char* application : {"Host", ""}) {
-        const SettingsKey session = SettingsKey::forWriting(new_session::key(application));
-        session.writeNumber(new_session::kOption, 2);
-        session.writeNumber(new_session::kLastConnection, 0xFFFFFFFF);
-    }
-    SettingsKey::forWriting(open_file::key("Host")).writeNumber(open_file::kUseWorkspaces, 1);
-    writeList(recent_files::key("Host"), recent_files::kFields, Entries{{"C:\\Data\\a.dat"}});
-    WriteStringSetting(SettingsKey::forWriting(firmware::kKey), firmware::kLastUsedFile, "f.hex");
-    const SettingsKey recorder = SettingsKey::forWriting(recorder::kKey);
-    WriteStringSetting(recorder, recorder::kDownloadFolder, "");
-    WriteStringSetting(recorder, recorder::kDownloadRate, "57600");
-    EXPECT_EQ(test::joined(sandbox_.listing()),
-              test::TemporaryFile::bytesOf(test::projectFile("tests/wine/settings/kept.txt")));
-}
-
-TEST_F(Settings, ATextIsWrittenUpToItsFirstZeroAndKeysAreClosedOnce) {
-    SettingsKey key = SettingsKey::forWriting(firmware::kKey);
-    EXPECT_TRUE(WriteStringSetting(key, firmware::kLastUsedFile, std::string("a\0b", 3)));
-    EXPECT_EQ(openKeys.size(), 1u);
-    key.close();
-    key.close();
-    EXPECT_TRUE(openKeys.empty());
-    EXPECT_FALSE(WriteStringSetting(key, firmware::kLastUsedFile, "c"));
-    EXPECT_FALSE(SettingsKey(key, "Below", KEY_READ));
-    EXPECT_EQ(ReadStringSetting(firmware::kKey, firmware::kLastUsedFile, ""), "a");
-}
 
 }  // namespace
 }  // namespace kel::settings
