@@ -15,8 +15,6 @@
 namespace kel::settings {
 namespace {
 
-using Entries = std::vector<ListEntry>;
-
 // Counts the calls on the registry and refuses one of them. What is patched is this program, whose
 // own calls would come here too.
 int calls;
@@ -74,14 +72,15 @@ protected:
     }
     ~Settings() override { EXPECT_TRUE(openKeys.empty()) << "keys are left open"; }
 
-    // Stores anything in a key of the store, as another program might: "1 bytes".
-    static std::string put(const std::string& section, const char* name, std::string value) {
-        const DWORD type = std::stoul(test::takeWord(value));
-        const auto size = static_cast<DWORD>(value.size());
+    // Stores anything in a key of the store, as another program might: "section name type bytes".
+    static std::string put(std::string line) {
+        const std::string section = kRoot + test::takeWord(line);
+        const std::string name = test::takeWord(line);
+        const DWORD type = std::stoul(test::takeWord(line));
+        const auto size = static_cast<DWORD>(line.size());
         // To a text without its end the platform adds one that stands behind it.
-        value += ' ';
-        RegSetKeyValueA(HKEY_CURRENT_USER, (kRoot + section).c_str(), name, type, value.data(),
-                        size);
+        line += ' ';
+        RegSetKeyValueA(HKEY_CURRENT_USER, section.c_str(), name.c_str(), type, line.data(), size);
         return "";
     }
 
@@ -91,7 +90,7 @@ protected:
     }
 
     static std::string write(const std::string& words) {
-        Entries entries;
+        std::vector<ListEntry> entries;
         std::istringstream texts(words);
         for (std::string name, address, port; texts >> name >> address >> port;)
             entries.push_back({name, address, port});
@@ -119,26 +118,9 @@ protected:
         refusedCall = refused;
     }
 
-    // What is read and written with that call refused, and how many calls are made.
-    static std::string refuse(int call) {
-        begin(0);
-        write("a b c d e f");
-        begin(call);
-        std::string told = list();
-        told += std::to_string(calls) + "\n";
-        begin(call);
-        write("A B C D E F");
-        told += std::to_string(calls) + "\n";
-        begin(0);
-        return told + list();
-    }
-
     std::string play(std::string line) const {
         const std::string word = test::takeWord(line);
-        if (word == "text") return put(recorder::kKey, recorder::kDownloadRate, line);
-        if (word == "number") return put(new_session::key("Host"), new_session::kOption, line);
-        if (word == "count") return put(connections::kKey, "Count", line);
-        if (word == "address") return put(connections::kKey + std::string("\\1"), "Address", line);
+        if (word == "put") return put(line);
         if (word == "keep") return keep(line);
         if (word == "write") return write(line);
         if (word == "list") return list();
@@ -146,8 +128,8 @@ protected:
         if (word == "read")
             return "'" + ReadStringSetting(recorder::kKey, recorder::kDownloadRate, "default") +
                    "'\n";
-        if (line == "next") return begin(1), "";
-        if (word == "refuse") return refuse(std::stoi(line));
+        if (word == "refuse") return begin(std::stoi(line)), "";
+        if (word == "calls") return std::to_string(calls) + "\n";
         return test::joined(sandbox_.listing()).substr(1);
     }
 
