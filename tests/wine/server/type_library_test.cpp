@@ -29,10 +29,13 @@ std::string entryOf(const LibraryClass& each) {
 }
 
 // That of an interface, with a line for each of its members.
-std::string entryOf(ITypeInfo* type, const char* kind) {
-    const bool isEvents = kind == std::string("events ");
+std::string entryOf(ITypeInfo* type) {
+    const TYPEATTR attributes = attributesOf(type);
+    const bool isEvents = attributes.typekind == TKIND_DISPATCH;
+    const bool isDual = attributes.wTypeFlags & TYPEFLAG_FDUAL;
+    const std::string kind = isEvents ? "events " : isDual ? "dual " : "plain ";
     const std::string base = isEvents ? "" : " : " + nameOf(implemented(type, 0).Get());
-    std::string entry = kind + explained(type) + base + " " + toText(attributesOf(type).guid);
+    std::string entry = kind + explained(type) + base + " " + toText(attributes.guid);
     forEachOwnMember(type, [&](ITypeInfo* declaredBy, const FUNCDESC& function) {
         const std::string slot = std::to_string(function.oVft / sizeof(void*)) + " ";
         entry += "\n  " + (isEvents ? "" : slot) + kindOf(function.invkind) +
@@ -49,14 +52,12 @@ TEST(TypeLibrary, HoldsExactlyWhatTheTableTells) {
         entries.insert(entryOf(each));
     for (const ComPtr<ITypeInfo>& type : libraryTypes()) {
         const TYPEATTR attributes = attributesOf(type.Get());
+        const bool isDual = attributes.wTypeFlags & TYPEFLAG_FDUAL;
+        const bool isInterface = isDual || attributes.typekind == TKIND_INTERFACE ||
+                                 attributes.typekind == TKIND_DISPATCH;
         // The generator copies the one interface of the page classes into the library.
-        if (nameOf(type.Get()) == "IUnknown") continue;
-        if (attributes.wTypeFlags & TYPEFLAG_FDUAL)
-            entries.insert(entryOf(implemented(type.Get(), -1).Get(), "dual "));
-        else if (attributes.typekind == TKIND_INTERFACE)
-            entries.insert(entryOf(type.Get(), "plain "));
-        else if (attributes.typekind == TKIND_DISPATCH)
-            entries.insert(entryOf(type.Get(), "events "));
+        if (isInterface && nameOf(type.Get()) != "IUnknown")
+            entries.insert(entryOf(isDual ? implemented(type.Get(), -1).Get() : type.Get()));
     }
     EXPECT_EQ(joined(entries),
               TemporaryFile::bytesOf(projectFile("tests/wine/server/type_library.txt")));

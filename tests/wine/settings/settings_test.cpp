@@ -3,6 +3,7 @@
 #include <cstring>
 #include <set>
 #include <sstream>
+#include <utility>
 
 #include "settings/settings_key.h"
 #include "settings/settings_list.h"
@@ -66,11 +67,8 @@ LSTATUS WINAPI set(HKEY key, const char* name, DWORD reserved, DWORD type, const
 
 class Settings : public testing::TestWithParam<test::Case> {
 protected:
-    Settings() {
-        begin(0);
-        openKeys.clear();
-    }
-    ~Settings() override { EXPECT_TRUE(openKeys.empty()) << "keys are left open"; }
+    Settings() { begin(0); }
+    ~Settings() override { EXPECT_TRUE(std::exchange(openKeys, {}).empty()) << "left open"; }
 
     // Stores anything in a key of the store, as another program might: "section name type bytes".
     static std::string put(std::string line) {
