@@ -32,7 +32,7 @@ test_documented_clients() {
 
 test_the_page_of_members_is_current() {
     print_members | diff "$members_page" - >&2 || give_up "./kel members writes another page"
-    comm -23 <(awk '$2 ~ /^(get|put|putref|call)$/ { print $3 }' "$kel_root/tests/wine/server/interface_table.txt" | sort -u) \
+    comm -23 <(awk '$2 ~ /^(get|put|putref|call)$/ { print $3 }' "$kel_root/tests/wine/server/type_library.txt" | sort -u) \
         <(sed -nE 's/^\| `([A-Za-z_0-9]+).*/\1/p' "$members_page" | sort -u) >"$output"
     [[ ! -s $output ]] || give_up "members are missing"
 }

@@ -5,13 +5,11 @@
 
 #include "com/object.h"
 #include "interfaces/KelUtils.h"
-#include "tests/wine/server/expected.h"
+#include "tests/wine/server/library_classes.h"
 #include "tests/wine/support/fake_link.h"
 #include "tests/wine/support/import_patch.h"
-#include "tests/wine/support/library.h"
 #include "tests/wine/support/refusals.h"
 #include "tests/wine/support/resource_counts.h"
-#include "tests/wine/support/type_library.h"
 
 namespace kel::test {
 namespace {
@@ -42,58 +40,41 @@ ComPtr<Outer> makeOuter(REFCLSID identifier) {
     return outer;
 }
 
-TEST(ClassObject, OnlyTheClassesOfTheTableHaveAFactory) {
-    for (const ExpectedClass& row : expectedClasses()) {
-        SCOPED_TRACE(row.name);
-        const bool isCreatable = row.registryScript != 0;
-        ComPtr<IClassFactory> factory;
-        EXPECT_EQ(kelUtils().classObject(row.identifier, IID_PPV_ARGS(&factory)),
-                  isCreatable ? S_OK : CLASS_E_CLASSNOTAVAILABLE);
-        EXPECT_EQ(factory != nullptr, isCreatable);
-    }
-    void* result = &result;
-    EXPECT_EQ(kelUtils().classObject(IID_IUnknown, IID_IClassFactory, &result),
-              CLASS_E_CLASSNOTAVAILABLE);
-    EXPECT_EQ(result, nullptr);
-    EXPECT_EQ(kelUtils().classObject(CLSID_Preprocessor, IID_IDispatch, &result), E_NOINTERFACE);
-    EXPECT_EQ(kelUtils().classObject(CLSID_Preprocessor, IID_IClassFactory, nullptr), E_POINTER);
-}
-
-TEST(ClassObject, IsMadeOnceAndDoesNotLockTheLibrary) {
-    const ComPtr<IClassFactory> first = factoryOf(CLSID_Preprocessor);
-    EXPECT_EQ(first.Get(), factoryOf(CLSID_Preprocessor).Get());
-    EXPECT_NE(first.Get(), factoryOf(CLSID_KelTerminal).Get());
+TEST(ClassFactory, IsMadeOnceAndLocksTheLibraryOnDemand) {
+    const ComPtr<IClassFactory> factory = factoryOf(CLSID_Preprocessor);
+    EXPECT_EQ(factory.Get(), factoryOf(CLSID_Preprocessor).Get());
+    const auto unloadsAfter = [&](BOOL lock) {
+        EXPECT_EQ(factory->LockServer(lock), S_OK);
+        return kelUtils().canUnloadNow();
+    };
     EXPECT_EQ(kelUtils().canUnloadNow(), S_OK);
+    auto object = kelUtils().create<IUnknown>(CLSID_Preprocessor);
+    EXPECT_EQ(kelUtils().canUnloadNow(), S_FALSE);
+    EXPECT_EQ(unloadsAfter(TRUE), S_FALSE);
+    object.Reset();
+    EXPECT_EQ(unloadsAfter(TRUE), S_FALSE);
+    EXPECT_EQ(unloadsAfter(FALSE), S_FALSE);
+    EXPECT_EQ(unloadsAfter(FALSE), S_OK);
 }
 
 TEST(ClassFactory, RefusesWhatItCannotGive) {
     const ComPtr<IClassFactory> factory = factoryOf(CLSID_Preprocessor);
-    IUnknown* const outer = factory.Get();
-    EXPECT_EQ(factory->CreateInstance(nullptr, IID_IUnknown, nullptr), E_POINTER);
-    EXPECT_EQ(factory->CreateInstance(outer, IID_IDispatch, nullptr), E_POINTER);
-    for (IUnknown* const each : {outer, static_cast<IUnknown*>(nullptr)}) {
-        void* result = &result;
-        EXPECT_EQ(factory->CreateInstance(each, IID_IOleObject, &result),
-                  each ? CLASS_E_NOAGGREGATION : E_NOINTERFACE);
+    const auto ask = [](REFCLSID identifier, REFIID iid, void** result) {
+        return kelUtils().classObject(identifier, iid, result);
+    };
+    const auto make = [&](IUnknown* outer, REFIID iid, void** result) {
+        return factory->CreateInstance(outer, iid, result);
+    };
+    EXPECT_EQ(ask(CLSID_Preprocessor, IID_IClassFactory, nullptr), E_POINTER);
+    EXPECT_EQ(make(nullptr, IID_IUnknown, nullptr), E_POINTER);
+    EXPECT_EQ(make(factory.Get(), IID_IDispatch, nullptr), E_POINTER);
+    void* results[] = {&results, &results, &results, &results};
+    EXPECT_EQ(ask(IID_IUnknown, IID_IClassFactory, &results[0]), CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(ask(CLSID_Preprocessor, IID_IDispatch, &results[1]), E_NOINTERFACE);
+    EXPECT_EQ(make(factory.Get(), IID_IOleObject, &results[2]), CLASS_E_NOAGGREGATION);
+    EXPECT_EQ(make(nullptr, IID_IOleObject, &results[3]), E_NOINTERFACE);
+    for (void* const result : results)
         EXPECT_EQ(result, nullptr);
-    }
-    EXPECT_EQ(kelUtils().canUnloadNow(), S_OK);
-}
-
-TEST(ClassFactory, UnbuiltClassesSayWhichTheyAre) {
-    for (const ExpectedClass& row : expectedClasses()) {
-        if (row.registryScript == 0 || row.isBuilt()) continue;
-        SCOPED_TRACE(row.name);
-        void* result = &result;
-        EXPECT_EQ(factoryOf(row.identifier)->CreateInstance(nullptr, IID_IDispatch, &result),
-                  E_NOTIMPL);
-        EXPECT_EQ(result, nullptr);
-        const auto error = takeError();
-        ASSERT_TRUE(error);
-        EXPECT_NE(error->description.find(com::widen(row.name)), std::wstring::npos);
-        EXPECT_EQ(error->source, row.program());
-        EXPECT_EQ(error->interfaceId, IID_IDispatch);
-    }
 }
 
 ComPtr<IUnknown> ask(IUnknown* object, REFIID iid) {
@@ -102,15 +83,13 @@ ComPtr<IUnknown> ask(IUnknown* object, REFIID iid) {
     return result;
 }
 
-// Every interface leads to every other, and all of them to the one identity.
+// Every interface leads to every other, and to the one identity.
 void expectOneIdentity(IUnknown* object, const std::vector<IID>& interfaces) {
     for (const IID& from : interfaces) {
         const ComPtr<IUnknown> first = ask(object, from);
-        for (const IID& to : interfaces) {
-            const ComPtr<IUnknown> second = ask(first.Get(), to);
-            EXPECT_EQ(second.Get(), ask(object, to).Get());
-            EXPECT_EQ(ask(second.Get(), IID_IUnknown).Get(), object);
-        }
+        for (const IID& to : interfaces)
+            EXPECT_EQ(ask(first.Get(), to).Get(), ask(object, to).Get());
+        EXPECT_EQ(ask(first.Get(), IID_IUnknown).Get(), object);
         void* none = &none;
         EXPECT_EQ(first->QueryInterface(IID_IStream, &none), E_NOINTERFACE);
         EXPECT_EQ(none, nullptr);
@@ -118,36 +97,26 @@ void expectOneIdentity(IUnknown* object, const std::vector<IID>& interfaces) {
     }
 }
 
-// Its class and its default events. Gives the interfaces that it answers with.
-std::vector<IID> expectClassInformation(const ExpectedClass& row, IDispatch* object) {
+void expectClassInformation(const LibraryClass& expected, IDispatch* object) {
     ComPtr<IProvideClassInfo2> information;
     ComPtr<ISupportErrorInfo> support;
-    ComPtr<ITypeInfo> coclass;
+    ComPtr<ITypeInfo> type;
     com::check(object->QueryInterface(IID_PPV_ARGS(&information)));
     com::check(object->QueryInterface(IID_PPV_ARGS(&support)));
-    com::check(information->GetClassInfo(&coclass));
-    EXPECT_EQ(attributesOf(coclass.Get()).guid, row.identifier);
+    com::check(information->GetClassInfo(&type));
+    EXPECT_EQ(attributesOf(type.Get()).guid, expected.identifier);
     EXPECT_EQ(information->GetClassInfo(nullptr), E_POINTER);
     GUID source{};
     constexpr DWORD kDefault = GUIDKIND_DEFAULT_SOURCE_DISP_IID;
     EXPECT_EQ(information->GetGUID(kDefault, nullptr), E_POINTER);
     EXPECT_EQ(information->GetGUID(kDefault + 1, &source), E_INVALIDARG);
-    const bool hasEvents = row.interfaces.find("default source") != std::string::npos;
-    EXPECT_EQ(information->GetGUID(kDefault, &source), hasEvents ? S_OK : E_UNEXPECTED);
-    EXPECT_EQ(source != GUID_NULL, hasEvents);
-
-    std::vector<IID> interfaces{IID_IUnknown, IID_IDispatch, IID_ISupportErrorInfo,
-                                IID_IProvideClassInfo, IID_IProvideClassInfo2};
-    for (UINT i = 0; i < attributesOf(coclass.Get()).cImplTypes; ++i) {
-        INT flags = 0;
-        com::check(coclass->GetImplTypeFlags(i, &flags));
-        if (flags & IMPLTYPEFLAG_FSOURCE) continue;
-        interfaces.push_back(attributesOf(implemented(coclass.Get(), i).Get()).guid);
-        EXPECT_EQ(support->InterfaceSupportsErrorInfo(interfaces.back()), S_OK);
-    }
+    EXPECT_EQ(information->GetGUID(kDefault, &source),
+              expected.events == GUID_NULL ? E_UNEXPECTED : S_OK);
+    EXPECT_EQ(source, expected.events);
+    for (const IID& each : expected.answered)
+        EXPECT_EQ(support->InterfaceSupportsErrorInfo(each), S_OK);
     EXPECT_EQ(support->InterfaceSupportsErrorInfo(IID_IDispatch), S_FALSE);
     EXPECT_EQ(support->InterfaceSupportsErrorInfo(IID_IStream), S_FALSE);
-    return interfaces;
 }
 
 void expectUnsafe(IDispatch* object, const std::wstring& source) {
@@ -167,19 +136,21 @@ void expectUnsafe(IDispatch* object, const std::wstring& source) {
 }
 
 TEST(ClassFactory, BuiltClassesKeepTheManners) {
-    for (const ExpectedClass& row : expectedClasses()) {
-        if (!row.isBuilt()) continue;
-        SCOPED_TRACE(row.name);
-        const auto object = kelUtils().create<IDispatch>(row.identifier);
-        expectNullPointersRefused(object.Get(), row.program());
+    for (const LibraryClass& each : builtClasses()) {
+        SCOPED_TRACE(each.name);
+        const auto object = kelUtils().create<IDispatch>(each.identifier);
+        expectNullPointersRefused(object.Get(), each.program());
         // Its window opens without a communicator.
-        const bool opens = row.name == "MultiSelectDialog";
-        expectFailuresExplained(object.Get(), row.program(), opens ? "ShowModal" : "");
-        const std::vector<IID> interfaces = expectClassInformation(row, object.Get());
-        expectUnsafe(object.Get(), row.program());
+        const bool opens = each.name == "MultiSelectDialog";
+        expectFailuresExplained(object.Get(), each.program(), opens ? "ShowModal" : "");
+        expectClassInformation(each, object.Get());
+        expectUnsafe(object.Get(), each.program());
+        std::vector<IID> interfaces{IID_IUnknown, IID_IDispatch, IID_ISupportErrorInfo,
+                                    IID_IProvideClassInfo, IID_IProvideClassInfo2};
+        interfaces.insert(interfaces.end(), each.answered.begin(), each.answered.end());
         expectOneIdentity(ask(object.Get(), IID_IUnknown).Get(), interfaces);
 
-        ComPtr<Outer> outer = makeOuter(row.identifier);
+        ComPtr<Outer> outer = makeOuter(each.identifier);
         EXPECT_NE(outer->part.Get(), outer->controlling());
         EXPECT_EQ(ask(outer->part.Get(), IID_IUnknown).Get(), outer->part.Get());
         expectOneIdentity(outer->controlling(), interfaces);
@@ -204,53 +175,34 @@ TEST(ClassFactory, AComponentKeepsWhatItIsPartOfAliveWhileItRuns) {
     EXPECT_EQ(result, VARIANT_TRUE);
 }
 
-TEST(ClassFactory, ComponentsMadeAgainAndAgainLeaveNothing) {
-    for (const ExpectedClass& row : expectedClasses()) {
-        if (!row.isBuilt()) continue;
-        SCOPED_TRACE(row.name);
-        expectNothingLeft([&] { kelUtils().create<IDispatch>(row.identifier); });
-    }
-}
-
 int allocationsThatGoWell = 0;
 
 void* allocateFew(std::size_t size) {
     return allocationsThatGoWell-- == 0 ? nullptr : std::malloc(size);
 }
 
-TEST(ClassFactory, AnyFailingAllocationIsTold) {
-    const ImportPatch patch(kelUtils().module(), "malloc", reinterpret_cast<void*>(allocateFew));
-    for (const ExpectedClass& row : expectedClasses()) {
-        if (!row.isBuilt()) continue;
-        bool hasFailed = true;
-        for (int allocation = 0; hasFailed; ++allocation) {
-            SCOPED_TRACE(row.name + (" " + std::to_string(allocation)));
-            allocationsThatGoWell = allocation;
-            ComPtr<IDispatch> object;
-            const HRESULT code =
-                factoryOf(row.identifier)->CreateInstance(nullptr, IID_PPV_ARGS(&object));
-            hasFailed = allocationsThatGoWell < 0;
-            // What is not needed at once may be made later.
-            EXPECT_TRUE(code == E_OUTOFMEMORY || (code == S_OK && allocation > 0)) << code;
-            EXPECT_EQ(FAILED(code), !object);
-            object.Reset();
-            EXPECT_EQ(kelUtils().canUnloadNow(), S_OK);
-        }
-    }
+// Makes an object with that allocation failing. Tells whether there were so many.
+bool fails(const LibraryClass& each, int allocation) {
+    SCOPED_TRACE(allocation);
+    allocationsThatGoWell = allocation;
+    ComPtr<IDispatch> object;
+    const HRESULT code = factoryOf(each.identifier)->CreateInstance(nullptr, IID_PPV_ARGS(&object));
+    // What is not needed at once may be made later.
+    EXPECT_TRUE(code == E_OUTOFMEMORY || (code == S_OK && allocation > 0)) << code;
+    EXPECT_EQ(FAILED(code), !object);
+    return allocationsThatGoWell < 0;
 }
 
-TEST(CanUnload, CountsObjectsAndLocks) {
-    const ComPtr<IClassFactory> factory = factoryOf(CLSID_Preprocessor);
-    auto object = kelUtils().create<IUnknown>(CLSID_Preprocessor);
-    EXPECT_EQ(kelUtils().canUnloadNow(), S_FALSE);
-    EXPECT_EQ(factory->LockServer(TRUE), S_OK);
-    object.Reset();
-    EXPECT_EQ(kelUtils().canUnloadNow(), S_FALSE);
-    EXPECT_EQ(factory->LockServer(TRUE), S_OK);
-    EXPECT_EQ(factory->LockServer(FALSE), S_OK);
-    EXPECT_EQ(kelUtils().canUnloadNow(), S_FALSE);
-    EXPECT_EQ(factory->LockServer(FALSE), S_OK);
-    EXPECT_EQ(kelUtils().canUnloadNow(), S_OK);
+TEST(ClassFactory, AnyFailingAllocationIsToldAndNothingIsLeft) {
+    const std::vector<LibraryClass> classes = builtClasses();
+    const ImportPatch patch(kelUtils().module(), "malloc", reinterpret_cast<void*>(allocateFew));
+    for (const LibraryClass& each : classes) {
+        SCOPED_TRACE(each.name);
+        expectNothingLeft([&] {
+            for (int allocation = 0; fails(each, allocation); ++allocation)
+                EXPECT_EQ(kelUtils().canUnloadNow(), S_OK);
+        });
+    }
 }
 
 }  // namespace

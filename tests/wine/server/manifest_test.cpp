@@ -4,14 +4,13 @@
 #include "com/passed.h"
 #include "com/text.h"
 #include "hosts/shared/activation_context.h"
+#include "hosts/shared/library_contents.h"
 #include "interfaces/KelUtils.h"
 #include "tests/support/temporary_file.h"
-#include "tests/wine/server/expected.h"
+#include "tests/wine/server/library_classes.h"
 #include "tests/wine/support/dialog_driver.h"
-#include "tests/wine/support/library.h"
 #include "tests/wine/support/registry_sandbox.h"
 #include "tests/wine/support/temporary_folder.h"
-#include "tests/wine/support/type_library.h"
 
 namespace kel::test {
 namespace {
@@ -31,7 +30,7 @@ protected:
         const std::regex programs("progid(=\"|>)KelUtils\\.");
         const std::string text = std::regex_replace(manifestText(), programs, "progid$1Bare.");
         manifest_ = folder_.file(L"Bare.manifest", text);
-        library_ = folder_.file(L"KelUtils.dll", TemporaryFile::bytesOf(kelUtils().path()));
+        folder_.file(L"KelUtils.dll", TemporaryFile::bytesOf(kelUtils().path()));
     }
     ~Manifest() override {
         context_.reset();
@@ -47,11 +46,7 @@ protected:
             CoCreateInstance(identifier, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&object));
         EXPECT_EQ(code, object ? S_OK : E_NOTIMPL);
         if (!object) return GUID_NULL;
-        HMODULE module = nullptr;
-        GetModuleHandleExW(
-            GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-            *reinterpret_cast<const wchar_t**>(object.Get()), &module);
-        EXPECT_TRUE(module && module == GetModuleHandleW(library_.c_str()));
+        EXPECT_EQ(kelUtils().canUnloadNow(), S_OK) << "it is of the other library";
         ComPtr<ITypeInfo> type;
         com::check(object->GetClassInfo(&type));
         return attributesOf(type.Get()).guid;
@@ -59,7 +54,6 @@ protected:
 
     TemporaryFolder folder_;
     std::wstring manifest_;
-    std::wstring library_;
     std::unique_ptr<host::ActivationContext> context_;
 };
 
@@ -68,13 +62,13 @@ TEST_F(Manifest, MakesEveryClassByIdentifierAndName) {
     EXPECT_NE(CLSIDFromProgID(L"Bare.Preprocessor", &found), S_OK);
     EXPECT_FALSE(host::manifestOf(CLSID_Preprocessor));
     activate();
-    for (const ExpectedClass& row : expectedClasses()) {
-        if (row.registryScript == 0) continue;
-        SCOPED_TRACE(row.name);
-        const CLSID made = row.isBuilt() ? row.identifier : GUID_NULL;
-        const std::string name = "Bare." + (row.name == "HTMLWindow" ? "HTMLDialog" : row.name);
-        EXPECT_EQ(host::manifestOf(row.identifier), manifest_);
-        EXPECT_EQ(create(row.identifier), made);
+    for (const LibraryClass& each : libraryClasses()) {
+        if (!each.isCreatable) continue;
+        SCOPED_TRACE(each.name);
+        const CLSID made = each.refusal.empty() ? each.identifier : GUID_NULL;
+        const std::string name = "Bare." + (each.name == "HTMLWindow" ? "HTMLDialog" : each.name);
+        EXPECT_EQ(host::manifestOf(each.identifier), manifest_);
+        EXPECT_EQ(create(each.identifier), made);
         // The system answers with an identifier of its own that stands for the class's.
         for (const std::string& version : {name, name + ".1"}) {
             ASSERT_EQ(CLSIDFromProgID(com::widen(version).c_str(), &found), S_OK) << version;
@@ -106,19 +100,18 @@ TEST_F(Manifest, MakesTheTypeLibraryKnownAndCarriesCallsFromThreadToThread) {
     EXPECT_EQ(name.view(), L"from there");
 }
 
-// Each interface of the type library, with the platform's marshaller for its kind.
 TEST(ManifestText, NamesEveryInterface) {
-    std::set<std::string> expected, found;
-    for (const ExpectedInterface& each : expectedInterfaces())
-        expected.insert(each.name + " " + each.identifier + " " + toText(LIBID_KELUTILSLib) +
-                        (each.isEvents ? " 00020420" : " 00020424"));
-    const std::string text = manifestText();
-    const std::regex form(
-        "<comInterfaceExternalProxyStub name=\"(\\w+)\" iid=\"(\\S+)\"\\s+tlbid=\"(\\S+)\" "
-        "proxyStubClsid32=\"\\{(\\d+)-0000-0000-C000-000000000046\\}\"/>");
-    for (std::sregex_iterator it(text.begin(), text.end(), form), end; it != end; ++it)
-        found.insert(it->format("$1 $2 $3 $4"));
-    EXPECT_EQ(joined(found), joined(expected));
+    std::string text = std::regex_replace(manifestText(), std::regex("\\s+"), " ");
+    for (const host::RegisteredInterface& each : host::kelUtilsLibrary().interfaces) {
+        const std::string element = std::string("<comInterfaceExternalProxyStub name=\"") +
+                                    each.name + "\" iid=\"" + each.identifier + "\" tlbid=\"" +
+                                    toText(LIBID_KELUTILSLib) + "\" proxyStubClsid32=\"" +
+                                    each.marshaller + "\"/>";
+        const std::size_t at = text.find(element);
+        ASSERT_NE(at, text.npos) << element;
+        text.erase(at, element.size());
+    }
+    EXPECT_EQ(text.find("comInterface"), text.npos) << text;
 }
 
 }  // namespace

@@ -3,20 +3,18 @@
 #include <cstring>
 #include <set>
 #include <sstream>
+#include <utility>
 
 #include "settings/settings_key.h"
 #include "settings/settings_list.h"
 #include "settings/vocabulary.h"
 #include "tests/support/table.h"
-#include "tests/support/temporary_file.h"
 #include "tests/wine/support/import_patch.h"
 #include "tests/wine/support/library.h"
 #include "tests/wine/support/registry_sandbox.h"
 
 namespace kel::settings {
 namespace {
-
-using Entries = std::vector<ListEntry>;
 
 // Counts the calls on the registry and refuses one of them. What is patched is this program, whose
 // own calls would come here too.
@@ -69,25 +67,28 @@ LSTATUS WINAPI set(HKEY key, const char* name, DWORD reserved, DWORD type, const
 
 class Settings : public testing::TestWithParam<test::Case> {
 protected:
-    Settings() {
-        begin(0);
-        openKeys.clear();
-    }
-    ~Settings() override { EXPECT_TRUE(openKeys.empty()) << "keys are left open"; }
+    Settings() { begin(0); }
+    ~Settings() override { EXPECT_TRUE(std::exchange(openKeys, {}).empty()) << "left open"; }
 
-    // Stores anything in a key of the store, as another program might: "1 bytes".
-    static std::string put(const std::string& section, const char* name, std::string value) {
-        const DWORD type = std::stoul(test::takeWord(value));
-        const auto size = static_cast<DWORD>(value.size());
+    // Stores anything in a key of the store, as another program might: "section name type bytes".
+    static std::string put(std::string line) {
+        const std::string section = kRoot + test::takeWord(line);
+        const std::string name = test::takeWord(line);
+        const DWORD type = std::stoul(test::takeWord(line));
+        const auto size = static_cast<DWORD>(line.size());
         // To a text without its end the platform adds one that stands behind it.
-        value += ' ';
-        RegSetKeyValueA(HKEY_CURRENT_USER, (kRoot + section).c_str(), name, type, value.data(),
-                        size);
+        line += ' ';
+        RegSetKeyValueA(HKEY_CURRENT_USER, section.c_str(), name.c_str(), type, line.data(), size);
         return "";
     }
 
+    static std::string keep(const std::string& text) {
+        const SettingsKey key = SettingsKey::forWriting(recorder::kKey);
+        return WriteStringSetting(key, recorder::kDownloadRate, text) ? "" : "lost\n";
+    }
+
     static std::string write(const std::string& words) {
-        Entries entries;
+        std::vector<ListEntry> entries;
         std::istringstream texts(words);
         for (std::string name, address, port; texts >> name >> address >> port;)
             entries.push_back({name, address, port});
@@ -115,40 +116,22 @@ protected:
         refusedCall = refused;
     }
 
-    // What is read and written with that call refused, and how many calls are made.
-    static std::string refuse(int call) {
-        begin(0);
-        write("a b c d e f");
-        begin(call);
-        std::string told = list();
-        told += std::to_string(calls) + "\n";
-        begin(call);
-        write("A B C D E F");
-        told += std::to_string(calls) + "\n";
-        begin(0);
-        return told + list();
-    }
-
     std::string play(std::string line) const {
         const std::string word = test::takeWord(line);
-        if (word == "text") return put(recorder::kKey, recorder::kDownloadRate, line);
-        if (word == "number") return put(new_session::key("Host"), new_session::kOption, line);
-        if (word == "count") return put(connections::kKey, "Count", line);
-        if (word == "address") return put(connections::kKey + std::string("\\1"), "Address", line);
+        if (word == "put") return put(line);
+        if (word == "keep") return keep(line);
         if (word == "write") return write(line);
         if (word == "list") return list();
         if (word == "read" && line == "number") return number();
         if (word == "read")
             return "'" + ReadStringSetting(recorder::kKey, recorder::kDownloadRate, "default") +
                    "'\n";
-        if (line == "next") return begin(1), "";
-        if (word == "refuse") return refuse(std::stoi(line));
+        if (word == "refuse") return begin(std::stoi(line)), "";
+        if (word == "calls") return std::to_string(calls) + "\n";
         return test::joined(sandbox_.listing()).substr(1);
     }
 
-    test::RegistrySandbox sandbox_{HKEY_CURRENT_USER};
-
-private:
+    const test::RegistrySandbox sandbox_{HKEY_CURRENT_USER};
     const HMODULE program_ = GetModuleHandleW(nullptr);
     const test::ImportPatch patches_[4] = {
         {program_, "RegCreateKeyExA", reinterpret_cast<void*>(create)},
@@ -164,39 +147,6 @@ TEST_P(Settings, AreReadAndWrittenAsTheTableTells) {
 INSTANTIATE_TEST_SUITE_P(Of, Settings,
                          testing::ValuesIn(test::readCases("tests/wine/settings/settings.txt")),
                          testing::PrintToStringParamName());
-
-TEST_F(Settings, EverythingIsKeptAsTheTableSays) {
-    const SettingsKey serial = SettingsKey::forWriting(serial::key("Host"));
-    WriteStringSetting(serial, serial::kPort, "Com3:");
-    WriteStringSetting(serial, serial::kBaud, "19200");
-    writeList(connections::kKey, connections::kFields,
-              Entries{{"Pier", "10.0.0.7", "4444"}, {"", "buoy", "23"}});
-    for (const char* application : {"Host", ""}) {
-        const SettingsKey session = SettingsKey::forWriting(new_session::key(application));
-        session.writeNumber(new_session::kOption, 2);
-        session.writeNumber(new_session::kLastConnection, 0xFFFFFFFF);
-    }
-    SettingsKey::forWriting(open_file::key("Host")).writeNumber(open_file::kUseWorkspaces, 1);
-    writeList(recent_files::key("Host"), recent_files::kFields, Entries{{"C:\\Data\\a.dat"}});
-    WriteStringSetting(SettingsKey::forWriting(firmware::kKey), firmware::kLastUsedFile, "f.hex");
-    const SettingsKey recorder = SettingsKey::forWriting(recorder::kKey);
-    WriteStringSetting(recorder, recorder::kDownloadFolder, "");
-    WriteStringSetting(recorder, recorder::kDownloadRate, "57600");
-    EXPECT_EQ(test::joined(sandbox_.listing()),
-              test::TemporaryFile::bytesOf(test::projectFile("tests/wine/settings/kept.txt")));
-}
-
-TEST_F(Settings, ATextIsWrittenUpToItsFirstZeroAndKeysAreClosedOnce) {
-    SettingsKey key = SettingsKey::forWriting(firmware::kKey);
-    EXPECT_TRUE(WriteStringSetting(key, firmware::kLastUsedFile, std::string("a\0b", 3)));
-    EXPECT_EQ(openKeys.size(), 1u);
-    key.close();
-    key.close();
-    EXPECT_TRUE(openKeys.empty());
-    EXPECT_FALSE(WriteStringSetting(key, firmware::kLastUsedFile, "c"));
-    EXPECT_FALSE(SettingsKey(key, "Below", KEY_READ));
-    EXPECT_EQ(ReadStringSetting(firmware::kKey, firmware::kLastUsedFile, ""), "a");
-}
 
 }  // namespace
 }  // namespace kel::settings
