@@ -19,18 +19,8 @@ std::string inQuotes(const std::string& text) {
     return "\"" + escaped(text) + "\"";
 }
 
-void replace(std::string& text, const std::string& from, const std::string& to) {
-    for (std::size_t at = 0; (at = text.find(from, at)) != text.npos; at += to.size())
-        text.replace(at, from.size(), to);
-}
-
 std::string lastLine(const std::string& text) {
     return text.substr(text.rfind('\n', text.size() - 2) + 1);
-}
-
-std::pair<std::string, std::string> halves(const std::string& text) {
-    const std::size_t bar = text.find(" | ");
-    return {text.substr(0, bar), text.substr(bar + 3)};
 }
 
 // "slow 100 card many": the instrument's options.
@@ -71,6 +61,16 @@ private:
 };
 
 }  // namespace
+
+void replace(std::string& text, const std::string& from, const std::string& to) {
+    for (std::size_t at = 0; (at = text.find(from, at)) != text.npos; at += to.size())
+        text.replace(at, from.size(), to);
+}
+
+std::pair<std::string, std::string> halves(const std::string& text) {
+    const std::size_t bar = text.find(" | ");
+    return {text.substr(0, bar), text.substr(bar + 3)};
+}
 
 void LinkCase::playSteps() {
     kel::test::playTable(GetParam(), [this](const std::string& line) { return play(line); });

@@ -18,6 +18,11 @@
 
 namespace kel::bench::test {
 
+// Everywhere in a text.
+void replace(std::string& text, const std::string& from, const std::string& to);
+// What stands before and behind " | ".
+std::pair<std::string, std::string> halves(const std::string& text);
+
 class LinkCase : public AccessTest, public testing::WithParamInterface<kel::test::Case> {
 protected:
     // The object that the settings name, and what it needs.

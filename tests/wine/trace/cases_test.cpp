@@ -135,17 +135,16 @@ private:
     }
     // "FROM | TO" in the recording.
     void change(const std::string& line) const {
-        const std::size_t bar = line.find(" | ");
-        const std::string from = line.substr(0, bar), to = line.substr(bar + 3);
+        const auto [from, to] = bench::test::halves(line);
         std::string text = kel::test::TemporaryFile::bytesOf(file_);
-        for (std::size_t at = 0; (at = text.find(from, at)) != text.npos; at += to.size())
-            text.replace(at, from.size(), to);
+        bench::test::replace(text, from, to);
         std::ofstream(file_.c_str(), std::ios::binary) << text;
     }
 
     bool isSame(std::string names) const {
         const VARIANT& one = values_.at(kel::test::takeWord(names)).get();
         const VARIANT& two = values_.at(names).get();
+        if (one.vt != two.vt) return false;
         return one.vt == VT_DISPATCH ? one.pdispVal == two.pdispVal : one.lVal == two.lVal;
     }
     static std::string interfacesOf(IUnknown* object) {
