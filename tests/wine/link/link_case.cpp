@@ -6,6 +6,7 @@
 
 #include "bench/checksum.h"
 #include "com/message_loop.h"
+#include "tests/support/table.h"
 #include "tests/wine/support/refusals.h"
 
 namespace kel::bench::test {
@@ -14,27 +15,12 @@ namespace {
 using kel::test::escaped;
 using kel::test::takeWord;
 
-const std::map<std::string_view, CLSID> kClasses = {
-    {"serial", link::kSerialStreamClass},   {"collection", link::kCollectionClass},
-    {"communicator", kCommunicatorClass},   {"uploader", link::kFirmwareUploaderClass},
-    {"compass", link::kCompassAccessClass}, {"pressure", link::kPressureAccessClass}};
-
 std::string inQuotes(const std::string& text) {
     return "\"" + escaped(text) + "\"";
 }
 
-void replace(std::string& text, const std::string& from, const std::string& to) {
-    for (std::size_t at = 0; (at = text.find(from, at)) != text.npos; at += to.size())
-        text.replace(at, from.size(), to);
-}
-
 std::string lastLine(const std::string& text) {
     return text.substr(text.rfind('\n', text.size() - 2) + 1);
-}
-
-std::pair<std::string, std::string> halves(const std::string& text) {
-    const std::size_t bar = text.find(" | ");
-    return {text.substr(0, bar), text.substr(bar + 3)};
 }
 
 // "slow 100 card many": the instrument's options.
@@ -76,24 +62,27 @@ private:
 
 }  // namespace
 
-void LinkCase::playAll() {
-    const auto& steps = GetParam().steps;
-    make(steps.front().settings);
-    for (const kel::test::Step& step : steps) {
-        std::string shown;
-        for (const std::string& line : step.lines)
-            shown += play(line);
-        EXPECT_EQ(shown, step.expected) << "line " << step.line;
-    }
+void replace(std::string& text, const std::string& from, const std::string& to) {
+    for (std::size_t at = 0; (at = text.find(from, at)) != text.npos; at += to.size())
+        text.replace(at, from.size(), to);
 }
 
-void LinkCase::make(const std::vector<std::string>& settings) {
+std::pair<std::string, std::string> halves(const std::string& text) {
+    const std::size_t bar = text.find(" | ");
+    return {text.substr(0, bar), text.substr(bar + 3)};
+}
+
+void LinkCase::playSteps() {
+    kel::test::playTable(GetParam(), [this](const std::string& line) { return play(line); });
+}
+
+void LinkCase::make() {
     std::string kind = "stream", instrument, speed = "50";
     std::wstring clock;
-    for (std::string setting : settings) {
+    for (std::string setting : GetParam().steps.front().settings) {
         const std::string word = takeWord(setting);
         if (word == "alone") {
-            object_ = newObject(kClasses.at(setting));
+            object_ = newObject(classes_.at(setting));
             return;
         }
         if (word == "on") kind = setting;
@@ -104,7 +93,7 @@ void LinkCase::make(const std::vector<std::string>& settings) {
     if (instrument.empty()) {
         if (!clock.empty()) scale.emplace(clock.c_str());
         reach(peer_.port());
-        peer_.accept();
+        acceptPeer();
     } else {
         const InstrumentOptions options = instrumentOf(instrument);
         card_ = options.card;
@@ -123,7 +112,7 @@ void LinkCase::make(const std::vector<std::string>& settings) {
         object_ = recorder;
         listen(DIID__IRecorderAccessEvents);
     } else {
-        object_ = newObject(kClasses.at(kind));
+        object_ = newObject(classes_.at(kind));
         EXPECT_EQ(call(object_.Get(), "Attach $link"), "");
         if (kind == "uploader") listen(DIID__IFirmwareUploaderEvents);
     }
@@ -131,12 +120,16 @@ void LinkCase::make(const std::vector<std::string>& settings) {
 
 std::string LinkCase::play(const std::string& line) {
     std::string rest = line;
-    replace(rest, "$folder", com::narrow(folder_.path()));
-    replace(rest, "$gate", com::narrow(gateway_.port().view()));
+    for (const auto& [name, stands] : names_)
+        replace(rest, name, stands);
     const std::string word = takeWord(rest);
     std::string shown = act(word, rest);
-    replace(shown, com::narrow(folder_.path()), "$folder");
-    replace(shown, com::narrow(gateway_.port().view()), "$gate");
+    for (const auto& [name, stands] : names_) {
+        std::string inTexts = stands;
+        replace(inTexts, "\\", "\\\\");
+        replace(shown, inTexts, name);
+        replace(shown, stands, name);
+    }
     replace(shown, "\t", "\\t");
     shown.insert(0, std::exchange(shownLater_, {}));
     return shown.empty() || shown.ends_with('\n') ? shown : shown + "\n";
@@ -172,7 +165,7 @@ std::string LinkCase::act(const std::string& word, std::string rest) {
              if (later_.size() == 1) window.post([this] { runLater(); });
              return "";
          }},
-        {"shown", [&] { return inQuotes(com::narrow(window.shown())); }},
+        {"shown", [&] { return inQuotes(com::narrow(window.shown(), CP_UTF8)); }},
         {"echo",
          [&] {
              const long shows = echoWindow();
@@ -194,7 +187,8 @@ std::string LinkCase::act(const std::string& word, std::string rest) {
              const BOOL isOrdinary = GetMessageW(&message, nullptr, 0, 0);
              return isOrdinary ? "an ordinary one" : std::to_string(message.wParam);
          }},
-        {"nulls", [&] { return kel::test::expectNullPointersRefused(object_.Get()), ""; }},
+        {"nulls",
+         [&] { return kel::test::expectNullPointersRefused(object_.Get(), com::widen(rest)), ""; }},
         {"events", [&] { return std::exchange(sink_->events, {}); }},
         {"last", [&] { return lastLine(std::exchange(sink_->events, {})); }},
         {"told",
@@ -224,9 +218,14 @@ std::string LinkCase::act(const std::string& word, std::string rest) {
     if (known != words.end()) return known->second();
     if (word[0] != '$' || !rest.starts_with("= "))
         return call(object_.Get(), rest.empty() ? word : word + " " + rest);
-    // "$files = ReadListing", to be used later.
-    const auto outcome = invoked(object_.Get(), rest.substr(2));
-    values_[word] = outcome.result;
+    takeWord(rest);
+    // "$more = new serial", "$files = ReadListing", to be used later.
+    if (rest.starts_with("new ")) {
+        values_[word] = com::Variant(newObject(classes_.at(rest.substr(4))).Get());
+        return "";
+    }
+    const auto outcome = invoked(object_.Get(), rest);
+    values_[word] = outcome.outs.empty() ? outcome.result : outcome.outs.front();
     return outcome.code == S_OK ? "" : kel::test::show(outcome);
 }
 
@@ -247,18 +246,20 @@ kel::test::Outcome LinkCase::invoked(IDispatch* object, std::string line) {
 // One line, or several with "&" between them. An answer waits for its command, and does so without
 // holding up whoever is to send that.
 void LinkCase::runLater() {
-    std::string lines = later_.front();
+    const std::string lines = later_.front();
     if (lines.find("answer ") != lines.npos) heard_ += peer_.receiveSome();
     if (lines.find("answer ") != lines.npos && !heard_.ends_with('\r'))
         return window.post([this] { runLater(); });
     later_.pop_front();
     // Where one of them waits, the next come inside its wait.
     if (!later_.empty()) window.post([this] { runLater(); });
-    for (std::size_t end = 0; end != lines.npos;) {
-        end = lines.find(" & ");
-        shownLater_ = play(lines.substr(0, end));
-        if (end != lines.npos) lines.erase(0, end + 3);
-    }
+    shownLater_ = playEach(lines);
+}
+
+std::string LinkCase::playEach(const std::string& lines) {
+    const std::size_t end = lines.find(" & ");
+    const std::string shown = play(lines.substr(0, end));
+    return end == lines.npos ? shown : shown + playEach(lines.substr(end + 3));
 }
 
 // "sernum | Serial Number: D123.\r\n>": echoes a command that was heard, and says more.
@@ -294,7 +295,7 @@ void LinkCase::doInside() {
     if (found == inside_.end()) return;
     const std::string line = found->second;
     inside_.erase(found);
-    sink_->events += play(line);
+    sink_->events += playEach(line);
 }
 
 // Another thread gets the objects as any thread would, while this one runs its message loop; our

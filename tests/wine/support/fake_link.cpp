@@ -168,8 +168,8 @@ private:
 FakeLink::FakeLink(CallLog& log, const std::string& prefix)
     : innerPort_(com::makeObject<FakeStream>(*this)),
       innerNetwork_(com::makeObject<FakeNetworkStream>(*this)),
-      communicator_(log.around<IKelCommunicator>(
-          com::makeObject<FakeCommunicator>(*this)->controlling(), prefix + "Link.")),
+      innerCommunicator_(com::makeObject<FakeCommunicator>(*this)->controlling()),
+      communicator_(log.around<IKelCommunicator>(innerCommunicator_.Get(), prefix + "Link.")),
       port_(log.around<IKelStream>(innerPort_.Get(), prefix)),
       network_(log.around<INetworkStream2>(innerNetwork_.Get(), prefix)) {}
 

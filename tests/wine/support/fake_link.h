@@ -47,6 +47,9 @@ public:
     // What the communicator answers besides its own interface, where there is something.
     com::ComPtr<IUnknown> access;
 
+    // The communicator itself, of which `access` may be a part.
+    IUnknown* innerCommunicator() const { return innerCommunicator_.Get(); }
+
     // What tests hand out: the traced objects.
     IKelCommunicator* communicator() const { return communicator_.Get(); }
     IKelStream* port() const { return port_.Get(); }
@@ -63,6 +66,7 @@ private:
 
     const com::ComPtr<IKelStream> innerPort_;
     const com::ComPtr<IKelStream> innerNetwork_;
+    const com::ComPtr<IUnknown> innerCommunicator_;
     const com::ComPtr<IKelCommunicator> communicator_;
     const com::ComPtr<IKelStream> port_;
     const com::ComPtr<INetworkStream2> network_;

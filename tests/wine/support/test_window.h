@@ -20,6 +20,7 @@ public:
 
     // Everything that was put at the end of its text.
     const std::wstring& shown() const { return shown_; }
+    void clear() { shown_.clear(); }
 
     // Runs a function when the thread's message loop comes to it.
     void post(std::function<void()> handler);
