@@ -27,7 +27,6 @@ public:
 
     HKEY get() const { return key_.get(); }
     explicit operator bool() const { return static_cast<bool>(key_); }
-    void close() { key_ = {}; }
 
     // Nothing when there is no such text.
     std::optional<std::string> readText(const char* name) const;
