@@ -42,13 +42,15 @@ public:
     HWND pane() const { return GetDlgItem(window_, 201); }
     std::wstring text() const { return com::windowText(pane()); }
     void limit(long characters) { com::check(terminal_->put_OutputLimit(characters)); }
-    // Runs messages until it shows a prompt behind a text.
-    void runUntilPromptAfter(const std::wstring& shown) const {
-        for (int i = 0; i < 500 && !(text().size() > shown.size() && text().ends_with(L"\r\n>"));
-             ++i) {
+    // Runs messages until it shows a prompt behind so many characters, which may be in vain.
+    bool runUntilPrompt(std::chrono::milliseconds patience, std::size_t behind = 0) const {
+        const auto end = std::chrono::steady_clock::now() + patience;
+        const auto isThere = [&] { return text().size() > behind && text().ends_with(L"\r\n>"); };
+        while (!isThere() && std::chrono::steady_clock::now() < end) {
             com::sleepUntilMessage(std::chrono::milliseconds(10));
             com::runWaitingMessages();
         }
+        return isThere();
     }
 
 private:

@@ -4,6 +4,7 @@
 
 #include "tests/wine/link/access_test.h"
 #include "tests/wine/service/live_terminal.h"
+#include "tests/wine/support/late_bound.h"
 #include "tests/wine/support/resource_counts.h"
 
 namespace kel::test {
@@ -18,22 +19,12 @@ constexpr int kRound = 10;
 
 class LongRunTest : public bench::test::AccessTest {
 protected:
-    static std::string whatWentWrong(IPreprocessorControl* preprocessor) {
-        com::ComPtr<IScriptDiagnostics> all;
-        com::ComPtr<IScriptDiagnostic> first;
-        com::Bstr message;
-        long line = 0;
-        com::check(preprocessor->get_Diagnostics(&all));
-        com::check(all->get_Item(0, &first));
-        com::check(first->get_Message(message.put()));
-        com::check(first->get_Line(&line));
-        return std::to_string(line) + ": " + com::narrow(message.view());
-    }
     void run(IPreprocessorControl* preprocessor) {
         VARIANT_BOOL ran = VARIANT_FALSE;
         ASSERT_EQ(preprocessor->PreprocessAndRun(com::Bstr(std::wstring_view(kScript)).get(), &ran),
                   S_OK);
-        ASSERT_EQ(ran, VARIANT_TRUE) << whatWentWrong(preprocessor);
+        ASSERT_EQ(ran, VARIANT_TRUE) << call(preprocessor, "LastErrorLine") << ": "
+                                     << call(preprocessor, "LastErrorDescription");
     }
 };
 

@@ -20,12 +20,6 @@ struct Timeout : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-std::wstring captionOf(HWND window) {
-    wchar_t text[256] = L"";
-    InternalGetWindowText(window, text, static_cast<int>(std::size(text)));
-    return text;
-}
-
 std::wstring classOf(HWND window) {
     wchar_t name[64] = L"";
     GetClassNameW(window, name, static_cast<int>(std::size(name)));
@@ -67,6 +61,12 @@ void describe(std::ostream& stream, HWND window, const char* indent) {
 }
 
 }  // namespace
+
+std::wstring captionOf(HWND window) {
+    wchar_t text[256] = L"";
+    InternalGetWindowText(window, text, static_cast<int>(std::size(text)));
+    return text;
+}
 
 HWND controlIn(HWND window, int identifier) {
     HWND found = GetDlgItem(window, identifier);

@@ -37,15 +37,6 @@ std::string kindOf(HWND window) {
     return name;
 }
 
-// Whether a text is as a pattern says, in which "*" stands for any text.
-bool fits(std::string_view text, std::string_view pattern) {
-    if (pattern.empty()) return text.empty();
-    if (pattern[0] != '*') {
-        return !text.empty() && text[0] == pattern[0] && fits(text.substr(1), pattern.substr(1));
-    }
-    return fits(text, pattern.substr(1)) || (!text.empty() && fits(text.substr(1), pattern));
-}
-
 LRESULT send(HWND window, UINT message, WPARAM wide = 0, LPARAM longer = 0) {
     return DialogDriver::send(window, message, wide, longer);
 }
@@ -138,6 +129,14 @@ std::string styleOf(HWND window) {
 }
 
 }  // namespace
+
+bool fits(std::string_view text, std::string_view pattern) {
+    if (pattern.empty()) return text.empty();
+    if (pattern[0] != '*') {
+        return !text.empty() && text[0] == pattern[0] && fits(text.substr(1), pattern.substr(1));
+    }
+    return fits(text, pattern.substr(1)) || (!text.empty() && fits(text.substr(1), pattern));
+}
 
 std::string described(HWND window) {
     const std::string kind = kindOf(window);
@@ -257,18 +256,8 @@ void User::act(const std::string& line) {
              wait("the focus", [&] { return driver_.focus() == window; });
          }},
         {"gone", [&] { wait("the end", [&] { return !IsWindowVisible(driver_.window()); }); }},
-        {"show",
-         [&] {
-             std::istringstream names(rest);
-             for (std::string name; names >> name;)
-                 stage_.transcript.tell(name + ": " + described(control(name)));
-         }},
-        {"style",
-         [&] {
-             std::istringstream names(rest);
-             for (std::string name; names >> name;)
-                 stage_.transcript.tell(name + ": " + styleOf(control(name)));
-         }},
+        {"show", [&] { tellEach(rest, described); }},
+        {"style", [&] { tellEach(rest, styleOf); }},
         {"columns", [&] { stage_.transcript.tell(columnsOf(control(rest))); }},
         {"caption",
          [&] { stage_.transcript.tell(textOf(GetWindow(driver_.focus(), GW_HWNDPREV))); }},
@@ -362,6 +351,12 @@ void User::click(std::string line, const std::vector<UINT>& messages, WPARAM key
     const LONG x = place.left + (line == "box" ? -8 : 4);
     for (const UINT message : messages)
         PostMessageW(window, message, keys, MAKELPARAM(x, (place.top + place.bottom) / 2));
+}
+
+void User::tellEach(const std::string& names, std::string (*toldOf)(HWND)) {
+    std::istringstream words(names);
+    for (std::string name; words >> name;)
+        stage_.transcript.tell(name + ": " + toldOf(control(name)));
 }
 
 // Tells what a message box says and closes it.
