@@ -12,6 +12,7 @@
 #include "resources/resource_ids.h"
 #include "tests/wine/link/access_test.h"
 #include "tests/wine/support/dialog_driver.h"
+#include "tests/wine/support/late_bound.h"
 #include "tests/wine/support/registry_sandbox.h"
 #include "tests/wine/support/temporary_folder.h"
 
@@ -89,9 +90,6 @@ inline constexpr const wchar_t* kOrdinary[] = {
     L"Click", L"Loading",     L"The firmware is as",       L"Verifying",  L"Comparing",  L"Reading",
     L"Begin", L"Compass ini", L"The download is complete", L"Horizontal", L"Connecting", L"Select"};
 
-// The text of a message box.
-inline constexpr int kMessageOfBox = 0xFFFF;
-
 class BenchServices : public bench::test::AccessTest {
 protected:
     static bench::InstrumentOptions instrument() {
@@ -109,15 +107,12 @@ protected:
 
     // Shows the dialog to a user who does all the steps as far as possible, whatever fails, and
     // closes it then. True when the service has done its work.
-    bool serve(const Service& service, IKelCommunicator* communicator) {
-        return serve(service, kelUtils().create<IKelModalDialog>(*service.component), communicator);
-    }
-    bool serve(const Service& service, const com::ComPtr<IKelModalDialog>& dialog,
-               IKelCommunicator* communicator) {
-        com::ComPtr<IUploadFirmwareDialog> upload;
-        if (SUCCEEDED(dialog.As(&upload))) upload->put_FilePath(com::Bstr(firmware_).get());
-        com::ComPtr<IPressureOffsetDialog> pressure;
-        if (SUCCEEDED(dialog.As(&pressure))) pressure->put_UseMetricUnits(VARIANT_TRUE);
+    bool serve(const Service& service, IKelCommunicator* communicator,
+               com::ComPtr<IKelModalDialog> dialog = {}) {
+        if (!dialog) dialog = kelUtils().create<IKelModalDialog>(*service.component);
+        // Each is a property of one of them.
+        invoke(dialog.Get(), "FilePath = file", {{"file", com::Variant(firmware_)}});
+        invoke(dialog.Get(), "UseMetricUnits = true");
         dialog->put_Communicator(communicator);
         VARIANT_BOOL result = 7;
         {
@@ -141,6 +136,7 @@ protected:
                 if (captionOf(each) == service.caption) {
                     shownWindow = each;
                 } else {
+                    constexpr int kMessageOfBox = 0xFFFF;
                     isTold_ = true;
                     told_.insert(com::narrow(captionOf(GetDlgItem(each, kMessageOfBox))));
                     PostMessageW(each, WM_COMMAND, IDYES, 0);

@@ -15,11 +15,10 @@ namespace kel::test {
 class LiveTerminal {
 public:
     explicit LiveTerminal(IKelCommunicator* link) {
-        com::ComPtr<IOleObject> object;
-        com::check(terminal_.As(&object));
-        com::check(object->SetClientSite(container_.site()));
-        com::check(object->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, container_.site(), 0,
-                                  container_.window(), nullptr));
+        com::check(terminal_.As(&object_));
+        com::check(object_->SetClientSite(container_.site()));
+        com::check(object_->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, container_.site(), 0,
+                                   container_.window(), nullptr));
         com::check(terminal_->put_Communicator(link));
         long window = 0;
         com::check(terminal_->get_hwnd(&window));
@@ -33,10 +32,8 @@ public:
     ~LiveTerminal() {
         isOver_ = true;
         ticker_.join();
-        com::ComPtr<IOleObject> object;
-        terminal_.As(&object);
-        object->Close(OLECLOSE_NOSAVE);
-        object->SetClientSite(nullptr);
+        object_->Close(OLECLOSE_NOSAVE);
+        object_->SetClientSite(nullptr);
     }
 
     HWND pane() const { return GetDlgItem(window_, 201); }
@@ -56,6 +53,7 @@ public:
 private:
     Container container_;
     com::ComPtr<IKelTerminal3> terminal_ = kelUtils().create<IKelTerminal3>(CLSID_KelTerminal);
+    com::ComPtr<IOleObject> object_;
     HWND window_ = nullptr;
     std::atomic<bool> isOver_ = false;
     std::thread ticker_;

@@ -15,8 +15,6 @@ namespace {
 using bench::InstrumentOptions;
 using std::chrono::milliseconds;
 
-constexpr char kTroubles[] = "tests/wine/service/troubles.txt";
-constexpr char kInner[] = "inner.kel";
 constexpr int kMostCommands = 60;
 
 const struct {
@@ -51,7 +49,7 @@ protected:
         needsGateway_ = service != std::end(kConnections);
         if (!needsGateway_) service = std::ranges::find(kServices, text, &Service::name);
         const auto dialog = kelUtils().create<IKelModalDialog>(*service->component);
-        return [this, service, dialog] { return serve(*service, dialog, link.Get()); };
+        return [this, service, dialog] { return serve(*service, link.Get(), dialog); };
     }
 
     Operation script(const std::wstring& text) {
@@ -59,8 +57,7 @@ protected:
         preprocessor->put_ScriptPath(com::Bstr(folder_.path()).get());
         return [this, preprocessor, text] {
             told_.clear();
-            const std::wstring inner =
-                folder_.file(com::widen(kInner), "ver\r\n#WAIT_PROMPT 1\r\n");
+            const std::wstring inner = folder_.file(L"inner.kel", "ver\r\n#WAIT_PROMPT 1\r\n");
             preprocessor->put_Communicator(link.Get());
             link->put_Preprocessor(preprocessor.Get());
             VARIANT_BOOL hasRun = VARIANT_FALSE;
@@ -103,11 +100,10 @@ protected:
     // a healthy one. False when the trouble came too late.
     bool expectSurvived(const std::string& mood, int commands, std::uint32_t seed,
                         const wchar_t* linkScale = L"50") {
-        const Step& step = GetParam().steps.front();
         if (HasFailure()) return false;
         SCOPED_TRACE(mood + " after " + std::to_string(commands) + ", seed " +
                      std::to_string(seed));
-        const Operation work = operation(step.text());
+        const Operation work = operation(GetParam().steps.front().text());
         InstrumentOptions options = instrument();
         options.troubleAfter = commands;
         options.seed = seed;
@@ -123,7 +119,9 @@ protected:
         EXPECT_TRUE(isRestored(stream.Get()));
         EXPECT_EQ(countResources().windows, windows);
         hasAllFiles();
-        forgetOtherFiles();
+        // Names of the listing are garbled too.
+        for (const std::wstring& name : folder_.names())
+            if (name != L"new.bin") DeleteFileW((folder_.path() + L"\\" + name).c_str());
         if (HasFailure()) return false;
 
         setTrouble(instrument(), L"2");
@@ -152,12 +150,6 @@ protected:
         for (std::string line; std::getline(lines, line);)
             if (fits(text, unescaped(line))) return true;
         return false;
-    }
-
-    // Names of the listing are garbled too.
-    void forgetOtherFiles() {
-        for (const std::wstring& name : folder_.names())
-            if (name != L"new.bin") DeleteFileW((folder_.path() + L"\\" + name).c_str());
     }
 
     bool needsGateway_ = false;
@@ -193,7 +185,8 @@ TEST_P(TroubledInstruments, AreSurvived) {
     expectNothingLeft();
 }
 
-INSTANTIATE_TEST_SUITE_P(Operations, TroubledInstruments, testing::ValuesIn(readCases(kTroubles)));
+INSTANTIATE_TEST_SUITE_P(Operations, TroubledInstruments,
+                         testing::ValuesIn(readCases("tests/wine/service/troubles.txt")));
 
 }  // namespace
 }  // namespace kel::test

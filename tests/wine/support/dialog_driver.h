@@ -12,6 +12,7 @@
 
 namespace kel::test {
 
+std::wstring classOf(HWND window);
 // The text of a window as the platform keeps it, without asking its thread.
 std::wstring captionOf(HWND window);
 

@@ -107,7 +107,7 @@ private:
     void call(const std::string& line, const std::map<std::string, com::Variant>& values = {});
     void setLink(std::string line);
     void setPort(std::string line);
-    void setAnswers(const std::string& line);
+    void setAnswers(std::string line);
     void setClass(std::string line);
     void setFailure(std::string line);
     void hold();

@@ -31,12 +31,6 @@ WORD keyOf(const std::string& name) {
     return found->second;
 }
 
-std::string kindOf(HWND window) {
-    char name[64] = "";
-    GetClassNameA(window, name, static_cast<int>(std::size(name)));
-    return name;
-}
-
 LRESULT send(HWND window, UINT message, WPARAM wide = 0, LPARAM longer = 0) {
     return DialogDriver::send(window, message, wide, longer);
 }
@@ -125,7 +119,7 @@ std::string styleOf(HWND window) {
     char style[16];
     std::snprintf(style, sizeof style, " %08lx", GetWindowLongW(window, GWL_STYLE) & ~kOwn);
     const bool isOdd = send(window, WM_GETFONT) != send(GetParent(window), WM_GETFONT);
-    return kindOf(window) + style + (isOdd ? " (another font)" : "");
+    return com::narrow(classOf(window)) + style + (isOdd ? " (another font)" : "");
 }
 
 }  // namespace
@@ -139,13 +133,13 @@ bool fits(std::string_view text, std::string_view pattern) {
 }
 
 std::string described(HWND window) {
-    const std::string kind = kindOf(window);
+    const std::wstring kind = classOf(window);
     std::string text;
-    if (kind == WC_LISTVIEWA) {
+    if (kind == WC_LISTVIEWW) {
         text = rowsOf(window);
-    } else if (kind == WC_TREEVIEWA) {
+    } else if (kind == WC_TREEVIEWW) {
         text = itemsOf(window);
-    } else if (kind == PROGRESS_CLASSA) {
+    } else if (kind == PROGRESS_CLASSW) {
         text = std::to_string(send(window, PBM_GETPOS)) + " of " +
                std::to_string(send(window, PBM_GETRANGE, FALSE));
     } else {
@@ -153,7 +147,7 @@ std::string described(HWND window) {
     }
     const auto type = GetWindowLongW(window, GWL_STYLE) & BS_TYPEMASK;
     constexpr LONG kChecked[] = {BS_CHECKBOX, BS_AUTOCHECKBOX, BS_RADIOBUTTON, BS_AUTORADIOBUTTON};
-    if (kind == "Button" && std::ranges::count(kChecked, type) > 0)
+    if (kind == L"Button" && std::ranges::count(kChecked, type) > 0)
         text = (send(window, BM_GETCHECK) == BST_CHECKED ? "[x] " : "[ ] ") + text;
     if (!IsWindowEnabled(window)) text += " (disabled)";
     if (!IsWindowVisible(window)) text += " (hidden)";
@@ -308,18 +302,18 @@ void User::key(std::string name) {
 void User::choose(std::string line) {
     const std::string name = takeWord(line);
     const HWND window = control(name);
-    const std::string kind = kindOf(window);
-    if (kind == "ComboBox") {
+    const std::wstring kind = classOf(window);
+    if (kind == L"ComboBox") {
         const auto index = send(window, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
                                 reinterpret_cast<LPARAM>(widened(line).c_str()));
         if (index < 0) throw std::runtime_error("there is no choice " + line);
         send(window, CB_SETCURSEL, static_cast<WPARAM>(index));
         PostMessageW(GetParent(window), WM_COMMAND, MAKEWPARAM(identifierOf(name), CBN_SELCHANGE),
                      reinterpret_cast<LPARAM>(window));
-    } else if (kind == WC_TREEVIEWA) {
+    } else if (kind == WC_TREEVIEWW) {
         const LPARAM item = line.empty() ? 0 : itemAt(window, std::stoi(line));
         send(window, TVM_SELECTITEM, TVGN_CARET, item);
-    } else if (kind == WC_LISTVIEWA) {
+    } else if (kind == WC_LISTVIEWW) {
         LVITEMW item{};
         item.stateMask = LVIS_SELECTED;
         const auto set = [&](int row) {
@@ -341,7 +335,7 @@ void User::click(std::string line, const std::vector<UINT>& messages, WPARAM key
     const HWND window = control(takeWord(line));
     const int row = std::stoi(takeWord(line));
     RECT place{};
-    if (kindOf(window) == WC_TREEVIEWA) {
+    if (classOf(window) == WC_TREEVIEWW) {
         *reinterpret_cast<LPARAM*>(&place) = itemAt(window, row);
         send(window, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&place));
     } else {
