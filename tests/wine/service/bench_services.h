@@ -144,9 +144,8 @@ protected:
             }
             return hasReturned || (shownWindow && !IsWindow(shownWindow));
         };
-        const auto shown = [&](int control) {
-            return com::windowText(controlIn(shownWindow, control));
-        };
+        // In one piece, while the dialog changes it.
+        const auto shown = [&](int control) { return captionOf(controlIn(shownWindow, control)); };
         const auto hasFailed = [&] {
             const std::wstring status = shown(service.statusLine);
             const bool isOrdinary =
