@@ -144,8 +144,12 @@ protected:
             }
             return hasReturned || (shownWindow && !IsWindow(shownWindow));
         };
-        // In one piece, while the dialog changes it.
-        const auto shown = [&](int control) { return captionOf(controlIn(shownWindow, control)); };
+        // In one piece, and from the dialog's thread: not while it changes it.
+        const auto shown = [&](int control) {
+            wchar_t text[300] = L"";
+            GetWindowTextW(controlIn(shownWindow, control), text, 300);
+            return std::wstring(text);
+        };
         const auto hasFailed = [&] {
             const std::wstring status = shown(service.statusLine);
             const bool isOrdinary =
