@@ -102,10 +102,6 @@ bool Stage::hasFailed() const {
     return mayFail() || (failing_ > 0 && link.callCount() >= failing_);
 }
 
-void Stage::settle(DialogDriver& user) {
-    playInside(user, {});
-}
-
 void Stage::playInside(DialogDriver& user, const std::string& line) {
     const int before = rounds;
     window_.post([this, line] {

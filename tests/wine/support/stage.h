@@ -74,7 +74,7 @@ public:
     void play(const std::string& line);
 
     // Waits on another thread until the thread of the dialogs has done all that waits for it.
-    void settle(DialogDriver& user);
+    void settle(DialogDriver& user) { playInside(user, {}); }
     // The same, after the host's line.
     void playInside(DialogDriver& user, const std::string& line);
 
