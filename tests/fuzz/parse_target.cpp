@@ -70,13 +70,6 @@ std::vector<Finding> parseErrors(const std::vector<Diagnostic>& diagnostics) {
     return findings;
 }
 
-std::string joinLines(const std::vector<std::string>& lines) {
-    std::string text;
-    for (const std::string& line : lines)
-        text.append(line).append("\r\n");
-    return text;
-}
-
 }  // namespace
 
 std::vector<std::string> linesOf(std::string_view text) {
@@ -114,7 +107,10 @@ void parseAnything(std::string_view input) {
             found, {}, [](const Diagnostic& each) { return std::pair(each.line, each.column); }),
         "findings are in the order of the text");
     require(variables.size() == 1 && session.diagnostics().empty(), "a check changes nothing");
-    require(comparable(session.check(joinLines(lines))) == comparable(found),
+    std::string again;
+    for (const std::string& line : lines)
+        again.append(line).append("\r\n");
+    require(comparable(session.check(again)) == comparable(found),
             "the kind of line ends makes no difference");
 
     host.isRun = true;

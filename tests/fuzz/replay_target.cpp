@@ -46,9 +46,9 @@ public:
         step();
         return done();
     }
-    bool waitForOthers(const std::string&, double, const std::function<bool()>& done) override {
-        step();
-        return done();
+    bool waitForOthers(const std::string& what, double time,
+                       const std::function<bool()>& done) override {
+        return waitUntil(what, time, done);
     }
     double now() override { return 0; }
 

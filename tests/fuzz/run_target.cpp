@@ -22,12 +22,7 @@ public:
 
     // `script` is what pieces are cut from. Every choice takes one byte of `choices`; when they
     // are used up all goes well.
-    AnyHost(std::string_view script, script::VariableStore& variables,
-            const script::TextRules& rules)
-        : script_(script),
-          variables_(variables),
-          rules_(rules),
-          session_(*this, variables, rules, *this) {}
+    explicit AnyHost(std::string_view script) : script_(script) {}
 
     // Runs the script with all that happens on the way. Returns everything the host has seen.
     std::string drive(std::string_view choices) {
@@ -202,38 +197,23 @@ private:
 
     // What may happen while the engine calls out.
     void meddle() {
-        switch (choose(16)) {
-            case 1:
-                throw HostFailure();
-            case 2:
+        const unsigned deed = choose(16);
+        if (deed == 1) throw HostFailure();
+        if (deed == 2) run(piece());
+        if (deed == 3) run(script_);
+        if (deed == 4) {
+            try {
                 run(piece());
-                break;
-            case 3:
-                run(script_);
-                break;
-            case 4:
-                try {
-                    run(piece());
-                } catch (const HostFailure&) {
-                }
-                break;
-            case 5: {
-                const std::string name(piece());
-                variables_.set(name, std::string(piece()));
-                break;
+            } catch (const HostFailure&) {
             }
-            case 6:
-                variables_.clear();
-                break;
-            case 7:
-                check(piece());
-                break;
-            case 8:
-                require(!session_.report("reported"), "a report is no success");
-                break;
-            default:
-                break;
         }
+        if (deed == 5) {
+            const std::string name(piece());
+            variables_.set(name, std::string(piece()));
+        }
+        if (deed == 6) variables_.clear();
+        if (deed == 7) check(piece());
+        if (deed == 8) require(!session_.report("reported"), "a report is no success");
     }
 
     // Runs a text that stands alone in memory, so that a read beyond it is seen.
@@ -301,9 +281,9 @@ private:
     }
 
     std::string_view script_;
-    script::VariableStore& variables_;
-    const script::TextRules& rules_;
-    script::Session session_;
+    const DoubleByteRules rules_;
+    script::VariableStore variables_{rules_};
+    script::Session session_{*this, variables_, rules_, *this};
 
     std::string_view choices_;
     std::string seen_;
@@ -322,9 +302,7 @@ private:
 void runAnything(std::string_view input) {
     const std::size_t end = std::min(input.find('\0'), input.size());
     const std::string_view choices = input.substr(std::min(end + 1, input.size()));
-    const DoubleByteRules rules;
-    script::VariableStore variables(rules);
-    AnyHost host(input.substr(0, end), variables, rules);
+    AnyHost host(input.substr(0, end));
     const std::string first = host.drive(choices);
     require(host.drive(choices) == first, "whatever happened, the next run is as the first");
 }

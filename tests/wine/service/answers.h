@@ -17,9 +17,9 @@ public:
 
     template <class Value>
     HRESULT give(const char* member, Value* value) {
-        const auto found = find(member);
-        *value = found == end() ? Value{1} : static_cast<Value>(found->second.front());
-        if (found != end() && found->second.size() > 1) found->second.pop_front();
+        std::deque<double>& left = (*this)[member];
+        *value = left.empty() ? Value{1} : static_cast<Value>(left.front());
+        if (left.size() > 1) left.pop_front();
         return S_OK;
     }
 };

@@ -12,6 +12,7 @@
 #include "resources/resource_ids.h"
 #include "tests/wine/link/access_test.h"
 #include "tests/wine/support/dialog_driver.h"
+#include "tests/wine/support/late_bound.h"
 #include "tests/wine/support/registry_sandbox.h"
 #include "tests/wine/support/temporary_folder.h"
 
@@ -31,11 +32,11 @@ struct Service {
     const wchar_t* caption;
     int statusLine;
     std::vector<UserStep> steps;
-    long restoring;  // so many of the last calls, from the first on that restores the port
-    int wakes;       // the instrument so often where the terminal sees it
+    long restoring = 0;  // so many of the last calls, from the first on that restores the port
+    int wakes = 0;       // the instrument so often where the terminal sees it
     // Asked in the end, and what the answer tells of the service's work.
-    const char* question;
-    const char* answer;
+    const char* question = "";
+    const char* answer = "";
 };
 
 inline const Service kServices[] = {
@@ -89,9 +90,6 @@ inline constexpr const wchar_t* kOrdinary[] = {
     L"Click", L"Loading",     L"The firmware is as",       L"Verifying",  L"Comparing",  L"Reading",
     L"Begin", L"Compass ini", L"The download is complete", L"Horizontal", L"Connecting", L"Select"};
 
-// The text of a message box.
-inline constexpr int kMessageOfBox = 0xFFFF;
-
 class BenchServices : public bench::test::AccessTest {
 protected:
     static bench::InstrumentOptions instrument() {
@@ -100,11 +98,7 @@ protected:
         return options;
     }
 
-    BenchServices() {
-        const std::string folder = com::narrow(folder_.path());
-        RegSetKeyValueA(HKEY_CURRENT_USER, "Software\\Kelvra\\Components\\Recorder",
-                        "DownloadFolder", REG_SZ, folder.c_str(), folder.size() + 1);
-    }
+    BenchServices() { remember("Recorder", "DownloadFolder", com::narrow(folder_.path())); }
 
     void setUp(bench::InstrumentOptions options, const wchar_t* linkScale) {
         connect(std::move(options), 50, linkScale);
@@ -113,22 +107,18 @@ protected:
 
     // Shows the dialog to a user who does all the steps as far as possible, whatever fails, and
     // closes it then. True when the service has done its work.
-    bool serve(const Service& service, IKelCommunicator* communicator, HRESULT* code) {
-        return serve(service, kelUtils().create<IKelModalDialog>(*service.component), communicator,
-                     code);
-    }
-    bool serve(const Service& service, const com::ComPtr<IKelModalDialog>& dialog,
-               IKelCommunicator* communicator, HRESULT* code) {
-        com::ComPtr<IUploadFirmwareDialog> upload;
-        if (SUCCEEDED(dialog.As(&upload))) upload->put_FilePath(com::Bstr(firmware_).get());
-        com::ComPtr<IPressureOffsetDialog> pressure;
-        if (SUCCEEDED(dialog.As(&pressure))) pressure->put_UseMetricUnits(VARIANT_TRUE);
+    bool serve(const Service& service, IKelCommunicator* communicator,
+               com::ComPtr<IKelModalDialog> dialog = {}) {
+        if (!dialog) dialog = kelUtils().create<IKelModalDialog>(*service.component);
+        // Each is a property of one of them.
+        invoke(dialog.Get(), "FilePath = file", {{"file", com::Variant(firmware_)}});
+        invoke(dialog.Get(), "UseMetricUnits = true");
         dialog->put_Communicator(communicator);
         VARIANT_BOOL result = 7;
         {
             std::atomic<bool> hasReturned = false;
             DialogDriver user([&](DialogDriver& driver) { use(service, driver, hasReturned); });
-            *code = dialog->ShowModal(0, &result);
+            code_ = dialog->ShowModal(0, &result);
             hasReturned = true;
         }
         com::ComPtr<ICompassCalibDialog2> compass;
@@ -143,19 +133,21 @@ protected:
         told_.clear();
         const auto isGone = [&] {
             for (const HWND each : driver.dialogs()) {
-                if (contentOfDialog(each) == service.caption) {
+                if (captionOf(each) == service.caption) {
                     shownWindow = each;
                 } else {
+                    constexpr int kMessageOfBox = 0xFFFF;
                     isTold_ = true;
-                    told_.insert(com::narrow(contentOfDialog(GetDlgItem(each, kMessageOfBox))));
+                    told_.insert(com::narrow(captionOf(GetDlgItem(each, kMessageOfBox))));
                     PostMessageW(each, WM_COMMAND, IDYES, 0);
                 }
             }
             return hasReturned || (shownWindow && !IsWindow(shownWindow));
         };
+        // In one piece, and from the dialog's thread: not while it changes it.
         const auto shown = [&](int control) {
             wchar_t text[300] = L"";
-            GetWindowTextW(partOf(shownWindow, control), text, 300);
+            GetWindowTextW(controlIn(shownWindow, control), text, 300);
             return std::wstring(text);
         };
         const auto hasFailed = [&] {
@@ -173,7 +165,8 @@ protected:
             driver.waitUntil("the next step", [&] {
                 gaveUp_ = patience_ && std::chrono::steady_clock::now() - begin > *patience_;
                 return isGone() || hasFailed() || gaveUp_ ||
-                       ((step.button == 0 || IsWindowEnabled(partOf(shownWindow, step.button))) &&
+                       ((step.button == 0 ||
+                         IsWindowEnabled(controlIn(shownWindow, step.button))) &&
                         (step.control == 0 || (!shown(step.control).empty() &&
                                                shown(step.control).starts_with(step.text))));
             });
@@ -181,7 +174,7 @@ protected:
             if (gaveUp_) break;
             // What is shown together is read one by one.
             hasFailed();
-            PostMessageW(partOf(shownWindow, step.button), BM_CLICK, 0, 0);
+            PostMessageW(controlIn(shownWindow, step.button), BM_CLICK, 0, 0);
         }
         const auto left = std::chrono::steady_clock::now();
         driver.waitUntil("it is closed", [&] {
@@ -190,15 +183,6 @@ protected:
             return isGone();
         });
         leaving_ = std::max(leaving_, std::chrono::steady_clock::now() - left);
-    }
-
-    // A control, which may stand on the page that is shown.
-    static HWND partOf(HWND window, int control) {
-        HWND part = GetDlgItem(window, control);
-        for (HWND page = GetWindow(window, GW_CHILD); !part && page;
-             page = GetWindow(page, GW_HWNDNEXT))
-            if (IsWindowVisible(page)) part = GetDlgItem(page, control);
-        return part;
     }
 
     // That a port shows and pumps as it did before; else it is put right.
@@ -218,11 +202,6 @@ protected:
         EXPECT_EQ(folder_.names(), std::vector<std::wstring>{L"new.bin"});
     }
 
-    static std::wstring contentOfDialog(HWND window) {
-        wchar_t text[100] = L"";
-        return {text, static_cast<std::size_t>(InternalGetWindowText(window, text, 100))};
-    }
-
     // Those of the card, which go.
     bool hasAllFiles() {
         bool hasAll = true;
@@ -237,6 +216,8 @@ protected:
         return hasAll;
     }
 
+    // What ShowModal gave.
+    HRESULT code_ = E_FAIL;
     // The user has seen a failure: its words, once nobody uses the dialog any more.
     std::atomic<bool> isTold_ = false;
     std::set<std::string> told_;

@@ -14,18 +14,16 @@ com::ComPtr<IUnknown> makeCollection(bool isAgile) {
     return com::createObject<com::Collection>(nullptr, nullptr);
 }
 
-void FakeRecorder::finalConstruct() {
-    if (isAgile_) com::check(CoCreateFreeThreadedMarshaler(controlling(), &marshaler_));
-}
-
 void* FakeRecorder::findInterface(REFIID iid) {
     if (iid == IID_IAgileObject && isAgile_) return static_cast<IDispatch*>(this);
     return Object::findInterface(iid);
 }
 
 HRESULT FakeRecorder::findElsewhere(REFIID iid, void** result) {
-    return iid == IID_IMarshal && isAgile_ ? marshaler_->QueryInterface(iid, result)
-                                           : E_NOINTERFACE;
+    if (iid != IID_IMarshal || !isAgile_) return E_NOINTERFACE;
+    com::ComPtr<IUnknown> marshaler;
+    com::check(CoCreateFreeThreadedMarshaler(nullptr, &marshaler));
+    return marshaler->QueryInterface(iid, result);
 }
 
 com::Variant FakeRecorder::fire(DISPID event, std::vector<com::Variant> arguments) {

@@ -19,7 +19,6 @@ public:
     static constexpr com::ClassDescription kClass{};
 
     explicit FakeRecorder(bool isAgile) : isAgile_(isAgile) {}
-    void finalConstruct();
 
     std::vector<bench::CardEntry> files;
     // Also "used" and "capacity".
@@ -59,7 +58,6 @@ private:
     HRESULT findElsewhere(REFIID iid, void** result) override;
 
     const bool isAgile_;
-    com::ComPtr<IUnknown> marshaler_;
 };
 
 // A collection as the link makes them; the agile kind may be read on any thread.

@@ -43,7 +43,7 @@ public:
         return told;
     }
 
-    STDMETHODIMP Attach(IKelCommunicator* link) override { return link_ = link, S_OK; }
+    STDMETHODIMP Attach(IKelCommunicator*) override { return S_OK; }
     STDMETHODIMP put_PackageFile(VARIANT_BOOL) override { return S_OK; }
     STDMETHODIMP put_CompanionFile(BSTR) override { return S_OK; }
     STDMETHODIMP Upload(BSTR, VARIANT_BOOL, long, long, VARIANT_BOOL* result) override {
@@ -63,7 +63,6 @@ protected:
     }
 
 private:
-    com::ComPtr<IKelCommunicator> link_;
     std::vector<com::ComPtr<IDispatch>> uploadSinks_;
 };
 

@@ -15,11 +15,10 @@ namespace kel::test {
 class LiveTerminal {
 public:
     explicit LiveTerminal(IKelCommunicator* link) {
-        com::ComPtr<IOleObject> object;
-        com::check(terminal_.As(&object));
-        com::check(object->SetClientSite(container_.site()));
-        com::check(object->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, container_.site(), 0,
-                                  container_.window(), nullptr));
+        com::check(terminal_.As(&object_));
+        com::check(object_->SetClientSite(container_.site()));
+        com::check(object_->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, container_.site(), 0,
+                                   container_.window(), nullptr));
         com::check(terminal_->put_Communicator(link));
         long window = 0;
         com::check(terminal_->get_hwnd(&window));
@@ -33,27 +32,28 @@ public:
     ~LiveTerminal() {
         isOver_ = true;
         ticker_.join();
-        com::ComPtr<IOleObject> object;
-        terminal_.As(&object);
-        object->Close(OLECLOSE_NOSAVE);
-        object->SetClientSite(nullptr);
+        object_->Close(OLECLOSE_NOSAVE);
+        object_->SetClientSite(nullptr);
     }
 
     HWND pane() const { return GetDlgItem(window_, 201); }
     std::wstring text() const { return com::windowText(pane()); }
     void limit(long characters) { com::check(terminal_->put_OutputLimit(characters)); }
-    // Runs messages until it shows a prompt behind a text.
-    void runUntilPromptAfter(const std::wstring& shown) const {
-        for (int i = 0; i < 500 && !(text().size() > shown.size() && text().ends_with(L"\r\n>"));
-             ++i) {
+    // Runs messages until it shows a prompt behind so many characters, which may be in vain.
+    bool runUntilPrompt(std::chrono::milliseconds patience, std::size_t behind = 0) const {
+        const auto end = std::chrono::steady_clock::now() + patience;
+        const auto isThere = [&] { return text().size() > behind && text().ends_with(L"\r\n>"); };
+        while (!isThere() && std::chrono::steady_clock::now() < end) {
             com::sleepUntilMessage(std::chrono::milliseconds(10));
             com::runWaitingMessages();
         }
+        return isThere();
     }
 
 private:
     Container container_;
     com::ComPtr<IKelTerminal3> terminal_ = kelUtils().create<IKelTerminal3>(CLSID_KelTerminal);
+    com::ComPtr<IOleObject> object_;
     HWND window_ = nullptr;
     std::atomic<bool> isOver_ = false;
     std::thread ticker_;

@@ -1,21 +1,19 @@
 #pragma once
 // The recorder of the link in scenes: with a card of three files, called by the dialog's thread.
 //
-//     recorder agile               from now on any thread may call it, and read collections
+//     recorder agile               any thread may call it, and read collections; comes first
 //     recorder passes nothing      collections can be read on the dialog's thread only
 //     recorder card                has a card with twelve files, which are all there already
 //     recorder files COUNT         that many, all alike
 //     recorder does ACT; ACT…      what a download or format does, and tells, see below
 //     recorder goes                a "wait" is over
 //     recorder hasty               Cancel is pressed before what was started can have begun
-//     recorder closes              the dialog is closed, whatever is open over it
-//     recorder asks                tells whether its question takes input
 //     recorder threadless          no thread can be started
-//     recorder fail METHOD         with another reason than that of "fail METHOD"
 //
 // It may "say TEXT", tell "progress DONE ALL" and that it will "begin NAME", "ask NAME" whether to
-// replace a file, which tells the answer, "wait", "work" until it is aborted, tell its "end" and
-// "where" it is called. What was aborted is not complete.
+// replace a file, which tells the answer, "wait", "work" until it is aborted, "hurry NAME" until
+// then, with progress and questions all the time, tell its "end" and "where" it is called. What was
+// aborted is not complete.
 
 #include <sstream>
 
@@ -32,13 +30,7 @@ namespace kel::test {
 
 class RecorderProp final : public Prop {
 public:
-    explicit RecorderProp(Stage& stage) : stage_(stage) {
-        install(false);
-        setFiles({{1, 1023, 2003, 11, 1, 12, 0, 0, "A.DAT"},
-                  {2, 1024, 1900, 1, 1, 0, 0, 0, "B.DAT"},
-                  {3, 5LL << 30, 1900, 1, 1, 7, 12, 0, "C.DAT"}},
-                 3, 8192);
-    }
+    explicit RecorderProp(Stage& stage) : stage_(stage) { install(false); }
 
     void prepare(const std::string& line) override {
         std::string rest = line;
@@ -58,18 +50,9 @@ public:
             ++goes_;
         } else if (word == "hasty") {
             isHasty_ = true;
-        } else if (word == "closes") {
-            PostMessageW(FindWindowW(nullptr, L"Recorder"), WM_CLOSE, 0, 0);
-        } else if (word == "asks") {
-            const HWND question = FindWindowW(nullptr, L"Confirm file replace");
-            stage_.transcript.tell(IsWindowEnabled(question) ? "asks" : "asks behind another box");
         } else if (word == "threadless") {
             threads_.emplace(kelUtils().module(), "CreateThread",
                              reinterpret_cast<void*>(startNoThread));
-        } else if (word == "fail") {
-            stage_.link.onCall = [rest](const std::string& call) {
-                if (call.starts_with(rest)) throw com::Error(E_FAIL, L"The port is not open");
-            };
         } else {
             throw std::invalid_argument("not understood: " + line);
         }
@@ -82,15 +65,14 @@ private:
     }
 
     void install(bool isAgile) {
-        std::vector<bench::CardEntry> files;
-        Answers answers;
-        if (double_) files = double_->files, answers = double_->answers;
         passesCollections_ = isAgile;
         double_ = com::makeObject<FakeRecorder>(isAgile);
-        double_->files = files;
-        double_->answers = answers;
         double_->operation = [this] { return operate(); };
         stage_.link.access = stage_.link.around<IUnknown>(double_->controlling());
+        setFiles({{1, 1023, 2003, 11, 1, 12, 0, 0, "A.DAT"},
+                  {2, 1024, 1900, 1, 1, 0, 0, 0, "B.DAT"},
+                  {3, 5LL << 30, 1900, 1, 1, 7, 12, 0, "C.DAT"}},
+                 3, 8192);
     }
     void setFiles(const std::vector<bench::CardEntry>& files, double used, double capacity) {
         double_->files = files;
@@ -139,6 +121,11 @@ private:
             while (goes_ == 0 && double_->work()) {
             }
             --goes_;
+        } else if (word == "hurry") {
+            for (long i = 0; double_->work(); ++i) {
+                double_->fire(2, {com::Variant(i), com::Variant(100L)});
+                if (i % 3 == 0) double_->fire(4, {text});
+            }
         } else if (word == "work") {
             stage_.transcript.tell("works");
             while (double_->work()) {

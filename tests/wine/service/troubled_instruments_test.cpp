@@ -3,11 +3,11 @@
 #include <cstdlib>
 #include <sstream>
 
-#include "com/message_loop.h"
 #include "tests/support/cases.h"
 #include "tests/wine/service/bench_services.h"
 #include "tests/wine/service/live_terminal.h"
 #include "tests/wine/support/resource_counts.h"
+#include "tests/wine/support/user.h"
 
 namespace kel::test {
 namespace {
@@ -15,8 +15,6 @@ namespace {
 using bench::InstrumentOptions;
 using std::chrono::milliseconds;
 
-constexpr char kTroubles[] = "tests/wine/service/troubles.txt";
-constexpr char kInner[] = "inner.kel";
 constexpr int kMostCommands = 60;
 
 const struct {
@@ -32,55 +30,38 @@ const struct {
 };
 
 // What connects: through a gateway in the same mood.
+const std::vector<UserStep> kToConnect = {{IDOK}, {0, IDC_NETWORK_STATUS, L"the end"}};
 const Service kConnections[] = {
-    {"ConnectKelGateDialog",
-     &CLSID_ConnectKelGateDialog,
-     L"Connect",
-     IDC_NETWORK_STATUS,
-     {{IDOK}, {0, IDC_NETWORK_STATUS, L"the end"}},
-     0,
-     0,
-     "",
-     ""},
-    {"NewSessionDialog",
-     &CLSID_NewSessionDialog,
-     L"Open Session",
-     IDC_NETWORK_STATUS,
-     {{IDOK}, {0, IDC_NETWORK_STATUS, L"the end"}},
-     0,
-     0,
-     "",
-     ""},
+    {"ConnectKelGateDialog", &CLSID_ConnectKelGateDialog, L"Connect", IDC_NETWORK_STATUS,
+     kToConnect},
+    {"NewSessionDialog", &CLSID_NewSessionDialog, L"Open Session", IDC_NETWORK_STATUS, kToConnect},
 };
 
 class TroubledInstruments : public BenchServices, public testing::WithParamInterface<Case> {
 protected:
     // Does its work on the present link; true when that is done. Its component stays the same.
-    using Operation = std::function<bool(HRESULT* code)>;
+    using Operation = std::function<bool()>;
 
     Operation operation(const std::string& text) {
         if (text.starts_with("script ")) return script(com::widen(text.substr(7)));
-        if (text == "terminal") return [this](HRESULT* code) { return beTyped(code); };
+        if (text == "terminal") return [this] { return beTyped(); };
         const Service* service = std::ranges::find(kConnections, text, &Service::name);
         needsGateway_ = service != std::end(kConnections);
         if (!needsGateway_) service = std::ranges::find(kServices, text, &Service::name);
         const auto dialog = kelUtils().create<IKelModalDialog>(*service->component);
-        return [this, service, dialog](HRESULT* code) {
-            return serve(*service, dialog, link.Get(), code);
-        };
+        return [this, service, dialog] { return serve(*service, link.Get(), dialog); };
     }
 
     Operation script(const std::wstring& text) {
         const auto preprocessor = kelUtils().create<IPreprocessorControl>(CLSID_Preprocessor);
         preprocessor->put_ScriptPath(com::Bstr(folder_.path()).get());
-        return [this, preprocessor, text](HRESULT* code) {
+        return [this, preprocessor, text] {
             told_.clear();
-            const std::wstring inner =
-                folder_.file(com::widen(kInner), "ver\r\n#WAIT_PROMPT 1\r\n");
+            const std::wstring inner = folder_.file(L"inner.kel", "ver\r\n#WAIT_PROMPT 1\r\n");
             preprocessor->put_Communicator(link.Get());
             link->put_Preprocessor(preprocessor.Get());
             VARIANT_BOOL hasRun = VARIANT_FALSE;
-            *code = preprocessor->PreprocessAndRun(com::Bstr(text).get(), &hasRun);
+            code_ = preprocessor->PreprocessAndRun(com::Bstr(text).get(), &hasRun);
             com::ComPtr<IScriptDiagnostics> all;
             long count = 0;
             preprocessor->get_Diagnostics(&all);
@@ -101,33 +82,28 @@ protected:
     }
 
     // A command and its answer. That nothing comes is all that a terminal can tell.
-    bool beTyped(HRESULT* code) {
+    bool beTyped() {
         told_.clear();
         stream->put_IdleProcessing(VARIANT_TRUE);
         LiveTerminal terminal(link.Get());
         VARIANT_BOOL isSent = VARIANT_FALSE;
-        *code = stream->WriteString(com::Bstr(L"ver").get(), VARIANT_TRUE, 0, &isSent);
-        const auto end = std::chrono::steady_clock::now() + milliseconds(300);
-        while (!terminal.text().ends_with(L"\r\n>") && std::chrono::steady_clock::now() < end) {
-            com::sleepUntilMessage(milliseconds(10));
-            com::runWaitingMessages();
-        }
+        code_ = stream->WriteString(com::Bstr(L"ver").get(), VARIANT_TRUE, 0, &isSent);
+        const bool isAnswered = terminal.runUntilPrompt(milliseconds(300));
         gaveUp_ = true;
         stream->put_IdleProcessing(VARIANT_FALSE);
         // The terminal lets go of the port.
         stream->put_EchoWindow(window.number());
-        return terminal.text().ends_with(L"\r\n>");
+        return isAnswered;
     }
 
     // On an instrument in a mood from its so manieth command on; then, with the same component, on
     // a healthy one. False when the trouble came too late.
     bool expectSurvived(const std::string& mood, int commands, std::uint32_t seed,
                         const wchar_t* linkScale = L"50") {
-        const Step& step = GetParam().steps.front();
         if (HasFailure()) return false;
         SCOPED_TRACE(mood + " after " + std::to_string(commands) + ", seed " +
                      std::to_string(seed));
-        const Operation work = operation(step.text());
+        const Operation work = operation(GetParam().steps.front().text());
         InstrumentOptions options = instrument();
         options.troubleAfter = commands;
         options.seed = seed;
@@ -135,22 +111,23 @@ protected:
         setTrouble(options, linkScale);
         const std::size_t windows = countResources().windows;
         patience_ = milliseconds(300);
-        HRESULT code = E_FAIL;
-        const bool isDone = work(&code);
-        if (code != S_OK) told_.insert(com::narrow(takeError().value().description));
-        EXPECT_TRUE(isDone || isTold_ || gaveUp_ || code != S_OK) << "nobody is told";
+        const bool isDone = work();
+        if (code_ != S_OK) told_.insert(com::narrow(takeError().value().description));
+        EXPECT_TRUE(isDone || isTold_ || gaveUp_ || code_ != S_OK) << "nobody is told";
         for (const std::string& each : told_)
             EXPECT_TRUE(mayBeTold(each)) << escaped(each);
         EXPECT_TRUE(isRestored(stream.Get()));
         EXPECT_EQ(countResources().windows, windows);
         hasAllFiles();
-        forgetOtherFiles();
+        // Names of the listing are garbled too.
+        for (const std::wstring& name : folder_.names())
+            if (name != L"new.bin") DeleteFileW((folder_.path() + L"\\" + name).c_str());
         if (HasFailure()) return false;
 
         setTrouble(instrument(), L"2");
         patience_.reset();
-        EXPECT_TRUE(work(&code)) << "it does not recover";
-        EXPECT_EQ(code, S_OK) << (code == S_OK ? "" : com::narrow(takeError()->description));
+        EXPECT_TRUE(work()) << "it does not recover";
+        EXPECT_EQ(code_, S_OK) << (code_ == S_OK ? "" : com::narrow(takeError()->description));
         hasAllFiles();
         return !isDone || !told_.empty();
     }
@@ -160,33 +137,19 @@ protected:
         gateway_.reset();
         if (!needsGateway_) return;
         gateway_.emplace(options, 50, true);
-        const std::string section = "Software\\Kelvra\\Components\\KelGateConnect\\Connections";
-        const std::string port = com::narrow(gateway_->port().view());
-        const DWORD one = 1;
-        RegSetKeyValueA(HKEY_CURRENT_USER, section.c_str(), "Count", REG_DWORD, &one, sizeof one);
-        for (const auto& [name, value] : {std::pair{"Name", std::string("Gate")},
-                                          {"Address", "gate:127.0.0.1"},
-                                          {"Port", port}})
-            RegSetKeyValueA(HKEY_CURRENT_USER, (section + "\\0").c_str(), name, REG_SZ,
-                            value.c_str(), value.size() + 1);
+        const std::string list = "KelGateConnect\\Connections";
+        remember(list + " Count = dword:1");
+        remember(list + "\\0 Name = Gate");
+        remember(list + "\\0 Address = gate:127.0.0.1");
+        remember(list + "\\0", "Port", com::narrow(gateway_->port().view()));
     }
 
     // A line of what is expected, or its begin before "*".
     bool mayBeTold(const std::string& text) const {
         std::istringstream lines(GetParam().steps.front().expected);
-        for (std::string line; std::getline(lines, line);) {
-            const std::string wanted = unescaped(line);
-            if (wanted.ends_with('*') ? text.starts_with(wanted.substr(0, wanted.size() - 1))
-                                      : text == wanted)
-                return true;
-        }
+        for (std::string line; std::getline(lines, line);)
+            if (fits(text, unescaped(line))) return true;
         return false;
-    }
-
-    // Names of the listing are garbled too.
-    void forgetOtherFiles() {
-        for (const std::wstring& name : folder_.names())
-            if (name != L"new.bin") DeleteFileW((folder_.path() + L"\\" + name).c_str());
     }
 
     bool needsGateway_ = false;
@@ -197,12 +160,9 @@ protected:
 // time there are all moods, all numbers, and some seeds.
 TEST_P(TroubledInstruments, AreSurvived) {
     const auto expectSettingsSurvived = [&](const wchar_t* linkScale) {
-        for (const std::string& setting : GetParam().steps.front().settings) {
-            std::istringstream words(setting);
-            std::string mood;
-            int commands = 0;
-            words >> mood >> commands;
-            expectSurvived(mood, commands, 1, linkScale);
+        for (std::string setting : GetParam().steps.front().settings) {
+            const std::string mood = takeWord(setting);
+            expectSurvived(mood, std::stoi(setting), 1, linkScale);
         }
     };
     if (!std::getenv("KEL_EVERY_TROUBLE")) {
@@ -225,7 +185,8 @@ TEST_P(TroubledInstruments, AreSurvived) {
     expectNothingLeft();
 }
 
-INSTANTIATE_TEST_SUITE_P(Operations, TroubledInstruments, testing::ValuesIn(readCases(kTroubles)));
+INSTANTIATE_TEST_SUITE_P(Operations, TroubledInstruments,
+                         testing::ValuesIn(readCases("tests/wine/service/troubles.txt")));
 
 }  // namespace
 }  // namespace kel::test

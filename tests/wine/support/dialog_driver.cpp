@@ -16,22 +16,6 @@ namespace {
 constexpr std::chrono::seconds kPatience{10};
 constexpr UINT kAnswerTime = 10000;
 
-struct Timeout : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
-std::wstring captionOf(HWND window) {
-    wchar_t text[256] = L"";
-    InternalGetWindowText(window, text, static_cast<int>(std::size(text)));
-    return text;
-}
-
-std::wstring classOf(HWND window) {
-    wchar_t name[64] = L"";
-    GetClassNameW(window, name, static_cast<int>(std::size(name)));
-    return name;
-}
-
 BOOL CALLBACK collect(HWND window, LPARAM list) {
     reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
     return TRUE;
@@ -51,14 +35,6 @@ bool isDialog(HWND window) {
     return takesInput(window) && classOf(window) == L"#32770";
 }
 
-INPUT keyInput(WORD virtualKey, DWORD flags) {
-    INPUT input{};
-    input.type = INPUT_KEYBOARD;
-    input.ki.wVk = virtualKey;
-    input.ki.dwFlags = flags;
-    return input;
-}
-
 void describe(std::ostream& stream, HWND window, const char* indent) {
     stream << indent << window << ' ' << com::narrow(classOf(window)) << " '"
            << com::narrow(captionOf(window)) << "' id " << GetDlgCtrlID(window)
@@ -67,6 +43,18 @@ void describe(std::ostream& stream, HWND window, const char* indent) {
 }
 
 }  // namespace
+
+std::wstring classOf(HWND window) {
+    wchar_t name[64] = L"";
+    GetClassNameW(window, name, static_cast<int>(std::size(name)));
+    return name;
+}
+
+std::wstring captionOf(HWND window) {
+    wchar_t text[256] = L"";
+    InternalGetWindowText(window, text, static_cast<int>(std::size(text)));
+    return text;
+}
 
 HWND controlIn(HWND window, int identifier) {
     HWND found = GetDlgItem(window, identifier);
@@ -146,7 +134,7 @@ void DialogDriver::waitUntil(const char* what, const std::function<bool()>& hold
     const auto end = std::chrono::steady_clock::now() + kPatience;
     while (!holds()) {
         if (std::chrono::steady_clock::now() > end)
-            throw Timeout(std::string("waited in vain: ") + what);
+            throw std::runtime_error(std::string("waited in vain: ") + what);
         Sleep(2);
     }
 }
@@ -192,7 +180,11 @@ void DialogDriver::setText(int identifier, const std::wstring& text) {
 void DialogDriver::key(WORD virtualKey, WORD modifier) {
     std::vector<INPUT> inputs;
     const auto add = [&](WORD code, DWORD flags) {
-        if (code != 0) inputs.push_back(keyInput(code, flags));
+        if (code == 0) return;
+        INPUT& input = inputs.emplace_back();
+        input.type = INPUT_KEYBOARD;
+        input.ki.wVk = code;
+        input.ki.dwFlags = flags;
     };
     add(modifier, 0);
     add(virtualKey, 0);
@@ -217,7 +209,7 @@ HWND DialogDriver::focus() {
 LRESULT DialogDriver::send(HWND window, UINT message, WPARAM wide, LPARAM longer) {
     DWORD_PTR result = 0;
     if (!SendMessageTimeoutW(window, message, wide, longer, SMTO_NORMAL, kAnswerTime, &result))
-        throw Timeout("a window does not answer");
+        throw std::runtime_error("a window does not answer");
     return static_cast<LRESULT>(result);
 }
 

@@ -12,6 +12,10 @@
 
 namespace kel::test {
 
+std::wstring classOf(HWND window);
+// The text of a window as the platform keeps it, without asking its thread.
+std::wstring captionOf(HWND window);
+
 // The control of a window, or of a page inside it: of the one that is seen where several have it.
 HWND controlIn(HWND window, int identifier);
 

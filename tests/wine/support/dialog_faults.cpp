@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <map>
-#include <tuple>
 
 #include "com/text.h"
+#include "tests/wine/support/dialog_driver.h"
 
 namespace kel::test {
 namespace {
@@ -55,11 +55,8 @@ std::vector<Control> controlsOf(HWND dialog) {
     for (HWND child = GetWindow(dialog, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
         Control control{};
         control.window = child;
-        wchar_t buffer[512] = L"";
-        GetClassNameW(child, buffer, static_cast<int>(std::size(buffer)));
-        control.className = buffer;
-        GetWindowTextW(child, buffer, static_cast<int>(std::size(buffer)));
-        control.text = buffer;
+        control.className = classOf(child);
+        control.text = com::windowText(child);
         control.style = static_cast<DWORD>(GetWindowLongW(child, GWL_STYLE));
         control.isVisible = (control.style & WS_VISIBLE) != 0;
         GetWindowRect(child, &control.place);

@@ -1,21 +1,9 @@
 #include "tests/wine/support/event_sink.h"
 
 #include "com/variant.h"
-#include "interfaces/KelUtils.h"
+#include "tests/wine/support/late_bound.h"
 
 namespace kel::test {
-namespace {
-
-// A collection as the number of its items.
-std::string countOf(IDispatch* object) {
-    com::ComPtr<IFlatCollection> collection;
-    long count = 0;
-    com::check(object->QueryInterface(IID_PPV_ARGS(&collection)));
-    com::check(collection->get_Count(&count));
-    return "(" + std::to_string(count) + ")";
-}
-
-}  // namespace
 
 com::ComPtr<IConnectionPoint> eventsOf(IUnknown* object, const IID& events) {
     com::ComPtr<IConnectionPointContainer> container;
@@ -30,7 +18,8 @@ HRESULT EventSink::Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* argumen
     events += std::to_string(member);
     for (UINT i = arguments->cArgs; i-- > 0;) {
         const VARIANT& argument = arguments->rgvarg[i];
-        events += " " + (argument.vt == VT_DISPATCH ? countOf(argument.pdispVal)
+        // A collection as the number of its items.
+        events += " " + (argument.vt == VT_DISPATCH ? "(" + call(argument.pdispVal, "Count") + ")"
                                                     : com::Variant(argument).toText());
     }
     events += "\n";

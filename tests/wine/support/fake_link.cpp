@@ -15,20 +15,20 @@ public:
     explicit FakeStreamOf(FakeLink& link) : link_(link) {}
 
     STDMETHODIMP Close() override { return S_OK; }
-    STDMETHODIMP get_IsOpen(VARIANT_BOOL* open) override { return answer("IsOpen", open); }
+    STDMETHODIMP get_IsOpen(VARIANT_BOOL* open) override { return link_.answer("IsOpen", open); }
     STDMETHODIMP ReadByte(long, unsigned char*, VARIANT_BOOL*) override { return E_NOTIMPL; }
     STDMETHODIMP WriteByte(unsigned char, long, VARIANT_BOOL* result) override {
-        return answer("WriteByte", result);
+        return link_.answer("WriteByte", result);
     }
     STDMETHODIMP ReadBuffer(long, long, VARIANT*, VARIANT_BOOL*) override { return E_NOTIMPL; }
     STDMETHODIMP WriteBuffer(VARIANT, long, VARIANT_BOOL*) override { return E_NOTIMPL; }
     STDMETHODIMP WriteString(BSTR, VARIANT_BOOL, long, VARIANT_BOOL* result) override {
-        return answer("WriteString", result);
+        return link_.answer("WriteString", result);
     }
     STDMETHODIMP ReadString(long, BSTR*, VARIANT_BOOL*) override { return E_NOTIMPL; }
     STDMETHODIMP WaitForString(BSTR, long, BSTR, BSTR* response, VARIANT_BOOL* result) override {
         *response = com::Bstr(std::wstring_view(link_.reply)).release();
-        return answer("WaitForString", result);
+        return link_.answer("WaitForString", result);
     }
     STDMETHODIMP SendBreak(long) override { return E_NOTIMPL; }
     STDMETHODIMP ClearReadBuffer() override {
@@ -62,10 +62,6 @@ public:
     }
 
 protected:
-    HRESULT answer(const char* name, VARIANT_BOOL* result) {
-        return *result = link_.answer(name), S_OK;
-    }
-
     FakeLink& link_;
 };
 
@@ -85,7 +81,7 @@ public:
         return *exists = link_.absentPorts.contains(com::view(port)) ? 0 : 1, S_OK;
     }
     STDMETHODIMP SetLineSettings(BSTR, long, long, VARIANT_BOOL* result) override {
-        return answer("SetLineSettings", result);
+        return link_.answer("SetLineSettings", result);
     }
 };
 
@@ -96,7 +92,7 @@ public:
 
     STDMETHODIMP ConnectTo(BSTR, BSTR, VARIANT_BOOL* result) override {
         isRefused_ = password_ != link_.gatewayPassword;
-        return isRefused_ ? (*result = VARIANT_FALSE, S_OK) : answer("ConnectTo", result);
+        return isRefused_ ? (*result = VARIANT_FALSE, S_OK) : link_.answer("ConnectTo", result);
     }
     STDMETHODIMP get_PasswordRequired(VARIANT_BOOL* required) override {
         return *required = isRefused_ ? 1 : 0, S_OK;
@@ -118,18 +114,18 @@ public:
     explicit FakeCommunicator(FakeLink& link) : link_(link) {}
 
     STDMETHODIMP WakeUpInstrument(VARIANT_BOOL* result) override {
-        return answer("Link.WakeUpInstrument", result);
+        return link_.answer("Link.WakeUpInstrument", result);
     }
     STDMETHODIMP SendCommand(BSTR, VARIANT_BOOL, long, VARIANT_BOOL* result) override {
-        return answer("Link.SendCommand", result);
+        return link_.answer("Link.SendCommand", result);
     }
     STDMETHODIMP WaitForString(BSTR text, long, VARIANT_BOOL, VARIANT_BOOL* result) override {
-        if (!link_.received) return answer("Link.WaitForString", result);
+        if (!link_.received) return link_.answer("Link.WaitForString", result);
         return *result = link_.received->find(com::narrow(text)) != std::string::npos, S_OK;
     }
     STDMETHODIMP SendBreak(long) override { return S_OK; }
     STDMETHODIMP RunCommandFile(BSTR, VARIANT_BOOL* result) override {
-        return answer("Link.RunCommandFile", result);
+        return link_.answer("Link.RunCommandFile", result);
     }
     STDMETHODIMP get_Port(IKelStream** port) override {
         *port = nullptr;
@@ -155,9 +151,6 @@ public:
     STDMETHODIMP put_SDI12Mode(VARIANT_BOOL) override { return E_NOTIMPL; }
 
 private:
-    HRESULT answer(const char* name, VARIANT_BOOL* result) {
-        return *result = link_.answer(name), S_OK;
-    }
     HRESULT findElsewhere(REFIID iid, void** result) override {
         return link_.access ? link_.access->QueryInterface(iid, result) : E_NOINTERFACE;
     }
@@ -182,12 +175,11 @@ long FakeLink::shownIn() {
     return window;
 }
 
-VARIANT_BOOL FakeLink::answer(const std::string& name) {
-    const auto found = answers.find(name);
-    if (found == answers.end() || found->second.empty()) return 1;
-    const bool answer = found->second.front();
-    found->second.pop_front();
-    return answer ? 1 : 0;
+HRESULT FakeLink::answer(const char* name, VARIANT_BOOL* result) {
+    std::deque<bool>& left = answers[name];
+    *result = left.empty() || left.front() ? 1 : 0;
+    if (!left.empty()) left.pop_front();
+    return S_OK;
 }
 
 }  // namespace kel::test

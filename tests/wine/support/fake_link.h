@@ -58,8 +58,8 @@ public:
     // The window that the link shows its texts in, as a host knows it.
     long shownIn();
 
-    // The next answer of a member.
-    VARIANT_BOOL answer(const std::string& name);
+    // Gives the next answer of a member.
+    HRESULT answer(const char* name, VARIANT_BOOL* result);
 
 private:
     friend class FakeCommunicator;

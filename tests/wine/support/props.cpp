@@ -10,8 +10,7 @@
 #include "tests/wine/keldesk/program_prop.h"
 #include "tests/wine/script/preprocessor_props.h"
 #include "tests/wine/service/access_prop.h"
-#include "tests/wine/service/fake_compass.h"
-#include "tests/wine/service/fake_pressure.h"
+#include "tests/wine/service/fake_access.h"
 #include "tests/wine/service/fake_uploader.h"
 #include "tests/wine/service/recorder_prop.h"
 #include "tests/wine/support/here_prop.h"
@@ -146,7 +145,7 @@ const std::map<std::string_view, std::unique_ptr<Prop> (*)(Stage&)>& propMakers(
         {"chooser", makeProp<ChooserProp>},
         {"clock", makeProp<ClockProp>},
         {"container", makeContainerProp},
-        {"here", makeHereProp},
+        {"here", makeProp<HereProp>},
         {"program", makeProgramProp},
         {"compass", makeProp<AccessProp<FakeCompass, link::kCompassAccessClass>>},
         {"diagnostics", makeProp<DiagnosticsProp>},

@@ -13,7 +13,6 @@
 #include "com/message_loop.h"
 #include "com/text.h"
 #include "com/variant.h"
-#include "interfaces/KelUtils.h"
 #include "interfaces/link_classes.h"
 #include "settings/vocabulary.h"
 #include "tests/support/cases.h"
@@ -84,6 +83,8 @@ std::string Transcript::step(std::size_t index) const {
 }
 
 Stage::Stage(long failing) : failing_(failing) {
+    // As users have it while nothing keeps them waiting.
+    SetCursor(LoadCursor(nullptr, IDC_ARROW));
     serial_.emplace(link::kSerialStreamClass, ports.port());
     network_.emplace(link::kNetworkStreamClass, ports.network());
     link.onCall = [this](const std::string& call) {
@@ -99,10 +100,6 @@ Stage::~Stage() {
 
 bool Stage::hasFailed() const {
     return mayFail() || (failing_ > 0 && link.callCount() >= failing_);
-}
-
-void Stage::settle(DialogDriver& user) {
-    playInside(user, {});
 }
 
 void Stage::playInside(DialogDriver& user, const std::string& line) {
@@ -202,15 +199,9 @@ void Stage::make(std::string line) {
     com::check(CLSIDFromProgID((L"KelUtils." + widened(takeWord(line))).c_str(), &component));
     object_ = kelUtils().create<IDispatch>(component);
     if (line == "alone") return;
-    com::ComPtr<IKelModalDialog> dialog;
-    com::ComPtr<IPreprocessorControl> preprocessor;
-    if (SUCCEEDED(object_.As(&dialog))) {
-        com::check(dialog->put_Communicator(link.communicator()));
-    } else if (SUCCEEDED(object_.As(&preprocessor))) {
-        com::check(preprocessor->put_Communicator(link.communicator()));
-    } else if (com::ComPtr<IKelTerminal> terminal; SUCCEEDED(object_.As(&terminal))) {
-        com::check(terminal->put_Communicator(link.communicator()));
-    }
+    const com::Variant own(static_cast<IDispatch*>(link.communicator()));
+    const HRESULT code = invoke(object_.Get(), "Communicator = own", {{"own", own}}).code;
+    if (code != DISP_E_UNKNOWNNAME) com::check(code);
 }
 
 void Stage::call(const std::string& line, const std::map<std::string, com::Variant>& values) {
@@ -271,20 +262,17 @@ void Stage::setPort(std::string line) {
 }
 
 // "Link.SendCommand false true", "new ConnectTo false"
-void Stage::setAnswers(const std::string& line) {
+void Stage::setAnswers(std::string line) {
+    FakeLink& called = line.starts_with("new ") ? ports : link;
+    if (&called == &ports) takeWord(line);
+    std::deque<bool>& answers = called.answers[takeWord(line)];
+    answers.clear();
     std::istringstream words(line);
-    std::string name, word;
-    std::deque<bool> answers;
-    while (words >> word) {
-        if (word == "true" || word == "false") {
-            answers.push_back(word == "true");
-        } else {
-            name += (name.empty() ? "" : " ") + word;
-        }
+    for (std::string word; words >> word;) {
+        if (word != "true" && word != "false") refuse(line);
+        answers.push_back(word == "true");
     }
     if (answers.empty()) refuse(line);
-    const bool isNew = name.starts_with("new ");
-    (isNew ? ports : link).answers[isNew ? name.substr(4) : name] = answers;
 }
 
 // "serial none", "network bench", "network double"; "network hasty" measures time a hundred times
@@ -330,20 +318,15 @@ void Stage::recall(const std::string& section) {
 }
 
 void Stage::tellVariables() {
-    com::ComPtr<IPreprocessorControl> preprocessor;
-    com::ComPtr<IFlatCollection> all;
-    com::check(object_.As(&preprocessor));
-    com::check(preprocessor->get_Variables(&all));
-    long count = 0;
-    com::check(all->get_Count(&count));
-    for (long i = 0; i < count; ++i) {
-        com::Bstr name;
-        com::Variant value;
-        com::check(all->get_Name(i, name.put()));
-        com::check(all->get_Item(com::Variant(i).get(), value.put()));
-        transcript.tell(com::narrow(name.view(), CP_UTF8) + "=" +
-                        com::narrow(com::widen(value.toText()), CP_UTF8));
-    }
+    const com::Variant variables = invoke(object_.Get(), "Variables").result;
+    IDispatch* const all = variables.get().pdispVal;
+    const auto told = [&](const std::string& line) {
+        return com::narrow(com::widen(invoke(all, line).result.toText()), CP_UTF8);
+    };
+    const int count = std::stoi(told("Count"));
+    for (int i = 0; i < count; ++i)
+        transcript.tell(told("Name " + std::to_string(i)) + "=" +
+                        told("Item " + std::to_string(i)));
 }
 
 // "FIRST | SECOND": no call that begins with the second stands before one that begins with the

@@ -74,7 +74,7 @@ public:
     void play(const std::string& line);
 
     // Waits on another thread until the thread of the dialogs has done all that waits for it.
-    void settle(DialogDriver& user);
+    void settle(DialogDriver& user) { playInside(user, {}); }
     // The same, after the host's line.
     void playInside(DialogDriver& user, const std::string& line);
 
@@ -107,7 +107,7 @@ private:
     void call(const std::string& line, const std::map<std::string, com::Variant>& values = {});
     void setLink(std::string line);
     void setPort(std::string line);
-    void setAnswers(const std::string& line);
+    void setAnswers(std::string line);
     void setClass(std::string line);
     void setFailure(std::string line);
     void hold();

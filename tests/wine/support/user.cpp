@@ -31,21 +31,6 @@ WORD keyOf(const std::string& name) {
     return found->second;
 }
 
-std::string kindOf(HWND window) {
-    char name[64] = "";
-    GetClassNameA(window, name, static_cast<int>(std::size(name)));
-    return name;
-}
-
-// Whether a text is as a pattern says, in which "*" stands for any text.
-bool fits(std::string_view text, std::string_view pattern) {
-    if (pattern.empty()) return text.empty();
-    if (pattern[0] != '*') {
-        return !text.empty() && text[0] == pattern[0] && fits(text.substr(1), pattern.substr(1));
-    }
-    return fits(text, pattern.substr(1)) || (!text.empty() && fits(text.substr(1), pattern));
-}
-
 LRESULT send(HWND window, UINT message, WPARAM wide = 0, LPARAM longer = 0) {
     return DialogDriver::send(window, message, wide, longer);
 }
@@ -134,19 +119,27 @@ std::string styleOf(HWND window) {
     char style[16];
     std::snprintf(style, sizeof style, " %08lx", GetWindowLongW(window, GWL_STYLE) & ~kOwn);
     const bool isOdd = send(window, WM_GETFONT) != send(GetParent(window), WM_GETFONT);
-    return kindOf(window) + style + (isOdd ? " (another font)" : "");
+    return com::narrow(classOf(window)) + style + (isOdd ? " (another font)" : "");
 }
 
 }  // namespace
 
+bool fits(std::string_view text, std::string_view pattern) {
+    if (pattern.empty()) return text.empty();
+    if (pattern[0] != '*') {
+        return !text.empty() && text[0] == pattern[0] && fits(text.substr(1), pattern.substr(1));
+    }
+    return fits(text, pattern.substr(1)) || (!text.empty() && fits(text.substr(1), pattern));
+}
+
 std::string described(HWND window) {
-    const std::string kind = kindOf(window);
+    const std::wstring kind = classOf(window);
     std::string text;
-    if (kind == WC_LISTVIEWA) {
+    if (kind == WC_LISTVIEWW) {
         text = rowsOf(window);
-    } else if (kind == WC_TREEVIEWA) {
+    } else if (kind == WC_TREEVIEWW) {
         text = itemsOf(window);
-    } else if (kind == PROGRESS_CLASSA) {
+    } else if (kind == PROGRESS_CLASSW) {
         text = std::to_string(send(window, PBM_GETPOS)) + " of " +
                std::to_string(send(window, PBM_GETRANGE, FALSE));
     } else {
@@ -154,7 +147,7 @@ std::string described(HWND window) {
     }
     const auto type = GetWindowLongW(window, GWL_STYLE) & BS_TYPEMASK;
     constexpr LONG kChecked[] = {BS_CHECKBOX, BS_AUTOCHECKBOX, BS_RADIOBUTTON, BS_AUTORADIOBUTTON};
-    if (kind == "Button" && std::ranges::count(kChecked, type) > 0)
+    if (kind == L"Button" && std::ranges::count(kChecked, type) > 0)
         text = (send(window, BM_GETCHECK) == BST_CHECKED ? "[x] " : "[ ] ") + text;
     if (!IsWindowEnabled(window)) text += " (disabled)";
     if (!IsWindowVisible(window)) text += " (hidden)";
@@ -257,18 +250,8 @@ void User::act(const std::string& line) {
              wait("the focus", [&] { return driver_.focus() == window; });
          }},
         {"gone", [&] { wait("the end", [&] { return !IsWindowVisible(driver_.window()); }); }},
-        {"show",
-         [&] {
-             std::istringstream names(rest);
-             for (std::string name; names >> name;)
-                 stage_.transcript.tell(name + ": " + described(control(name)));
-         }},
-        {"style",
-         [&] {
-             std::istringstream names(rest);
-             for (std::string name; names >> name;)
-                 stage_.transcript.tell(name + ": " + styleOf(control(name)));
-         }},
+        {"show", [&] { tellEach(rest, described); }},
+        {"style", [&] { tellEach(rest, styleOf); }},
         {"columns", [&] { stage_.transcript.tell(columnsOf(control(rest))); }},
         {"caption",
          [&] { stage_.transcript.tell(textOf(GetWindow(driver_.focus(), GW_HWNDPREV))); }},
@@ -319,18 +302,18 @@ void User::key(std::string name) {
 void User::choose(std::string line) {
     const std::string name = takeWord(line);
     const HWND window = control(name);
-    const std::string kind = kindOf(window);
-    if (kind == "ComboBox") {
+    const std::wstring kind = classOf(window);
+    if (kind == L"ComboBox") {
         const auto index = send(window, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
                                 reinterpret_cast<LPARAM>(widened(line).c_str()));
         if (index < 0) throw std::runtime_error("there is no choice " + line);
         send(window, CB_SETCURSEL, static_cast<WPARAM>(index));
         PostMessageW(GetParent(window), WM_COMMAND, MAKEWPARAM(identifierOf(name), CBN_SELCHANGE),
                      reinterpret_cast<LPARAM>(window));
-    } else if (kind == WC_TREEVIEWA) {
+    } else if (kind == WC_TREEVIEWW) {
         const LPARAM item = line.empty() ? 0 : itemAt(window, std::stoi(line));
         send(window, TVM_SELECTITEM, TVGN_CARET, item);
-    } else if (kind == WC_LISTVIEWA) {
+    } else if (kind == WC_LISTVIEWW) {
         LVITEMW item{};
         item.stateMask = LVIS_SELECTED;
         const auto set = [&](int row) {
@@ -352,7 +335,7 @@ void User::click(std::string line, const std::vector<UINT>& messages, WPARAM key
     const HWND window = control(takeWord(line));
     const int row = std::stoi(takeWord(line));
     RECT place{};
-    if (kindOf(window) == WC_TREEVIEWA) {
+    if (classOf(window) == WC_TREEVIEWW) {
         *reinterpret_cast<LPARAM*>(&place) = itemAt(window, row);
         send(window, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&place));
     } else {
@@ -362,6 +345,12 @@ void User::click(std::string line, const std::vector<UINT>& messages, WPARAM key
     const LONG x = place.left + (line == "box" ? -8 : 4);
     for (const UINT message : messages)
         PostMessageW(window, message, keys, MAKELPARAM(x, (place.top + place.bottom) / 2));
+}
+
+void User::tellEach(const std::string& names, std::string (*toldOf)(HWND)) {
+    std::istringstream words(names);
+    for (std::string name; words >> name;)
+        stage_.transcript.tell(name + ": " + toldOf(control(name)));
 }
 
 // Tells what a message box says and closes it.

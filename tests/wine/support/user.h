@@ -15,6 +15,9 @@ namespace kel::test {
 // of resource_ids.h without "IDC_" or "IDM_". Throws where there is none.
 int identifierOf(const std::string& name);
 
+// Whether a text is as a pattern says, in which "*" stands for any text.
+bool fits(std::string_view text, std::string_view pattern);
+
 // What a control shows: its text, or its rows, or the place of its bar; whether it is checked,
 // disabled or hidden. From any thread.
 std::string described(HWND window);
@@ -36,6 +39,7 @@ private:
     void key(std::string name);
     void choose(std::string line);
     void click(std::string line, const std::vector<UINT>& messages, WPARAM keys);
+    void tellEach(const std::string& names, std::string (*toldOf)(HWND));
     void answerBox(const std::wstring& caption);
 
     HWND control(const std::string& name);

@@ -1,5 +1,5 @@
 #pragma once
-// The access to the compass as a double.
+// The accesses to the compass and to the collector of pressure samples as doubles.
 
 #include "com/object.h"
 #include "interfaces/KelUtils.h"
@@ -13,7 +13,7 @@ public:
 
     Answers answers{{"Calibrating", {0}}};
 
-    STDMETHODIMP Attach(IKelCommunicator* link) override { return link_ = link, S_OK; }
+    STDMETHODIMP Attach(IKelCommunicator*) override { return S_OK; }
     STDMETHODIMP get_Present(VARIANT_BOOL*) override { return E_NOTIMPL; }
     STDMETHODIMP get_Calibrating(VARIANT_BOOL* calibrating) override {
         return answers.give("Calibrating", calibrating);
@@ -37,9 +37,31 @@ public:
         answers.give("FieldStrength", field);
         return answers.give("ReadScores", result);
     }
+};
 
-private:
-    com::ComPtr<IKelCommunicator> link_;
+class FakePressure final : public com::Object<FakePressure, com::Dual<IPressureAccess>> {
+public:
+    static constexpr com::ClassDescription kClass{};
+
+    Answers answers{{"NewData", {0}}};
+
+    STDMETHODIMP Attach(IKelCommunicator*) override { return S_OK; }
+    STDMETHODIMP StartCollection(VARIANT_BOOL* result) override {
+        return answers.give("StartCollection", result);
+    }
+    STDMETHODIMP StopCollection(VARIANT_BOOL* result) override {
+        return answers.give("StopCollection", result);
+    }
+    STDMETHODIMP get_NewData(VARIANT_BOOL* isNew) override {
+        return answers.give("NewData", isNew);
+    }
+    STDMETHODIMP get_CurrentPressure(double* pressure) override {
+        return answers.give("CurrentPressure", pressure);
+    }
+    STDMETHODIMP get_MeanPressure(double* pressure) override {
+        return answers.give("MeanPressure", pressure);
+    }
+    STDMETHODIMP get_Offset(double* pressure) override { return answers.give("Offset", pressure); }
 };
 
 }  // namespace kel::test
