@@ -40,7 +40,8 @@
 //     remember SECTION NAME = VALUE          in the store: a text, or dword:NUMBER
 //     recall SECTION               tells what the store holds
 //     file NAME, folder NAME       an empty one in $folder; $peer is a port with a listener,
-//                                  $instrument the address of a virtual instrument
+//                                  $instrument the address of a virtual instrument, $vanishing of
+//                                  one that is gone after a command
 //     write NAME TEXT              a file with a text in $folder
 //     same NAME FILE               checks that one in $folder is as a file of the project
 //     owner gone                   $owner, a window to be given to ShowModal, is closed

@@ -350,10 +350,15 @@ std::string Stage::expanded(std::string line) {
         replace(line, sign, text);
     };
     const std::lock_guard lock(signs_);
-    if (line.find("$instrument") != line.npos) {
-        if (!instrument_) instrument_.emplace(bench::InstrumentOptions{});
-        put("$instrument", "127.0.0.1:" + com::narrow(instrument_->port().view()));
-    }
+    const auto putInstrument = [&](const char* sign, auto& server, std::optional<int> commands) {
+        if (line.find(sign) == line.npos) return;
+        bench::InstrumentOptions options;
+        options.vanishAfter = commands;
+        if (!server) server.emplace(options);
+        put(sign, "127.0.0.1:" + com::narrow(server->port().view()));
+    };
+    putInstrument("$instrument", instrument_, std::nullopt);
+    putInstrument("$vanishing", vanishing_, 1);
     if (line.find("$peer") != line.npos) {
         if (!peer_) peer_.emplace();
         put("$peer", com::narrow(peer_->port().view()));

@@ -79,8 +79,9 @@ public:
     void playInside(DialogDriver& user, const std::string& line);
 
     // The line with what its signs stand for: "$peer", a port on which somebody listens,
-    // "$instrument", the address of a virtual instrument, "$folder", a folder that goes with the
-    // scene, and "$owner", a window that does. From any thread.
+    // "$instrument", the address of a virtual instrument, "$vanishing", of one that is gone after a
+    // command, "$folder", a folder that goes with the scene, and "$owner", a window that does. From
+    // any thread.
     std::string expanded(std::string line);
 
     // Whether the call has failed that was to, or anything may have. From any thread.
@@ -121,6 +122,7 @@ private:
     std::mutex signs_;
     std::optional<bench::test::TcpPeer> peer_;
     std::optional<bench::test::InstrumentServer> instrument_;
+    std::optional<bench::test::InstrumentServer> vanishing_;
     std::optional<TemporaryFolder> folder_;
     std::optional<ClassObject> serial_;
     std::optional<ClassObject> network_;
