@@ -57,7 +57,7 @@ protected:
         preprocessor->put_ScriptPath(com::Bstr(folder_.path()).get());
         return [this, preprocessor, text] {
             told_.clear();
-            const std::wstring inner = folder_.file(L"inner.kel", "ver\r\n#WAIT_PROMPT 1\r\n");
+            const std::wstring inner = folder_.file(L"inner.kel", "ver\r\n#WAIT_PROMPT 5\r\n");
             preprocessor->put_Communicator(link.Get());
             link->put_Preprocessor(preprocessor.Get());
             VARIANT_BOOL hasRun = VARIANT_FALSE;
