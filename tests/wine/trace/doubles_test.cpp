@@ -97,8 +97,10 @@ protected:
     ~RecordedDoubleTest() override { sink_->onEvent = nullptr; }
 
     void recordAccess() {
+        sink_->isAgile = GetParam();
         record();
         ask(fake_.communicator());
+        EXPECT_EQ(isHeardByAgile(), GetParam());
     }
     void replayAccess() {
         access_.Reset();
@@ -111,6 +113,17 @@ protected:
         EXPECT_EQ(kel::test::eventsOf(access_.Get(), DIID__IRecorderAccessEvents)
                       ->Advise(sink_->controlling(), &cookie),
                   S_OK);
+    }
+    // Whether what the double tells of its events says that any thread may call it.
+    bool isHeardByAgile() {
+        ComPtr<IEnumConnections> connections;
+        CONNECTDATA first{};
+        com::check(kel::test::eventsOf(double_->controlling(), DIID__IRecorderAccessEvents)
+                       ->EnumConnections(&connections));
+        com::check(connections->Next(1, &first, nullptr));
+        const ComPtr<IUnknown> sink = first.pUnk;
+        sink->Release();
+        return com::isAgile(sink.Get());
     }
     // Downloads all that is listed, on a thread that may call.
     HRESULT download(const std::function<void()>& meanwhile = {}) {
