@@ -79,13 +79,14 @@ HRESULT RecorderAccess::running(Work&& work) {
     return code;
 }
 
-// How often it is asked depends on timing; a replay knows by itself.
+// How often it is asked depends on timing; a replay knows by itself. Where there is no place for
+// the answer, the link refuses.
 HRESULT RecorderAccess::get_Running(VARIANT_BOOL* result) {
+    if (!result) return call<&IRecorderAccess::get_Running>("get_Running", result);
     return guardedCall([&] {
         Invocation made =
             invocation<&IRecorderAccess::get_Running, Treatment::kLocal>("get_Running", result);
         if (!wrapped()) {
-            com::out(result) = VARIANT_FALSE;
             made.forward = [=, this] {
                 *result = com::variantBool(running_ > 0);
                 return S_OK;

@@ -23,6 +23,8 @@ public:
     std::string events;
     // What events that ask are answered.
     bool answer = false;
+    // Any thread may call it.
+    bool isAgile = false;
     std::function<HRESULT(DISPID member)> onEvent = [](DISPID) { return S_OK; };
 
     STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
@@ -32,6 +34,12 @@ public:
     }
     STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*,
                         EXCEPINFO*, UINT*) override;
+
+protected:
+    void* findInterface(REFIID iid) override {
+        const bool isOffered = iid == IID_IAgileObject && isAgile;
+        return isOffered ? static_cast<IDispatch*>(this) : Object::findInterface(iid);
+    }
 };
 
 }  // namespace kel::test

@@ -20,7 +20,10 @@ const std::pair<const char*, IID> kInterfaces[] = {
     {"INetworkStream", __uuidof(INetworkStream)},
     {"IKelCommunicator", __uuidof(IKelCommunicator)},
     {"IBinaryCommunicator", __uuidof(IBinaryCommunicator)},
-    {"IRecorderAccess", __uuidof(IRecorderAccess)}};
+    {"IRecorderAccess", __uuidof(IRecorderAccess)},
+    {"IConnectionPointContainer", IID_IConnectionPointContainer},
+    {"IAgileObject", IID_IAgileObject},
+    {"IMarshal", IID_IMarshal}};
 
 // Stands for the platform, which would find the bench's classes if they were registered.
 HRESULT WINAPI benchClassObject(REFCLSID identifier, DWORD, COSERVERINFO*, REFIID iid,
@@ -97,10 +100,12 @@ private:
         if (word == "other")
             return "\"" + kel::test::escaped(com::narrow(other_.shown(), CP_UTF8)) + "\"";
         if (word == "same") return isSame(rest) ? "yes" : "no";
-        if (word == "offers") return interfacesOf(values_.at(rest).get().pdispVal);
+        if (word == "offers")
+            return interfacesOf(rest.empty() ? object_.Get() : values_.at(rest).get().pdispVal);
         if (word == "advise") return advise(rest);
         if (word == "unadvise") return std::to_string(point()->Unadvise(sinks_.at(rest).cookie));
         if (word == "sinks") return sinksOf(*point().Get());
+        if (word == "held") return isHeld(*sinks_.at(rest).sink.Get()) ? "yes" : "no";
         return LinkCase::act(word, rest);
     }
 
@@ -154,7 +159,7 @@ private:
             if (SUCCEEDED(object->QueryInterface(
                     iid, reinterpret_cast<void**>(found.ReleaseAndGetAddressOf()))))
                 names += std::string(names.empty() ? "" : " ") + name;
-        return names;
+        return names.empty() ? "none" : names;
     }
 
     ComPtr<IConnectionPoint> point() {
@@ -180,13 +185,18 @@ private:
         };
         return std::to_string(point()->Advise(added.sink->controlling(), &added.cookie));
     }
+    // Whether anybody else has a reference.
+    static bool isHeld(EventSink& sink) {
+        sink.AddRef();
+        return sink.Release() > 1;
+    }
     // The names of those that hear it, in their order; "first" is the one that all objects have.
     std::string sinksOf(IConnectionPoint& source) {
         ComPtr<IConnectionPointContainer> container;
         ComPtr<IDispatch> same;
         com::check(source.GetConnectionPointContainer(&container));
         EXPECT_EQ(container.As(&same), S_OK);
-        EXPECT_EQ(same, object_);
+        EXPECT_EQ(same.Get(), object_.Get());
         ComPtr<IEnumConnections> connections;
         com::check(source.EnumConnections(&connections));
         std::string names;

@@ -97,8 +97,10 @@ protected:
     ~RecordedDoubleTest() override { sink_->onEvent = nullptr; }
 
     void recordAccess() {
+        sink_->isAgile = GetParam();
         record();
         ask(fake_.communicator());
+        EXPECT_EQ(isHeardByAgile(), GetParam());
     }
     void replayAccess() {
         access_.Reset();
@@ -111,6 +113,17 @@ protected:
         EXPECT_EQ(kel::test::eventsOf(access_.Get(), DIID__IRecorderAccessEvents)
                       ->Advise(sink_->controlling(), &cookie),
                   S_OK);
+    }
+    // Whether what the double tells of its events says that any thread may call it.
+    bool isHeardByAgile() {
+        ComPtr<IEnumConnections> connections;
+        CONNECTDATA first{};
+        com::check(kel::test::eventsOf(double_->controlling(), DIID__IRecorderAccessEvents)
+                       ->EnumConnections(&connections));
+        com::check(connections->Next(1, &first, nullptr));
+        const ComPtr<IUnknown> sink = first.pUnk;
+        sink->Release();
+        return com::isAgile(sink.Get());
     }
     // Downloads all that is listed, on a thread that may call.
     HRESULT download(const std::function<void()>& meanwhile = {}) {
@@ -181,7 +194,7 @@ TEST_P(RecordedDoubleTest, CallsCountAndFailOnAnyThread) {
     const auto traced = fake_.around<IRecorderAccess>(double_->controlling());
     fake_.onCall = [&](const std::string&) { thread = GetCurrentThreadId(); };
     recordAccess();
-    EXPECT_EQ(access_, traced);
+    EXPECT_EQ(access_.Get(), traced.Get());
     EXPECT_EQ(download(), S_OK);
     EXPECT_EQ(thread == GetCurrentThreadId(), !GetParam());
     const std::string folder = com::narrow(folder_.path());
@@ -218,15 +231,17 @@ TEST_F(DoublesTest, ALinkMayBeItsRecorder) {
         const auto link = isReplay ? replay() : ComPtr<IKelCommunicator>(fake_.communicator());
         ComPtr<IRecorderAccess> access;
         ComPtr<IUnknown> identity, same;
+        ComPtr<IMarshal> marshal;
+        EXPECT_EQ(link.As(&marshal), E_NOINTERFACE) << "it would lead around the session";
         ASSERT_EQ(link.As(&access), S_OK);
         EXPECT_EQ(access.As(&identity), S_OK);
         EXPECT_EQ(link.As(&same), S_OK);
-        EXPECT_EQ(identity, same);
+        EXPECT_EQ(identity.Get(), same.Get());
         EXPECT_TRUE(com::isAgile(access.Get()));
         const com::Passed<IRecorderAccess> passed(access);
         ComPtr<IKelCommunicator> back;
         EXPECT_EQ(access.As(&back), S_OK);
-        EXPECT_EQ(back, link);
+        EXPECT_EQ(back.Get(), link.Get());
         const auto sink = com::makeObject<kel::test::EventSink>();
         const auto events = kel::test::eventsOf(link.Get(), DIID__IRecorderAccessEvents);
         DWORD cookie = 0;
@@ -234,7 +249,7 @@ TEST_F(DoublesTest, ALinkMayBeItsRecorder) {
         std::thread(inApartment, [&] {
             VARIANT_BOOL result = VARIANT_FALSE;
             const auto there = passed.fetch();
-            EXPECT_EQ(there, access);
+            EXPECT_EQ(there.Get(), access.Get());
             EXPECT_EQ(there->Format(&result), S_OK);
             EXPECT_TRUE(com::isTrue(result));
         }).join();
