@@ -11,6 +11,14 @@
 #include <type_traits>
 #include <utility>
 
+namespace Microsoft::WRL {
+
+// By default two compare only whether there are objects: compare what Get() gives.
+template <class First, class Second>
+bool operator==(const ComPtr<First>&, const ComPtr<Second>&) = delete;
+
+}  // namespace Microsoft::WRL
+
 namespace kel::com {
 
 using Microsoft::WRL::ComPtr;

@@ -87,7 +87,7 @@ void StreamPoll::follow(const com::ComPtr<IKelStream>& port, HWND pane) {
     paneNumber_ = number;
     rests_ = true;
     com::check(port->put_EchoWindow(number), port);
-    if (stream_ != port || paneNumber_ != number) return giveBack(port, number);
+    if (stream_.Get() != port.Get() || paneNumber_ != number) return giveBack(port, number);
     isClaimed_ = true;
     rests_ = false;
 }

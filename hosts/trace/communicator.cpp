@@ -159,7 +159,7 @@ HRESULT Communicator::giveRecorder(void** result) {
         made.out = [&] {
             Json::Array values = told(recorder.Get());
             values.resize(2);
-            values.push_back(ownRecorder_ && recorder == ownRecorder_);
+            values.push_back(ownRecorder_ && recorder.Get() == ownRecorder_.Get());
             return values;
         };
         made.give = [&](const Json::Array& values) {

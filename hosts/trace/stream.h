@@ -104,6 +104,8 @@ public:
     }
 
     STDMETHODIMP get_EchoWindow(long* window) override {
+        if (!window)
+            return this->template call<&IKelStream::get_EchoWindow>("get_EchoWindow", window);
         return echoCall<&IKelStream::get_EchoWindow>("get_EchoWindow", window, [=, this] {
             if (!this->wrapped()) {
                 *window = relay_.target();
