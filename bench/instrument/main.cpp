@@ -37,7 +37,7 @@ void serve(ProgramOptions options) {
         };
     }
     Transcript transcript(options.transcriptFile);
-    Instrument instrument(std::move(options.instrument));
+    Instrument instrument(options.instrument);
     const auto line = openLine(options);
     EventLoop loop(instrument, *line, transcript, options.loop);
     std::cout << line->address() << std::endl;

@@ -48,7 +48,7 @@ std::wstring doneText(std::uint32_t elapsed) {
 std::wstring listingText(std::uint32_t elapsed, std::uint32_t listed, std::uint32_t total) {
     if (elapsed < kWorthTelling) return {};
     if (total == 0) return L"Reading the list of files, " + clock(elapsed / 1000) + L" so far";
-    const std::wstring text =
+    std::wstring text =
         std::to_wstring(listed) + L" of " + std::to_wstring(total) + L" files listed";
     if (listed == 0) return text;
     const auto left = std::uint64_t{elapsed} * (total - listed) / listed;

@@ -74,7 +74,7 @@ std::string unescaped(std::string_view text) {
 }
 
 std::string takeWord(std::string& line) {
-    const std::string word = line.substr(0, line.find(' '));
+    std::string word = line.substr(0, line.find(' '));
     line.erase(0, std::min(word.size() + 1, line.size()));
     return word;
 }

@@ -13,7 +13,7 @@ std::wstring duration(std::chrono::seconds time) {
 std::wstring lineStatus(std::wstring_view path, std::size_t line, std::chrono::seconds elapsed,
                         const std::optional<Wait>& wait) {
     path.remove_prefix(path.find_last_of(L"\\/") + 1);
-    const std::wstring text = std::wstring(path) + L", line " + std::to_wstring(line);
+    std::wstring text = std::wstring(path) + L", line " + std::to_wstring(line);
     const std::chrono::seconds limit{wait ? wait->seconds : 0};
     if (elapsed < kWorthTelling && limit <= kWorthTelling) return text;
     const std::wstring what = wait ? text + L", " + wait->what : text;
