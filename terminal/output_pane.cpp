@@ -10,7 +10,6 @@
 #include "com/error.h"
 #include "com/scoped.h"
 #include "terminal/pane_menu.h"
-#include "ui/redraw_pause.h"
 
 namespace kel::terminal {
 namespace {
@@ -24,7 +23,7 @@ constexpr UINT kLongestInterval = 500;
 // milliseconds).
 constexpr UINT kRestFactor = 2;
 constexpr std::size_t kMuchCollected = 1 << 14;
-constexpr double kLongestPart = 40;
+constexpr double kLongestPart = 30;
 constexpr std::size_t kSmallestPart = 1 << 12;
 // Whoever feeds more than that has to wait until a part of it is shown.
 constexpr std::size_t kMostCollected = 1 << 16;
@@ -39,6 +38,27 @@ std::wstring timeStamp() {
                                      now.wMinute, now.wSecond, now.wMilliseconds);
     return {text, static_cast<std::size_t>(length)};
 }
+
+// Keeps the control from drawing anything, its scroll bars included: these it would draw at every
+// change in spite of WM_SETREDRAW, which takes longer than the change.
+class DrawingPause {
+public:
+    explicit DrawingPause(HWND edit)
+        : edit_(edit), wasVisible_((GetWindowLongW(edit, GWL_STYLE) & WS_VISIBLE) != 0) {
+        if (wasVisible_) DefWindowProcW(edit_, WM_SETREDRAW, FALSE, 0);
+    }
+    ~DrawingPause() {
+        if (!wasVisible_) return;
+        DefWindowProcW(edit_, WM_SETREDRAW, TRUE, 0);
+        RedrawWindow(edit_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
+    }
+    DrawingPause(const DrawingPause&) = delete;
+    DrawingPause& operator=(const DrawingPause&) = delete;
+
+private:
+    HWND edit_;
+    bool wasVisible_;
+};
 
 bool readsText(UINT message) {
     switch (message) {
@@ -263,7 +283,7 @@ void OutputPane::show(const PaneChange& change, bool makesRoom) {
 
     std::size_t cut = 0;
     int cutLines = 0;
-    const ui::RedrawPause pause(edit_);
+    const DrawingPause pause(edit_);
     if (!change.added.empty() || change.removed > 0) {
         const std::size_t from = shown_ - std::min(change.removed, shown_);
         ask(EM_SETSEL, from, static_cast<LPARAM>(shown_));

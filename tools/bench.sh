@@ -81,7 +81,7 @@ measure_speed() {
 
 # The first megabyte of the longest script, to whole lines, is what the first byte is waited for.
 measure_reactions() {
-    say "measuring through COM and the output pane (four minutes)"
+    say "measuring through COM and the output pane (six minutes)"
     head -c 1048576 -- "$folder/1000000.kel" | sed '$d' >"$folder/megabyte.kel"
     : >"$folder/reactions"
     measure_windows kel_reaction "$(windows_path "$folder/megabyte.kel")"
@@ -93,7 +93,7 @@ measure_reactions() {
 measure_windows() {
     local program=$1
     shift
-    without_locks timeout 400 wine "$windows/$program.exe" "$@" </dev/null 2>"$kel_build/log/$program.log" |
+    without_locks timeout 900 wine "$windows/$program.exe" "$@" </dev/null 2>"$kel_build/log/$program.log" |
         tr -d '\r' >>"$folder/reactions" ||
         show_failure "$kel_build/log/$program.log" "the measurement of $program failed"
 }
@@ -106,12 +106,13 @@ measure_recorder() {
         become_detached "$kel_build/native/bench/instrument/virtual-instrument" --tcp 0 --card "$card" --parent $$ \
             >"$folder/address.$card" 2>&1 </dev/null &
         at_exit end_process $!
-        for ((tries = 0; tries < 200; tries++)); do
+        for ((tries = 0; tries < 1500; tries++)); do
             [[ ! -s $folder/address.$card ]] || break
             sleep 0.02
         done
         address=$(head -n 1 -- "$folder/address.$card")
-        ports+=("${address##*:}")
+        [[ $address =~ ^[0-9]+$ ]] || fail "the virtual instrument does not start: $address"
+        ports+=("$address")
     done
     measure_windows kel_recorder "${ports[@]}" "$(windows_path "$folder/card")"
     rm -rf -- "$folder/card"
