@@ -47,14 +47,15 @@ std::optional<std::vector<bool>> SelectorDialog::ask(HWND owner) {
 }
 
 void SelectorDialog::initialise() {
+    list_ = control(IDC_SELECTOR_LIST);
     showTexts();
     makeRoom();
     fill();
-    intercept(list());
+    intercept(list_);
 }
 
 HWND SelectorDialog::initialFocus() {
-    return list();
+    return list_;
 }
 
 void SelectorDialog::showTexts() {
@@ -93,20 +94,20 @@ SIZE SelectorDialog::measure(int identifier, int width, UINT format) const {
 }
 
 void SelectorDialog::fill() {
-    const ui::RedrawPause pause(list());
-    SetWindowLongPtrW(list(), GWL_EXSTYLE,
-                      GetWindowLongPtrW(list(), GWL_EXSTYLE) | WS_EX_NOPARENTNOTIFY);
+    const ui::RedrawPause pause(list_);
+    SetWindowLongPtrW(list_, GWL_EXSTYLE,
+                      GetWindowLongPtrW(list_, GWL_EXSTYLE) | WS_EX_NOPARENTNOTIFY);
     constexpr DWORD kListStyle = LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT;
-    SendMessageW(list(), LVM_SETEXTENDEDLISTVIEWSTYLE, kListStyle, kListStyle);
+    SendMessageW(list_, LVM_SETEXTENDEDLISTVIEWSTYLE, kListStyle, kListStyle);
     LVCOLUMNW column{};
-    SendMessageW(list(), LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
-    SendMessageW(list(), LVM_SETITEMCOUNT, options_.size(), 0);
+    SendMessageW(list_, LVM_INSERTCOLUMNW, 0, reinterpret_cast<LPARAM>(&column));
+    SendMessageW(list_, LVM_SETITEMCOUNT, options_.size(), 0);
     for (std::size_t i = 0; i < options_.size(); ++i) {
         LVITEMW item{};
         item.mask = LVIF_TEXT;
         item.iItem = static_cast<int>(i);
         item.pszText = options_[i].name.data();
-        if (SendMessageW(list(), LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)) < 0)
+        if (SendMessageW(list_, LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item)) < 0)
             throw com::Error(E_OUTOFMEMORY);
         // A new row is not checked.
         if (options_[i].isChecked) setCheck(item.iItem, true);
@@ -119,8 +120,8 @@ void SelectorDialog::fill() {
 // The list can do that by itself, in three times the time.
 void SelectorDialog::fitColumn() {
     RECT label{LVIR_LABEL, 0, 0, 0};
-    if (!SendMessageW(list(), LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&label))) return;
-    const ControlDevice device(list());
+    if (!SendMessageW(list_, LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&label))) return;
+    const ControlDevice device(list_);
     LONG widest = 0;
     for (const Option& option : options_) {
         SIZE size{};
@@ -128,7 +129,7 @@ void SelectorDialog::fitColumn() {
                               static_cast<int>(option.name.size()), &size);
         widest = std::max(widest, size.cx);
     }
-    SendMessageW(list(), LVM_SETCOLUMNWIDTH, 0, label.left + widest + kLabelMargin);
+    SendMessageW(list_, LVM_SETCOLUMNWIDTH, 0, label.left + widest + kLabelMargin);
 }
 
 bool SelectorDialog::command(int control, int notification) {
@@ -148,14 +149,14 @@ std::optional<LRESULT> SelectorDialog::intercepted(HWND, UINT message, WPARAM wi
         case WM_LBUTTONDBLCLK: {
             const int row = rowOfCheckBox(longer);
             if (row < 0) return std::nullopt;
-            SetFocus(list());
+            SetFocus(list_);
             work(row, (wide & MK_CONTROL) != 0);
             return 0;
         }
         case WM_KEYDOWN: {
             if (wide != VK_SPACE) return std::nullopt;
             const auto row = static_cast<int>(
-                SendMessageW(list(), LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
+                SendMessageW(list_, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED));
             if (row >= 0) work(row, GetKeyState(VK_CONTROL) < 0);
             return 0;
         }
@@ -168,27 +169,23 @@ std::optional<LRESULT> SelectorDialog::intercepted(HWND, UINT message, WPARAM wi
     }
 }
 
-HWND SelectorDialog::list() const {
-    return control(IDC_SELECTOR_LIST);
-}
-
 int SelectorDialog::rowOfCheckBox(LPARAM position) const {
     LVHITTESTINFO hit{};
     hit.pt = {GET_X_LPARAM(position), GET_Y_LPARAM(position)};
-    SendMessageW(list(), LVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
+    SendMessageW(list_, LVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
     return hit.flags == LVHT_ONITEMSTATEICON ? hit.iItem : -1;
 }
 
 UINT SelectorDialog::state(int row, UINT mask) const {
     return static_cast<UINT>(
-        SendMessageW(list(), LVM_GETITEMSTATE, static_cast<WPARAM>(row), mask));
+        SendMessageW(list_, LVM_GETITEMSTATE, static_cast<WPARAM>(row), mask));
 }
 
 void SelectorDialog::setState(int row, UINT state, UINT mask) {
     LVITEMW item{};
     item.state = state;
     item.stateMask = mask;
-    SendMessageW(list(), LVM_SETITEMSTATE, static_cast<WPARAM>(row),
+    SendMessageW(list_, LVM_SETITEMSTATE, static_cast<WPARAM>(row),
                  reinterpret_cast<LPARAM>(&item));
 }
 
@@ -204,7 +201,7 @@ std::vector<int> SelectorDialog::selectedRows() const {
     std::vector<int> rows;
     const auto next = [this](int row) {
         return static_cast<int>(
-            SendMessageW(list(), LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED));
+            SendMessageW(list_, LVM_GETNEXTITEM, static_cast<WPARAM>(row), LVNI_SELECTED));
     };
     for (int row = next(-1); row >= 0; row = next(row))
         rows.push_back(row);
@@ -225,7 +222,7 @@ void SelectorDialog::toggleCheck(int row) {
     const std::vector<int> rows = rowsToCheck(row, selectedRows());
     const bool checks = !isChecked(row);
     std::optional<ui::RedrawPause> pause;
-    if (rows.size() > 1) pause.emplace(list());
+    if (rows.size() > 1) pause.emplace(list_);
     for (const int each : rows)
         setCheck(each, checks);
 }

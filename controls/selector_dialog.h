@@ -47,7 +47,6 @@ private:
     void fill();
     void fitColumn();
 
-    HWND list() const;
     int rowOfCheckBox(LPARAM position) const;
     UINT state(int row, UINT mask) const;
     void setState(int row, UINT state, UINT mask);
@@ -61,6 +60,8 @@ private:
     SelectorTexts texts_;
     std::vector<Option> options_;
     std::vector<bool> answers_;
+    // Kept, since the dialog finds a control by asking the system, which takes long for each row.
+    HWND list_ = nullptr;
 };
 
 }  // namespace kel::controls

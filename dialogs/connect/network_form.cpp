@@ -11,24 +11,21 @@ int NetworkForm::statusLine() const {
     return IDC_NETWORK_STATUS;
 }
 
-HWND NetworkForm::tree() const {
-    return control(IDC_NETWORK_LIST);
-}
-
 void NetworkForm::initialise() {
+    tree_ = control(IDC_NETWORK_LIST);
     list_ = ConnectionList(loadConnections());
     isLoaded_ = true;
     fillTree();
-    intercept(tree());
+    intercept(tree_);
     link_.createStream();
 }
 
 void NetworkForm::fillTree() {
-    const ui::RedrawPause pause(tree());
-    TreeView_DeleteAllItems(tree());
+    const ui::RedrawPause pause(tree_);
+    TreeView_DeleteAllItems(tree_);
     for (std::size_t index = 0; index < list_.all().size(); ++index)
         insert(index);
-    select(TreeView_GetRoot(tree()));
+    select(TreeView_GetRoot(tree_));
 }
 
 HTREEITEM NetworkForm::insert(std::size_t index) {
@@ -38,23 +35,23 @@ HTREEITEM NetworkForm::insert(std::size_t index) {
     entry.item.pszText = const_cast<LPWSTR>(list_.all()[index].name.c_str());
     entry.item.lParam = static_cast<LPARAM>(index);
     return reinterpret_cast<HTREEITEM>(
-        SendMessageW(tree(), TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&entry)));
+        SendMessageW(tree_, TVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&entry)));
 }
 
 void NetworkForm::select(HTREEITEM item) {
-    if (item) TreeView_SelectItem(tree(), item);
+    if (item) TreeView_SelectItem(tree_, item);
 }
 
 std::size_t NetworkForm::indexOf(HTREEITEM item) const {
     TVITEMW asked{};
     asked.mask = TVIF_PARAM;
     asked.hItem = item;
-    SendMessageW(tree(), TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&asked));
+    SendMessageW(tree_, TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&asked));
     return static_cast<std::size_t>(asked.lParam);
 }
 
 std::optional<std::size_t> NetworkForm::selected() const {
-    const HTREEITEM item = TreeView_GetSelection(tree());
+    const HTREEITEM item = TreeView_GetSelection(tree_);
     if (!item) return std::nullopt;
     return indexOf(item);
 }
@@ -107,26 +104,26 @@ void NetworkForm::editConnection() {
     list_.replace(*index, *connection);
     TVITEMW changed{};
     changed.mask = TVIF_TEXT;
-    changed.hItem = TreeView_GetSelection(tree());
+    changed.hItem = TreeView_GetSelection(tree_);
     changed.pszText = const_cast<LPWSTR>(connection->name.c_str());
-    SendMessageW(tree(), TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&changed));
+    SendMessageW(tree_, TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&changed));
 }
 
 void NetworkForm::removeConnection() {
-    const HTREEITEM item = TreeView_GetSelection(tree());
+    const HTREEITEM item = TreeView_GetSelection(tree_);
     if (!item) return;
     const std::size_t removed = indexOf(item);
     list_.remove(removed);
-    for (HTREEITEM next = item; (next = TreeView_GetNextSibling(tree(), next)) != nullptr;) {
+    for (HTREEITEM next = item; (next = TreeView_GetNextSibling(tree_, next)) != nullptr;) {
         TVITEMW changed{};
         changed.mask = TVIF_PARAM;
         changed.hItem = next;
         changed.lParam = static_cast<LPARAM>(indexOf(next) - 1);
-        SendMessageW(tree(), TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&changed));
+        SendMessageW(tree_, TVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&changed));
     }
-    TreeView_DeleteItem(tree(), item);
+    TreeView_DeleteItem(tree_, item);
     // The last one has made way for an offer.
-    if (!TreeView_GetRoot(tree())) fillTree();
+    if (!TreeView_GetRoot(tree_)) fillTree();
 }
 
 bool NetworkForm::command(int control, int notification) {
@@ -146,7 +143,7 @@ bool NetworkForm::command(int control, int notification) {
 }
 
 std::optional<LRESULT> NetworkForm::notify(const NMHDR& notification) {
-    if (notification.hwndFrom != tree() || notification.code != TVN_GETINFOTIPW)
+    if (notification.hwndFrom != tree_ || notification.code != TVN_GETINFOTIPW)
         return std::nullopt;
     const auto& tip = reinterpret_cast<const NMTVGETINFOTIPW&>(notification);
     const std::wstring text = list_.all().at(indexOf(tip.hItem)).description();
@@ -160,10 +157,10 @@ std::optional<LRESULT> NetworkForm::notify(const NMHDR& notification) {
 
 // A double click on an item, not beside the last one, connects.
 std::optional<LRESULT> NetworkForm::intercepted(HWND control, UINT message, WPARAM, LPARAM longer) {
-    if (control != tree() || message != WM_LBUTTONDBLCLK) return std::nullopt;
+    if (control != tree_ || message != WM_LBUTTONDBLCLK) return std::nullopt;
     TVHITTESTINFO hit{};
     hit.pt = {static_cast<short>(LOWORD(longer)), static_cast<short>(HIWORD(longer))};
-    if (!TreeView_HitTest(tree(), &hit) || !(hit.flags & TVHT_ONITEM)) return std::nullopt;
+    if (!TreeView_HitTest(tree_, &hit) || !(hit.flags & TVHT_ONITEM)) return std::nullopt;
     select(hit.hItem);
     confirm();
     return 0;

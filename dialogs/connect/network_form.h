@@ -46,7 +46,6 @@ protected:
 private:
     bool reach(NetworkConnection connection, std::size_t index);
 
-    HWND tree() const;
     void fillTree();
     HTREEITEM insert(std::size_t index);
     std::optional<std::size_t> selected() const;
@@ -58,6 +57,7 @@ private:
     void removeConnection();
 
     NetworkLink link_;
+    HWND tree_ = nullptr;
     ConnectionList list_;
     // What is stored is known: until then nothing may be written over it.
     bool isLoaded_ = false;
