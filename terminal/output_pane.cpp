@@ -25,6 +25,8 @@ constexpr UINT kRestFactor = 2;
 constexpr std::size_t kMuchCollected = 1 << 14;
 constexpr double kLongestPart = 30;
 constexpr std::size_t kSmallestPart = 1 << 12;
+// Drawing takes as long as a part. While much waits, few views are enough.
+constexpr std::chrono::milliseconds kLongestUndrawn{100};
 // Whoever feeds more than that has to wait until a part of it is shown.
 constexpr std::size_t kMostCollected = 1 << 16;
 // More than any feeder adds: it is the pane that makes room.
@@ -40,7 +42,8 @@ std::wstring timeStamp() {
 }
 
 // Keeps the control from drawing anything, its scroll bars included: these it would draw at every
-// change in spite of WM_SETREDRAW, which takes longer than the change.
+// change in spite of WM_SETREDRAW, which takes longer than the change. Afterwards all of it has to
+// be drawn.
 class DrawingPause {
 public:
     explicit DrawingPause(HWND edit)
@@ -48,9 +51,7 @@ public:
         if (wasVisible_) DefWindowProcW(edit_, WM_SETREDRAW, FALSE, 0);
     }
     ~DrawingPause() {
-        if (!wasVisible_) return;
-        DefWindowProcW(edit_, WM_SETREDRAW, TRUE, 0);
-        RedrawWindow(edit_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
+        if (wasVisible_) DefWindowProcW(edit_, WM_SETREDRAW, TRUE, 0);
     }
     DrawingPause(const DrawingPause&) = delete;
     DrawingPause& operator=(const DrawingPause&) = delete;
@@ -155,8 +156,12 @@ LRESULT OutputPane::process(UINT message, WPARAM wide, LPARAM longer) {
         }
         case WM_TIMER:
             if (wide != kFlushTimer) break;
-            // Text that moves cannot be selected.
-            if (GetCapture() != edit_) flushPart();
+            // Text that moves cannot be selected, nor can text that is not drawn.
+            if (GetCapture() != edit_) {
+                flushPart();
+            } else if (isUndrawn_) {
+                draw();
+            }
             return 0;
         case WM_SIZE:
         case WM_SETFONT:
@@ -273,8 +278,25 @@ void OutputPane::adapt(std::size_t size, double taken) {
     }
 }
 
-// The reader's view and selection stay, unless he looks at the end.
+void OutputPane::draw() {
+    if (!edit_) return;
+    RedrawWindow(edit_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
+    isUndrawn_ = false;
+    drawn_ = std::chrono::steady_clock::now();
+}
+
 void OutputPane::show(const PaneChange& change, bool makesRoom) {
+    {
+        const DrawingPause pause(edit_);
+        apply(change, makesRoom);
+    }
+    isUndrawn_ = pending_.added.size() > kMuchCollected &&
+                 std::chrono::steady_clock::now() - drawn_ < kLongestUndrawn;
+    if (!isUndrawn_) draw();
+}
+
+// The reader's view and selection stay, unless he looks at the end.
+void OutputPane::apply(const PaneChange& change, bool makesRoom) {
     const com::Scoped showing(isShowing_, true);
     const bool follows = isAtEnd();
     const auto firstLine = static_cast<int>(ask(EM_GETFIRSTVISIBLELINE));
@@ -283,7 +305,6 @@ void OutputPane::show(const PaneChange& change, bool makesRoom) {
 
     std::size_t cut = 0;
     int cutLines = 0;
-    const DrawingPause pause(edit_);
     if (!change.added.empty() || change.removed > 0) {
         const std::size_t from = shown_ - std::min(change.removed, shown_);
         ask(EM_SETSEL, from, static_cast<LPARAM>(shown_));

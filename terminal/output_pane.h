@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <chrono>
 #include <string>
 #include <string_view>
 
@@ -71,6 +72,8 @@ private:
     std::size_t lengthOfPart() const;
     void adapt(std::size_t size, double taken);
     void show(const PaneChange& change, bool makesRoom);
+    void apply(const PaneChange& change, bool makesRoom);
+    void draw();
     std::size_t trim();
     void forget();
     void keepEndInView(UINT message, WPARAM wide, LPARAM longer);
@@ -97,6 +100,9 @@ private:
     bool hasTimeStamps_ = false;
     bool hasTimer_ = false;
     bool isShowing_ = false;
+    // What is on the screen is not what is in the control. More is to be shown soon.
+    bool isUndrawn_ = false;
+    std::chrono::steady_clock::time_point drawn_;
     UINT interval_;
     std::size_t part_ = 1 << 13;
     // The message whose answer is to be the edit control's own; WM_NULL for none.

@@ -166,7 +166,7 @@ std::array<double, 6> megabytes() {
 // on the machine can only make a megabyte dearer, so that the cheapest of its rounds is its cost.
 std::vector<double> growth() {
     std::array<double, 6> costs = megabytes();
-    for (int round = 1; round < 3; ++round) {
+    for (int round = 1; round < 5; ++round) {
         const std::array<double, 6> times = megabytes();
         for (std::size_t index = 0; index < costs.size(); ++index)
             costs[index] = std::min(costs[index], times[index]);
