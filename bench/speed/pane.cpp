@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cmath>
 #include <cstdio>
 #include <exception>
 #include <functional>
@@ -162,19 +163,17 @@ std::array<double, 6> megabytes() {
     return times;
 }
 
-// By how many percent each megabyte costs more than the one before, at the limit. Whatever else runs
-// on the machine can only make a megabyte dearer, so that the cheapest of its rounds is its cost.
+// By how many percent a megabyte at the limit costs more than the one before, over the last five.
+// Two neighbours by themselves say less of that than of what else runs on the machine.
 std::vector<double> growth() {
-    std::array<double, 6> costs = megabytes();
-    for (int round = 1; round < 5; ++round) {
-        const std::array<double, 6> times = megabytes();
-        for (std::size_t index = 0; index < costs.size(); ++index)
-            costs[index] = std::min(costs[index], times[index]);
-    }
     std::vector<double> percent;
-    // The second is the first at the limit.
-    for (std::size_t index = 2; index < costs.size(); ++index)
-        percent.push_back(100 * (costs[index] / costs[index - 1] - 1));
+    for (int round = 0; round < 3; ++round) {
+        const std::array<double, 6> times = megabytes();
+        // The second is the first at the limit. From the middle of two to that of the last are
+        // three.
+        const double all = (times[4] + times[5]) / (times[1] + times[2]);
+        percent.push_back(100 * (std::cbrt(all) - 1));
+    }
     return percent;
 }
 
