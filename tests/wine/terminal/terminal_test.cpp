@@ -50,6 +50,16 @@ protected:
     static LRESULT ask(UINT message, WPARAM wide = 0, LPARAM longer = 0) {
         return SendMessageW(output(), message, wide, longer);
     }
+    // The corner where the text begins.
+    static bool isPainted() {
+        const HDC device = GetDC(output());
+        bool isPainted = false;
+        for (int x = 0; x < 40; ++x)
+            for (int y = 0; y < 20; ++y)
+                isPainted = isPainted || GetPixel(device, x, y) != 0;
+        ReleaseDC(output(), device);
+        return isPainted;
+    }
     static void runMessagesUntil(const std::function<bool()>& holds) {
         const DWORD begin = GetTickCount();
         while (!holds() && GetTickCount() - begin < 10000) {
@@ -256,25 +266,18 @@ TEST_F(TerminalTest, ChangesOfTheFontReachItsParts) {
 }
 
 TEST_F(TerminalTest, ShowsWhatItHasCollectedByItself) {
-    const HDC device = GetDC(output());
-    const auto isPainted = [&] {
-        for (int x = 0; x < 40; ++x)
-            for (int y = 0; y < 20; ++y)
-                if (GetPixel(device, x, y) != 0) return true;
-        return false;
-    };
-    runMessagesUntil([&] { return !isPainted(); });
+    runMessagesUntil([] { return !isPainted(); });
     stage->play("container feed soon");
     runMessagesUntil(isPainted);
-    ReleaseDC(output(), device);
 }
 
 // The bar tells without making the pane show the rest.
 TEST_F(TerminalTest, ShowsMuchInParts) {
     std::string text;
     for (int i = 0; i < 1000; ++i)
-        text += std::string(58, 'x') + "\r\n";
+        text += i < 960 ? std::string(58, 'x') + "\r\n" : "\r\n";
     stage->play("container feed " + text);
+    runMessagesUntil(isPainted);
     std::set<int> heights;
     runMessagesUntil([&] {
         int least = 0, most = 0;
@@ -283,7 +286,15 @@ TEST_F(TerminalTest, ShowsMuchInParts) {
         return most >= 1000;
     });
     EXPECT_GT(heights.size(), 2u);
-    EXPECT_EQ(ask(WM_GETTEXTLENGTH), 60000);
+    EXPECT_EQ(ask(WM_GETTEXTLENGTH), 57680);
+    runMessagesUntil([] { return !isPainted(); });
+}
+
+TEST_F(TerminalTest, LeavesItsPaneHidden) {
+    ShowWindow(output(), SW_HIDE);
+    stage->play("container feed unseen");
+    EXPECT_EQ(ask(EM_GETLINECOUNT), 1);
+    EXPECT_EQ(GetWindowLongW(output(), GWL_STYLE) & WS_VISIBLE, 0);
 }
 
 TEST_F(TerminalTest, CanBeSelectedWithTheMouseWhileTextArrives) {
