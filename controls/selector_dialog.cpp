@@ -177,8 +177,7 @@ int SelectorDialog::rowOfCheckBox(LPARAM position) const {
 }
 
 UINT SelectorDialog::state(int row, UINT mask) const {
-    return static_cast<UINT>(
-        SendMessageW(list_, LVM_GETITEMSTATE, static_cast<WPARAM>(row), mask));
+    return static_cast<UINT>(SendMessageW(list_, LVM_GETITEMSTATE, static_cast<WPARAM>(row), mask));
 }
 
 void SelectorDialog::setState(int row, UINT state, UINT mask) {

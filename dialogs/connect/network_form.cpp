@@ -143,8 +143,7 @@ bool NetworkForm::command(int control, int notification) {
 }
 
 std::optional<LRESULT> NetworkForm::notify(const NMHDR& notification) {
-    if (notification.hwndFrom != tree_ || notification.code != TVN_GETINFOTIPW)
-        return std::nullopt;
+    if (notification.hwndFrom != tree_ || notification.code != TVN_GETINFOTIPW) return std::nullopt;
     const auto& tip = reinterpret_cast<const NMTVGETINFOTIPW&>(notification);
     const std::wstring text = list_.all().at(indexOf(tip.hItem)).description();
     if (tip.cchTextMax > 0) {
