@@ -81,7 +81,7 @@ measure_speed() {
 
 # The first megabyte of the longest script, to whole lines, is what the first byte is waited for.
 measure_reactions() {
-    say "measuring through COM and the output pane (six minutes)"
+    say "measuring through COM and the output pane (four minutes)"
     head -c 1048576 -- "$folder/1000000.kel" | sed '$d' >"$folder/megabyte.kel"
     : >"$folder/reactions"
     measure_windows kel_reaction "$(windows_path "$folder/megabyte.kel")"
