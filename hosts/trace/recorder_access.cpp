@@ -73,6 +73,7 @@ template <class Work>
 HRESULT RecorderAccess::running(Work&& work) {
     const com::KeepAlive alive(*this);
     const EventSource::Firing firing(events_);
+    hasToldEnd_ = false;
     ++running_;
     const HRESULT code = work();
     --running_;
@@ -88,7 +89,7 @@ HRESULT RecorderAccess::get_Running(VARIANT_BOOL* result) {
             invocation<&IRecorderAccess::get_Running, Treatment::kLocal>("get_Running", result);
         if (!wrapped()) {
             made.forward = [=, this] {
-                *result = com::variantBool(running_ > 0);
+                *result = com::variantBool(running_ > 0 && !hasToldEnd_);
                 return S_OK;
             };
         }
@@ -105,6 +106,11 @@ void RecorderAccess::eventComes(DISPID event, const DISPPARAMS* arguments) {
     if (downloaded_)
         downloaded_->starts(hasName ? std::wstring(com::view(arguments->rgvarg[0].bstrVal))
                                     : std::wstring());
+}
+
+std::optional<EventAnswered> RecorderAccess::fire(const EventFired& event) {
+    if (event.member == kFinished) hasToldEnd_ = true;
+    return events_.fire(event);
 }
 
 std::string RecorderAccess::leave(const FilePiece& piece) {

@@ -46,9 +46,7 @@ public:
     }
 
     void eventComes(DISPID event, const DISPPARAMS* arguments) override;
-    std::optional<EventAnswered> fire(const EventFired& event) override {
-        return events_.fire(event);
-    }
+    std::optional<EventAnswered> fire(const EventFired& event) override;
     std::string leave(const FilePiece& piece) override;
 
 protected:
@@ -63,6 +61,7 @@ private:
 
     EventSource events_{*this, DIID__IRecorderAccessEvents};
     std::atomic<int> running_ = 0;
+    std::atomic<bool> hasToldEnd_ = false;  // in a replay
 
     std::mutex mutex_;  // of what follows: a recorder does one download at a time
     DownloadedFiles* downloaded_ = nullptr;
