@@ -425,7 +425,8 @@ void OutputPane::showMenu(POINT place) {
         place = {0, 0};
         ClientToScreen(edit_, &place);
     }
-    const PaneCommand command = askPaneMenu(edit, place, selected.begin<selected.end, shown_> 0);
+    const bool hasSelection = selected.begin < selected.end;
+    const PaneCommand command = askPaneMenu(edit, place, hasSelection, shown_ > 0);
     // The window, and this with it, may have gone while the menu was open.
     DWORD_PTR pane = 0;
     if (!GetWindowSubclass(edit, procedure, kSubclass, &pane)) return;
