@@ -11,6 +11,7 @@ run_bench() {
     local windows=$kel_build/win32/bench/speed samples=$kel_build/bench/runs/samples
     lock_build
     set_up "${bench_packages[@]}"
+    ! is_emulated || say "32-bit programs are emulated here: what is measured under Wine says nothing about the product"
     build_preset bench kel_speed
     build_preset native bench/instrument/virtual-instrument
     build_preset win32 server/KelUtils.dll bench/link/BenchLink.dll bench/speed/kel_speed.exe bench/speed/kel_reaction.exe bench/speed/kel_recorder.exe bench/speed/kel_pane.exe

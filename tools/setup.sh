@@ -67,9 +67,14 @@ report_missing() {
     fail "until it succeeds, then ./kel setup again"
 }
 
-# Installs what is missing; does nothing, quickly, when everything is there. A verb that needs more
-# than the others names it: set_up [PACKAGE...]
+# Makes the machine ready; does nothing, quickly, when everything is there. A verb that needs more
+# packages than the others names them: set_up [PACKAGE...]
 set_up() {
+    install_packages "$@"
+    runs_32_bit || emulate_32_bit
+}
+
+install_packages() {
     wanted_packages=("${kel_packages[@]}" "$@")
     command -v dpkg-query apt-get >/dev/null ||
         fail "setup: needs Debian 12 (apt-get is missing); elsewhere provide by hand: ${wanted_packages[*]}"
@@ -88,26 +93,33 @@ set_up() {
     say "setup: all packages are installed"
 }
 
+# Prepares a package index of our own, of the machine's mirrors but the main suites alone:
+# own_index_options make apt-get use it.
+use_own_index() {
+    own_index=$kel_build/apt
+    mkdir -p -- "$own_index/sources" "$own_index/lists/partial"
+    at_exit as_root rm -rf -- "$own_index"
+    write_main_sources >"$own_index/sources/main.sources"
+    [[ -s $own_index/sources/main.sources ]] || fail "setup: no Debian main suite among the sources in /etc/apt"
+    own_index_options=(-o Dir::Etc::sourcelist=/dev/null -o "Dir::Etc::sourceparts=$own_index/sources"
+        -o "Dir::State::lists=$own_index/lists" -o Dir::Cache::pkgcache= -o Dir::Cache::srcpkgcache=)
+}
+
 # The security suite's i386 index may lag behind its amd64 index; then the 32-bit Wine has no
 # matching libraries there, while the main suites are consistent in themselves.
 install_from_main_suites() {
-    local log=$1 folder=$kel_build/apt options
+    local log=$1
     say "setup: the ordinary way failed (see $log-install.log)"
     say "setup: trying the main suites alone, without the security suite, with an index of their own"
-    mkdir -p -- "$folder/sources" "$folder/lists/partial"
-    at_exit as_root rm -rf -- "$folder"
-    write_main_sources >"$folder/sources/main.sources"
-    [[ -s $folder/sources/main.sources ]] || fail "setup: no Debian main suite among the sources in /etc/apt"
-    options=(-o Dir::Etc::sourcelist=/dev/null -o "Dir::Etc::sourceparts=$folder/sources"
-        -o "Dir::State::lists=$folder/lists" -o Dir::Cache::pkgcache= -o Dir::Cache::srcpkgcache=)
-    update_index " (main suites)" "$log-main" "${options[@]}"
-    install_missing " (main suites)" "$log-main" "${options[@]}" && return
+    use_own_index
+    update_index " (main suites)" "$log-main" "${own_index_options[@]}"
+    install_missing " (main suites)" "$log-main" "${own_index_options[@]}" && return
 
     # A 64-bit library that is newer than its 32-bit twin: only the same version of both goes together.
     say "setup: that failed too; trying again and allowing 64-bit packages to go back to the main suites' versions"
-    printf 'Package: *\nPin: release o=Debian\nPin-Priority: 1001\n' >"$folder/preferences"
-    install_missing " (main suites, downgrades allowed)" "$log-downgrade" "${options[@]}" \
-        -o "Dir::Etc::preferences=$folder/preferences" --allow-downgrades || return
+    printf 'Package: *\nPin: release o=Debian\nPin-Priority: 1001\n' >"$own_index/preferences"
+    install_missing " (main suites, downgrades allowed)" "$log-downgrade" "${own_index_options[@]}" \
+        -o "Dir::Etc::preferences=$own_index/preferences" --allow-downgrades || return
     report_downgrades "$log-downgrade-install.log"
 }
 
