@@ -17,10 +17,10 @@ namespace {
 constexpr UINT_PTR kSubclass = 0;
 constexpr UINT_PTR kFlushTimer = 0x4B45;
 constexpr UINT kFlushInterval = 33;
-constexpr UINT kLongestInterval = 500;
-// Showing takes a third of the time, half of it when much waits: its thread has other things to do.
-// So as not to keep them waiting, it is done in parts that take no longer than this (in
-// milliseconds).
+constexpr UINT kLongestRest = 500;
+// Showing takes a third of the time, drawing included, half of it when much waits: its thread has
+// other things to do. So as not to keep them waiting, it is done in parts that take no longer than
+// this (in milliseconds).
 constexpr UINT kRestFactor = 2;
 constexpr std::size_t kMuchCollected = 1 << 14;
 constexpr double kLongestPart = 30;
@@ -31,6 +31,12 @@ constexpr std::chrono::milliseconds kLongestUndrawn{100};
 constexpr std::size_t kMostCollected = 1 << 16;
 // More than any feeder adds: it is the pane that makes room.
 constexpr LRESULT kLimitTold = 0x7FFFFFFE;
+
+using Clock = std::chrono::steady_clock;
+
+double millisecondsSince(Clock::time_point begin) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+}
 
 std::wstring timeStamp() {
     SYSTEMTIME now;
@@ -82,9 +88,7 @@ bool readsText(UINT message) {
 }  // namespace
 
 OutputPane::OutputPane(HWND edit)
-    : edit_(edit),
-      content_([this] { return hasTimeStamps_ ? timeStamp() : std::wstring(); }),
-      interval_(kFlushInterval) {
+    : edit_(edit), content_([this] { return hasTimeStamps_ ? timeStamp() : std::wstring(); }) {
     if (!SetWindowSubclass(edit, procedure, kSubclass, reinterpret_cast<DWORD_PTR>(this)))
         throw com::lastError();
     ask(EM_SETLIMITTEXT, kLimitTold);
@@ -163,6 +167,12 @@ LRESULT OutputPane::process(UINT message, WPARAM wide, LPARAM longer) {
                 draw();
             }
             return 0;
+        case WM_PAINT: {
+            const auto begin = Clock::now();
+            const LRESULT result = DefSubclassProc(edit_, message, wide, longer);
+            drawing_ = millisecondsSince(begin);
+            return result;
+        }
         case WM_SIZE:
         case WM_SETFONT:
             keepEndInView(message, wide, longer);
@@ -225,7 +235,10 @@ void OutputPane::collected() {
 }
 
 void OutputPane::wait() {
-    hasTimer_ = SetTimer(edit_, kFlushTimer, interval_, nullptr) != 0;
+    const UINT factor = pending_.added.size() > kMuchCollected ? 1 : kRestFactor;
+    const double work = showing_ + (isUndrawn_ ? 0 : drawing_);
+    const UINT rest = std::clamp(static_cast<UINT>(work) * factor, kFlushInterval, kLongestRest);
+    hasTimer_ = SetTimer(edit_, kFlushTimer, rest, nullptr) != 0;
     if (!hasTimer_) flush();
 }
 
@@ -241,7 +254,7 @@ void OutputPane::flushPart() {
     if (std::exchange(hasTimer_, false)) KillTimer(edit_, kFlushTimer);
     if (!hasPending()) return;
 
-    const auto begin = std::chrono::steady_clock::now();
+    const auto begin = Clock::now();
     const std::size_t size = std::min(lengthOfPart(), pending_.added.size());
     // Making room is a part by itself.
     const bool makesRoom = shown_ + size > limit_ && shown_ > kept();
@@ -252,11 +265,8 @@ void OutputPane::flushPart() {
         pending_.added.erase(0, size);
         show(part, false);
     }
-    const double taken =
-        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
-    if (!makesRoom) adapt(size, taken);
-    const UINT factor = pending_.added.size() > kMuchCollected ? 1 : kRestFactor;
-    interval_ = std::clamp(static_cast<UINT>(taken) * factor, kFlushInterval, kLongestInterval);
+    showing_ = millisecondsSince(begin);
+    if (!makesRoom) adapt(size);
     if (hasPending()) wait();
 }
 
@@ -270,10 +280,10 @@ std::size_t OutputPane::lengthOfPart() const {
 }
 
 // How quick the control is depends on its text, its font and the machine.
-void OutputPane::adapt(std::size_t size, double taken) {
-    if (taken > kLongestPart) {
+void OutputPane::adapt(std::size_t size) {
+    if (showing_ > kLongestPart) {
         part_ = std::max(kSmallestPart, std::min(part_, size) * 3 / 4);
-    } else if (taken < kLongestPart * 3 / 4 && size >= part_ / 2) {
+    } else if (showing_ < kLongestPart * 3 / 4 && size >= part_ / 2) {
         part_ = std::min(kMostCollected, part_ + part_ / 4);
     }
 }
@@ -282,7 +292,7 @@ void OutputPane::draw() {
     if (!edit_) return;
     RedrawWindow(edit_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME);
     isUndrawn_ = false;
-    drawn_ = std::chrono::steady_clock::now();
+    drawn_ = Clock::now();
 }
 
 void OutputPane::show(const PaneChange& change, bool makesRoom) {
@@ -290,8 +300,7 @@ void OutputPane::show(const PaneChange& change, bool makesRoom) {
         const DrawingPause pause(edit_);
         apply(change, makesRoom);
     }
-    isUndrawn_ = pending_.added.size() > kMuchCollected &&
-                 std::chrono::steady_clock::now() - drawn_ < kLongestUndrawn;
+    isUndrawn_ = pending_.added.size() > kMuchCollected && Clock::now() - drawn_ < kLongestUndrawn;
     if (!isUndrawn_) draw();
 }
 

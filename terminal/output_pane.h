@@ -70,7 +70,7 @@ private:
     void flush();
     void flushPart();
     std::size_t lengthOfPart() const;
-    void adapt(std::size_t size, double taken);
+    void adapt(std::size_t size);
     void show(const PaneChange& change, bool makesRoom);
     void apply(const PaneChange& change, bool makesRoom);
     void draw();
@@ -103,7 +103,9 @@ private:
     // What is on the screen is not what is in the control. More is to be shown soon.
     bool isUndrawn_ = false;
     std::chrono::steady_clock::time_point drawn_;
-    UINT interval_;
+    // How long the control has taken for the last part, and to draw, in milliseconds.
+    double showing_ = 0;
+    double drawing_ = 0;
     std::size_t part_ = 1 << 13;
     // The message whose answer is to be the edit control's own; WM_NULL for none.
     UINT asked_ = WM_NULL;

@@ -1,5 +1,6 @@
 // What scenes cannot say of the terminal: what containers ask of its interfaces, where its parts
 // are, and what the pane does by and by.
+#include <commctrl.h>
 #include <gtest/gtest.h>
 #include <olectl.h>
 
@@ -67,6 +68,15 @@ protected:
             com::runWaitingMessages();
         }
         EXPECT_TRUE(holds());
+    }
+
+    static constexpr DWORD kDrawing = 150;
+    // Notes as well that the pane begins to show something.
+    static LRESULT CALLBACK drawSlowly(HWND pane, UINT message, WPARAM wide, LPARAM longer,
+                                       UINT_PTR, DWORD_PTR isShowing) {
+        if (message == WM_ERASEBKGND) Sleep(kDrawing);
+        if (message == WM_TIMER) *reinterpret_cast<bool*>(isShowing) = true;
+        return DefSubclassProc(pane, message, wide, longer);
     }
 
     std::optional<Stage> stage;
@@ -288,6 +298,21 @@ TEST_F(TerminalTest, ShowsMuchInParts) {
     EXPECT_GT(heights.size(), 2u);
     EXPECT_EQ(ask(WM_GETTEXTLENGTH), 57680);
     runMessagesUntil([] { return !isPainted(); });
+}
+
+// However slowly the system draws, others of the thread have twice as long.
+TEST_F(TerminalTest, RestsLongerThanItDraws) {
+    runMessagesUntil([] { return !isPainted(); });
+    bool isShowing = false;
+    SetWindowSubclass(output(), drawSlowly, 1, reinterpret_cast<DWORD_PTR>(&isShowing));
+    stage->play("container feed first");
+    runMessagesUntil(isPainted);
+    isShowing = false;
+    const DWORD begin = GetTickCount();
+    stage->play("container feed second");
+    runMessagesUntil([&] { return isShowing; });
+    EXPECT_GE(GetTickCount() - begin, 2 * kDrawing - 20);
+    RemoveWindowSubclass(output(), drawSlowly, 1);
 }
 
 TEST_F(TerminalTest, LeavesItsPaneHidden) {
