@@ -6,6 +6,7 @@
 
 #include "com/scoped.h"
 #include "com/variant.h"
+#include "hosts/keldesk/failure_text.h"
 #include "hosts/keldesk/file_question.h"
 #include "hosts/keldesk/look.h"
 #include "hosts/keldesk/model/recent_menu.h"
@@ -15,7 +16,6 @@
 #include "hosts/keldesk/sessions.h"
 #include "hosts/keldesk/settings.h"
 #include "hosts/keldesk/wide.h"
-#include "hosts/shared/error_text.h"
 #include "hosts/shared/full_path.h"
 #include "hosts/shared/model/failure.h"
 #include "hosts/shared/script_file.h"
@@ -38,17 +38,6 @@ constexpr TerminalColour kColours[] = {
     {&IKelTerminal::get_CommandLineTextColor, &IKelTerminal::put_CommandLineTextColor},
     {&IKelTerminal::get_CommandLineBackColor, &IKelTerminal::put_CommandLineBackColor},
 };
-
-// What the user is told of the exception that is being handled.
-std::wstring failureText() {
-    try {
-        throw;
-    } catch (const com::Error& error) {
-        return wide(host::describe(error));
-    } catch (const std::exception& error) {
-        return wide(error.what());
-    }
-}
 
 }  // namespace
 
