@@ -1,9 +1,9 @@
 # Lets 32-bit programs run where the kernel does not run them: through an emulator of the processor,
 # registered with the kernel until it starts again.
 
-# Before version 8 qemu does not tell Wine why a program was interrupted; the distribution has 7,
-# its backports 10.
-readonly emulator_package=qemu-user emulator_version=1:8
+# The distribution's qemu, version 7.2, does not tell Wine why a program was interrupted; version 10,
+# of the backports, does.
+readonly emulator_package=qemu-user emulator_version=1:10
 # Wine's server as a 64-bit program, which needs no emulator.
 readonly emulator_companion=wine64
 readonly foreign_programs=/proc/sys/fs/binfmt_misc
@@ -16,7 +16,7 @@ is_emulated() { [[ -e $emulator_entry ]]; }
 
 emulate_32_bit() {
     say "setup: this kernel runs no 32-bit programs; an emulator of the processor shall (everything"
-    say "    takes about four times as long; a kernel started with ia32_emulation=on needs none)"
+    say "    takes three to four times as long; a kernel started with ia32_emulation=on needs none)"
     [[ $(uname -m) == x86_64 ]] || fail "setup: kel needs a processor of the family x86-64"
     has_emulator || install_emulator
     register_emulator
@@ -41,8 +41,8 @@ install_emulator() {
     update_index " (with $release)" "$log" "${own_index_options[@]}"
     logged "setup: installing $emulator_package of $release, $emulator_companion" "$log-install.log" \
         apt_get "${own_index_options[@]}" install --no-install-recommends \
-        "$emulator_package/$release" "$emulator_companion" || report_missing "$log"
-    has_emulator || report_missing "$log"
+        "$emulator_package/$release" "$emulator_companion" && has_emulator ||
+        show_failure "$log-install.log" "setup: cannot install $emulator_package of $release"
 }
 
 # The kernel knows the programs by the begin of their files: 32 bits, little-endian, and the
