@@ -23,6 +23,10 @@ inline COLORREF translated(OLE_COLOR colour) {
     return translated;
 }
 
+inline bool isColour(OLE_COLOR colour) {
+    return SUCCEEDED(OleTranslateColor(colour, nullptr, nullptr));
+}
+
 // A colour with the brush that fills with it.
 class Brush {
 public:

@@ -36,24 +36,37 @@ bool isSameObject(IUnknown* left, IUnknown* right) {
     return leftIdentity.Get() == rightIdentity.Get();
 }
 
-// True while a script reads the stream, and while that cannot be told.
+// By a script.
 bool isRead(const com::ComPtr<IKelCommunicator>& link) {
     com::ComPtr<IPreprocessor> preprocessor;
     com::ComPtr<IPreprocessor2> reader;
-    if (FAILED(link->get_Preprocessor(&preprocessor))) return true;
+    com::check(link->get_Preprocessor(&preprocessor), link);
     if (!preprocessor || FAILED(preprocessor.As(&reader))) return false;
     VARIANT_BOOL isReading = VARIANT_FALSE;
-    return FAILED(reader->get_ReadingFromStream(&isReading)) || com::isTrue(isReading);
+    com::check(reader->get_ReadingFromStream(&isReading), reader);
+    return com::isTrue(isReading);
 }
 
-void empty(const com::ComPtr<IKelCommunicator>& link, const com::ComPtr<IKelStream>& port) {
+bool hasToEmpty(const com::ComPtr<IKelStream>& port) {
     long window = 0;
     com::check(port->get_EchoWindow(&window), port);
-    if (window == 0) return;
+    if (window == 0) return false;
     long bytes = 0;
     com::check(port->get_BytesInReadBuffer(&bytes), port);
-    if (bytes == 0 || isRead(link)) return;
-    com::check(port->ClearReadBuffer(), port);
+    return bytes != 0;
+}
+
+// False when a call fails that has failed the last time, too; throws when it fails anew.
+template <class Call>
+bool succeeds(bool& hasFailed, const Call& call) {
+    try {
+        call();
+        hasFailed = false;
+        return true;
+    } catch (const com::Error&) {
+        if (std::exchange(hasFailed, true)) return false;
+        throw;
+    }
 }
 
 // Unless the stream echoes elsewhere now.
@@ -81,7 +94,7 @@ void StreamPoll::follow(const com::ComPtr<IKelStream>& port, HWND pane) {
     // The calls may run messages that claim again, or close the window of the pane.
     while (stream_)
         release();
-    if (!port) return;
+    if (!port || !IsWindow(pane)) return;
     const long number = HandleToLong(pane);
     stream_ = port;
     paneNumber_ = number;
@@ -99,27 +112,30 @@ void StreamPoll::release() noexcept {
     giveBack(stream, paneNumber_);
 }
 
-void StreamPoll::tick(const com::ComPtr<IKelCommunicator>& link, HWND pane) {
-    const TickGuard guard;
-    if (!guard.isFirst() || !link) return;
-
-    com::ComPtr<IKelStream> port;
+template <class Call>
+auto StreamPoll::restingIfFails(const com::ComPtr<IKelStream>& port, const Call& call) {
     try {
-        port = com::portOf(link);
-        hasLinkFailed_ = false;
-    } catch (const com::Error&) {
-        if (std::exchange(hasLinkFailed_, true)) return;
-        throw;
-    }
-    if (!isSameObject(port.Get(), stream_.Get())) follow(port, pane);
-    if (!port || rests_) return;
-    try {
-        empty(link, port);
+        return call();
     } catch (const com::Error&) {
         // Another port may have come meanwhile.
         if (isSameObject(port.Get(), stream_.Get())) rests_ = true;
         throw;
     }
+}
+
+void StreamPoll::tick(const com::ComPtr<IKelCommunicator>& link, HWND pane) {
+    const TickGuard guard;
+    if (!guard.isFirst() || !link) return;
+
+    com::ComPtr<IKelStream> port;
+    if (!succeeds(hasLinkFailed_, [&] { port = com::portOf(link); })) return;
+    if (!isSameObject(port.Get(), stream_.Get())) follow(port, pane);
+    if (!port || !stream_ || rests_) return;
+
+    if (!restingIfFails(port, [&] { return hasToEmpty(port); })) return;
+    bool isBusy = false;
+    if (!succeeds(hasReaderFailed_, [&] { isBusy = isRead(link); }) || isBusy) return;
+    restingIfFails(port, [&] { com::check(port->ClearReadBuffer(), port); });
 }
 
 }  // namespace kel::terminal

@@ -23,11 +23,14 @@ public:
     void release() noexcept;
 
     // Empties the stream if it has something and nobody else reads it. Throws com::Error when the
-    // stream fails, once for each port; does nothing while another call of any terminal runs.
+    // stream fails, once for each port, and when the link fails, once until it does so no longer;
+    // does nothing while another call of any terminal runs.
     void tick(const com::ComPtr<IKelCommunicator>& link, HWND pane);
 
 private:
     void follow(const com::ComPtr<IKelStream>& port, HWND pane);
+    template <class Call>
+    auto restingIfFails(const com::ComPtr<IKelStream>& port, const Call& call);
 
     // The stream that echoes into the pane, or failed to.
     com::ComPtr<IKelStream> stream_;
@@ -35,6 +38,7 @@ private:
     bool isClaimed_ = false;
     bool rests_ = false;
     bool hasLinkFailed_ = false;
+    bool hasReaderFailed_ = false;
 };
 
 }  // namespace kel::terminal

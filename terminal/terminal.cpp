@@ -207,7 +207,7 @@ HRESULT KelTerminal::Send() {
 void KelTerminal::send() {
     const com::ComPtr<IKelCommunicator> communicator = communicator_;
     if (!communicator)
-        throw com::Error(E_UNEXPECTED, L"The terminal is not connected to an instrument");
+        throw com::Error(E_INVALIDARG, L"The terminal is not connected to an instrument");
     if (isSending_)
         throw com::Error(HRESULT_FROM_WIN32(ERROR_BUSY), L"A command is being sent already");
     const com::Scoped sending(isSending_, true);
@@ -302,7 +302,8 @@ void KelTerminal::restore(DISPID member, const com::Variant& value) {
 
 void KelTerminal::ambientChanged() {
     const auto background = site().ambient(DISPID_AMBIENT_BACKCOLOR, VT_I4);
-    if (background) look_.background = static_cast<OLE_COLOR>(background->get().lVal);
+    if (background && isColour(static_cast<OLE_COLOR>(background->get().lVal)))
+        look_.background = static_cast<OLE_COLOR>(background->get().lVal);
     window_.followColours();
     isInUse_ = site().isInUse();
     if (window_.window()) claimStream();
@@ -310,6 +311,11 @@ void KelTerminal::ambientChanged() {
 
 void KelTerminal::opened() {
     claimStream();
+}
+
+void KelTerminal::fontChanged() {
+    const com::KeepAlive alive(*this);
+    changed(DISPID_FONT);
 }
 
 void KelTerminal::ticked() {

@@ -61,6 +61,7 @@ private:
     void opened() override;
     void closing() override { poll_.release(); }
     void ticked() override;
+    void fontChanged() override;
     void focusMoved(bool isInside) override { focusChanged(isInside); }
     void sendPressed() override { send(); }
     bool takesKeys() const override { return !site().isDead(); }

@@ -113,7 +113,10 @@ void TerminalWindow::followColours() {
 
 void TerminalWindow::followFont() {
     if (!output_) return;
-    fontWatch_.emplace(look_.font.Get(), [this] { applyFont(); });
+    fontWatch_.emplace(look_.font.Get(), [this] {
+        applyFont();
+        events_.fontChanged();
+    });
     applyFont();
 }
 

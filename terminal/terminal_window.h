@@ -40,6 +40,8 @@ public:
     // The window goes: what was told of it is to be taken back.
     virtual void closing() = 0;
     virtual void ticked() = 0;
+    // The font object has, which the windows follow by themselves. May end the window.
+    virtual void fontChanged() = 0;
     virtual void focusMoved(bool isInside) = 0;
     virtual void sendPressed() = 0;
     // False while keys are to do nothing.
