@@ -64,8 +64,11 @@ RememberedFiles loadFiles(const std::wstring& application, bool usesWorkspaces) 
 void saveFiles(const std::wstring& application, const RememberedFiles& files) {
     const std::string name = com::narrow(application);
     std::vector<settings::ListEntry> entries;
-    for (const std::wstring& path : files.recent.paths())
-        entries.push_back({com::narrow(path)});
+    // One too long to be read again would hide all that come after it.
+    for (const std::wstring& path : files.recent.paths()) {
+        std::string text = com::narrow(path);
+        if (text.size() + 1 < settings::kLongestText) entries.push_back({std::move(text)});
+    }
     settings::writeList(settings::recent_files::key(name), settings::recent_files::kFields,
                         entries);
     SettingsKey::forWriting(settings::open_file::key(name))
