@@ -10,6 +10,7 @@
 #include "dialogs/connect/serial_link.h"
 #include "dialogs/connect/serial_page.h"
 #include "dialogs/connect/session_store.h"
+#include "settings/model/stored_list.h"
 
 namespace kel::connect {
 namespace {
@@ -56,6 +57,9 @@ void rememberNetwork(const std::wstring& name) {
     std::size_t index = static_cast<std::size_t>(known - stored.begin());
     if (known == stored.end()) {
         index = list.all().size();
+        // What is remembered without it would be another instrument.
+        if (com::narrow(name).size() + 1 >= settings::kLongestText)
+            failWith(L"The link's network connection is too long to be remembered");
         list.add({.name = name, .address = address, .port = port});
     }
     list.use(index);

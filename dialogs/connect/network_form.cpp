@@ -13,6 +13,8 @@ int NetworkForm::statusLine() const {
 
 void NetworkForm::initialise() {
     tree_ = control(IDC_NETWORK_LIST);
+    // Windows makes the dialog one of narrow texts, and its tree would ask for tips in such.
+    TreeView_SetUnicodeFormat(tree_, TRUE);
     list_ = ConnectionList(loadConnections());
     isLoaded_ = true;
     fillTree();

@@ -70,9 +70,9 @@ bool NetworkLink::isConnected(const NetworkConnection& connection) const {
     com::ComPtr<INetworkStream> network;
     if (!present || FAILED(present.As(&network))) return false;
     VARIANT_BOOL isOpen = VARIANT_FALSE;
-    com::check(network->get_IsOpen(&isOpen), network);
+    com::check(network->get_IsOpen(&isOpen), present);
     com::Bstr name;
-    com::check(network->get_ConnectionString(name.put()), network);
+    com::check(network->get_ConnectionString(name.put()), present);
     return com::isTrue(isOpen) &&
            com::sameName(name.view(), connection.address + L":" + connection.port);
 }

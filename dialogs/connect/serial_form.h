@@ -19,8 +19,11 @@ public:
     // Throws com::Error when the link fails.
     bool connect();
 
-    // No further port is looked at.
-    void leave() override { isLeaving_ = true; }
+    // No further port is looked at, and none connected.
+    void leave() override {
+        isLeaving_ = true;
+        link_.giveUp();
+    }
 
 protected:
     void initialise() override;

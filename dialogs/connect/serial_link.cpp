@@ -58,7 +58,7 @@ bool SerialLink::opens(const std::wstring& port) const {
     VARIANT_BOOL isOpen = VARIANT_FALSE;
     com::check(stream()->OpenPort(com::Bstr(port).get(), kDefaultBaudRate, &isOpen), stream());
     if (!com::isTrue(isOpen)) return false;
-    com::check(stream()->Close(), stream());
+    com::check<IKelStream>(stream()->Close(), stream().Get());
     return true;
 }
 
@@ -84,6 +84,10 @@ std::optional<DWORD> SerialLink::connect(const std::wstring& name, long rate) {
     const DWORD error = GetLastError();
     com::check(code, fresh);
     if (!com::isTrue(isOpen)) return error;
+    if (isGivenUp_) {
+        fresh->Close();
+        return ERROR_CANCELLED;
+    }
 
     try {
         if (const auto present = com::portOf(link_)) com::check(present->Close(), present);

@@ -41,14 +41,19 @@ public:
     // Changes only the rate of the port that is connected.
     void setRate(long rate, const SerialRules& rules);
     // Opens a port and puts it in the place of the link's present one, which is closed then. Gives
-    // the operating system's error when the port does not open, and nothing when all went well.
+    // the operating system's error when the port does not open, ERROR_CANCELLED when the user gave
+    // up, and nothing when all went well.
     std::optional<DWORD> connect(const std::wstring& port, long rate);
+
+    // Nothing is connected any more, also where it is called in the middle of connect().
+    void giveUp() noexcept { isGivenUp_ = true; }
 
 private:
     const com::ComPtr<ISerialStream>& stream() const;
 
     com::ComPtr<IKelCommunicator> link_;
     com::ComPtr<ISerialStream> stream_;
+    bool isGivenUp_ = false;
 };
 
 }  // namespace kel::connect

@@ -11,12 +11,17 @@ bool SerialPage::carryOut() {
     return connect();
 }
 
+void SerialPage::initialise() {
+    remembered_ = loadPort(application_);
+    SerialForm::initialise();
+}
+
 std::wstring SerialPage::firstPort() {
-    return link().hasOpenSerialPort() ? link().currentPort() : loadPort(application_).name;
+    return link().hasOpenSerialPort() ? link().currentPort() : remembered_.name;
 }
 
 long SerialPage::firstRate() {
-    return link().hasOpenSerialPort() ? SerialForm::firstRate() : loadPort(application_).rate;
+    return link().hasOpenSerialPort() ? SerialForm::firstRate() : remembered_.rate;
 }
 
 void SerialPage::connected(const std::wstring& port, long rate) {

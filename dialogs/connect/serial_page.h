@@ -24,6 +24,7 @@ public:
     bool carryOut() override;
 
 protected:
+    void initialise() override;
     SerialRules rules() const override { return kSessionRules; }
     std::wstring failureText(const std::wstring& port, DWORD error) const override {
         return sessionFailureText(port, error);
@@ -34,6 +35,7 @@ protected:
 
 private:
     std::wstring application_;
+    RememberedPort remembered_;
 };
 
 }  // namespace kel::connect

@@ -74,7 +74,8 @@ std::string itemsOf(HWND tree) {
         wchar_t text[256] = L"";
         NMTVGETINFOTIPW asked{};
         asked.hdr = {tree, static_cast<UINT_PTR>(GetDlgCtrlID(tree)),
-                     static_cast<UINT>(TVN_GETINFOTIPW)};
+                     static_cast<UINT>(send(tree, TVM_GETUNICODEFORMAT) ? TVN_GETINFOTIPW
+                                                                        : TVN_GETINFOTIPA)};
         asked.pszText = text;
         asked.cchTextMax = static_cast<int>(std::size(text));
         asked.hItem = reinterpret_cast<HTREEITEM>(item);
